@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/failure.h"
+
+namespace lumeth {
+
+// Where failures are recorded: Errorlog.txt in the program's folder, one line
+// per failure, created with its header on the first write.
+class ErrorLog {
+public:
+    // `folder` is the program's folder, ending in a path separator.
+    // `now` gives the current date and time as text (short date and time);
+    // tests pass a fixed clock. The default uses the system's local time.
+    explicit ErrorLog(std::string folder, std::function<std::string()> now = {});
+
+    const std::string& folder() const { return m_folder; }
+    std::string path() const; // folder + "Errorlog.txt"
+
+    // Append one record: date/time padded to 24, location, the whole cut at 59,
+    // padded to 60, then the message; CR LF.
+    void WriteErrorLog(std::string_view message, std::string_view location);
+    // "Error # N - description" under `location`; the category is accepted but not used.
+    void ReportError(std::string_view location, std::string_view category, const Failure& failure);
+    // Activity milestones: writes nothing.
+    void LogActivity(std::string_view text, std::string_view location);
+
+    // The header's eleven lines (without line ends), for tests and tools.
+    static const std::vector<std::string>& HeaderLines();
+    // Build one record line (without CR LF).
+    static std::string FormatRecord(std::string_view dateTime, std::string_view location,
+                                    std::string_view message);
+
+private:
+    std::string m_folder;
+    std::function<std::string()> m_now;
+    bool m_writing = false; // recursion guard
+};
+
+} // namespace lumeth

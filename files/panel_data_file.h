@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "model/failure.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+
+inline constexpr const char* kDefaultPanelDataFileName = "LumethEX.dat";
+
+// Result of reading a panel data file.
+enum class LoadOutcome {
+    Loaded,        // the whole file was read
+    NoFile,        // no file of that name: nothing done, the store untouched
+    NotPanelData,  // the marker is not 140: the store is left in its default state
+    Failed,        // I/O error or truncated: defaults plus what was read
+};
+
+struct LoadResult {
+    LoadOutcome outcome = LoadOutcome::Loaded;
+    int version = 3;
+    Status status; // failure detail for NotPanelData and Failed
+};
+
+// Load `path` into `store` (ResetToDefaults first, then versions 0..3).
+LoadResult LoadPanelDataFile(const std::string& path, PanelStore& store);
+// Same, from bytes already in memory.
+LoadResult LoadPanelData(std::string_view bytes, PanelStore& store);
+
+// Encode `store` as a version-3 panel data file.
+std::string EncodePanelData(const PanelStore& store);
+// Write `store` to `path` as version 3: written to a temporary file in the same
+// folder and renamed over the target, so a failed save keeps the old file.
+Status SavePanelDataFile(const std::string& path, const PanelStore& store);
+
+} // namespace lumeth

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "model/failure.h"
+
+namespace lumeth {
+
+// The program's few settings, kept in kovadmin.ini in the program's folder.
+struct Settings {
+    std::string serverAddress;
+    int32_t serverPort = 0;
+    int16_t packetSize = 16383;
+    bool maintainLogFile = false;
+    bool archiveLogFiles = false;
+    int32_t maxLogFileSize = 0;
+    bool maintainErrorFiles = false;
+    bool archiveErrorFiles = false;
+    int32_t maxErrorLog = 0;
+};
+
+// Leading-number conversion: leading blanks skipped, an optional sign, digits
+// up to the first non-digit; text without a number gives 0. Saturates at the
+// 32-bit range.
+int32_t LeadingNumber(std::string_view text);
+
+// Read folder + "kovadmin.ini" into `settings` with the defaults and clamps of
+// the settings file. On a failure reading stops (values read so far stay),
+// udpserve.ini in the folder is deleted if present, and the failure is returned.
+Status ReadSettings(const std::string& folder, Settings& settings);
+// Delete and rewrite folder + "kovadmin.ini".
+Status WriteSettings(const std::string& folder, const Settings& settings);
+
+} // namespace lumeth

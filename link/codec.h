@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/panel_store.h"
+
+// Builders for every message of the protocol, in both directions. The tool's
+// uploads and the emulator's answers share the layouts.
+namespace lumeth::codec {
+
+inline constexpr uint8_t kEndMarker = 0xFF;
+
+// 0x81 'd' from the server module: 81 64 64 FF.
+std::string IdentityQuery();
+// The tool's answer: 81 11 01 12 FF.
+std::string IdentityAnswer();
+// 0xF2 data request, 17 bytes.
+std::string DataRequest(uint32_t maskA, uint32_t maskB, uint32_t maskC);
+// 0x80 password: 80 05 L <bytes> checksum FF. Zero bytes are left out.
+std::string PasswordMessage(std::string_view password);
+// 0xFC alpha table of one sub type: names in channel order, each cut or
+// blank-padded to `width` bytes (width 0: the longest name), start index 0.
+std::string AlphaTableMessage(SubType subType, const std::vector<std::string>& channelNames,
+                              int width = 0);
+// 0xDF display lists of one sub type, names as 16 bytes.
+std::string DisplayListMessage(const PanelStore& store, SubType subType);
+// 0xCC user groups, names as 16 bytes.
+std::string GroupMessage(const PanelStore& store);
+// 0xFD button templates: 7F 52, X = M = TemplateCount, F = 0, L = 8, W = 16.
+std::string ButtonMessage(const PanelStore& store);
+
+// Cut or blank-pad to exactly `width` bytes.
+std::string FixedWidth(std::string_view text, size_t width);
+
+// Index of the first 0xFF plus one, or 0 when there is none.
+size_t FindEndOfMessage(std::string_view buffer);
+
+} // namespace lumeth::codec

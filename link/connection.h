@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "files/error_log.h"
+#include "link/link_state.h"
+#include "link/session.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+
+// True when `ms` milliseconds have passed since the 32-bit tick `start`,
+// with the wrap-around rule of the tick counter.
+bool DeadlinePassed(int32_t start, double ms, int32_t now);
+
+// The Qt side of the link: one socket, the decode and poll timers, the
+// transmitter and Wait. It moves bytes between the socket and the session and
+// reports status and store changes as signals.
+class Connection : public QObject, private SessionObserver {
+    Q_OBJECT
+public:
+    Connection(PanelStore& store, LinkState& state, ErrorLog& log, QObject* parent = nullptr);
+    ~Connection() override;
+
+    LinkSession& session() { return m_session; }
+    LinkState& state() { return m_state; }
+
+    // Close any open socket, empty the buffer, connect to state().serverAddress:serverPort.
+    void Connect();
+    // Close; connected false, buffer and entered password empty, password not received.
+    void Disconnect();
+    bool IsConnected() const { return m_state.connected; }
+
+    // Write one whole message with the 16384-byte chunk rule.
+    void Transmit(const std::string& message);
+    // Transmit everything the session has queued.
+    void FlushSession();
+
+    // Return after `ms` milliseconds; with pumpEvents the event loop keeps running.
+    void Wait(int ms, bool pumpEvents);
+
+    void RequestEverything();
+    void SendPassword();
+    // The six upload messages, Wait(500, true) between every two.
+    void Apply();
+
+    // tmrPoll: 500 ms, reconnects while the link is down and calls the login
+    // hook whenever nobody is logged in.
+    void StartPolling();
+    void StopPolling();
+    void setLoginHook(std::function<void()> hook) { m_loginHook = std::move(hook); }
+
+    QTimer* decodeTimer() { return &m_decodeTimer; }
+    QTimer* pollTimer() { return &m_pollTimer; }
+
+signals:
+    void statusTextChanged(const QString& text); // "Server Module Connected" / "... Not Connected"
+    void storeChanged(lumeth::StoreChange change, lumeth::SubType subType);
+    void linkConnected();
+    void linkDisconnected();
+
+private:
+    void OnConnected();
+    void OnReadyRead();
+    void OnPeerClosed();
+    void OnDecodeTick();
+    void OnPollTick();
+
+    // SessionObserver
+    void StoreChanged(StoreChange change, SubType subType) override;
+    void WriteErrorLog(std::string_view message, std::string_view location) override;
+    void ReportError(std::string_view location, std::string_view category,
+                     const Failure& failure) override;
+    void LogActivity(std::string_view text, std::string_view location) override;
+
+    LinkState& m_state;
+    ErrorLog& m_log;
+    LinkSession m_session;
+    QTcpSocket* m_socket = nullptr;
+    QTimer m_decodeTimer;
+    QTimer m_pollTimer;
+    std::function<void()> m_loginHook;
+    bool m_inLoginHook = false;
+};
+
+} // namespace lumeth

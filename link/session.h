@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "link/link_state.h"
+#include "model/failure.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+
+// What a handled message changed, so the window can redraw.
+enum class StoreChange {
+    Password,
+    Alphas,       // `subType` says which
+    DisplayLists, // `subType` says which
+    UserGroups,
+    Templates,
+};
+
+// How the session reports to its owner. The owner writes log lines to the
+// error log and redraws views; the session never does I/O itself.
+class SessionObserver {
+public:
+    virtual ~SessionObserver() = default;
+    virtual void StoreChanged(StoreChange change, SubType subType) = 0;
+    // A fixed protocol line ("Message Length Error", "Invalid Data 2 bytes").
+    virtual void WriteErrorLog(std::string_view message, std::string_view location) = 0;
+    // A failure under the error-report convention ("Error # N - description").
+    virtual void ReportError(std::string_view location, std::string_view category,
+                             const Failure& failure) = 0;
+    virtual void LogActivity(std::string_view text, std::string_view location) = 0;
+};
+
+// The protocol session: sans-I/O. Received bytes are appended with Receive,
+// DecodeNext handles at most one message, and everything the session wants to
+// send is queued and taken with TakeOutgoing (one entry per message, so the
+// transmitter can apply its chunk rule per message).
+class LinkSession {
+public:
+    LinkSession(PanelStore& store, LinkState& state, SessionObserver& observer);
+
+    PanelStore& store() { return m_store; }
+    LinkState& state() { return m_state; }
+
+    // Append received bytes to the receive buffer.
+    void Receive(std::string_view bytes);
+    // Decode and handle at most one message from the front of the buffer.
+    void DecodeNext();
+    bool BufferEmpty() const { return m_state.receiveBuffer.empty(); }
+
+    // Messages queued for sending, oldest first; the queue is emptied.
+    std::vector<std::string> TakeOutgoing();
+    bool HasOutgoing() const { return !m_outgoing.empty(); }
+
+    // Link opened or closed: receive buffer empty. Disconnected() also clears
+    // the entered password and the password-received flag.
+    void Connected();
+    void Disconnected();
+
+    // Queue a data request and replace the three pending masks.
+    void RequestData(uint32_t maskA, uint32_t maskB, uint32_t maskC);
+    void RequestEverything();
+    // Queue the set-password message built from state().serverPassword.
+    void SendPassword();
+
+    // The six Apply messages in order: display lists 11, 21, 31, 41, groups, buttons.
+    std::vector<std::string> BuildApplyMessages() const;
+
+private:
+    void Queue(std::string message);
+
+    PanelStore& m_store;
+    LinkState& m_state;
+    SessionObserver& m_observer;
+    std::vector<std::string> m_outgoing;
+};
+
+} // namespace lumeth

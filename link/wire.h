@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Integers on the wire: 14-bit values as two 7-bit bytes, 28-bit values as four,
+// low group first, and the 7-bit message checksum.
+namespace lumeth::wire {
+
+// high * 128 + low. Both bytes must be 0..127; a byte with its top bit set
+// would overflow the signed 16-bit result and gives nullopt.
+std::optional<int16_t> JoinSeptets(uint8_t low, uint8_t high);
+
+// Append a 14-bit value (v AND 127, then v / 128). Values outside 0..16383
+// are masked to 14 bits; callers validate ranges before building.
+void Append14(std::string& out, int value);
+// Append the low 28 bits of `value` as four 7-bit groups, low group first.
+void Append28(std::string& out, uint32_t value);
+
+// Read a 14-bit value at `index`; nullopt when out of range or a byte has its
+// top bit set.
+std::optional<int16_t> Read14(std::string_view message, size_t index);
+
+// The first `count` bytes of `text`; `text` keeps the rest.
+std::string SplitBytes(std::string& text, size_t count);
+
+// Sum modulo 128 of the bytes from index 1 up to and including index
+// last - tail (last = size - 1), reduced to 7 bits after every addition.
+// A message being built is summed with tail 0; a received one with tail 2.
+// A range that is empty (or a message shorter than the tail) sums to 0.
+uint8_t Checksum(std::string_view message, int tail);
+
+// Append checksum (tail 0) and the 0xFF end marker to a message being built.
+void Finish(std::string& message);
+
+} // namespace lumeth::wire

@@ -1,0 +1,32 @@
+#include "model/failure.h"
+
+namespace lumeth {
+
+std::string_view ErrorDescription(ErrorCode code) {
+    switch (code) {
+    case ErrorCode::None: return "No error";
+    case ErrorCode::InvalidProcedureCall: return "Invalid procedure call or argument";
+    case ErrorCode::Overflow: return "Overflow";
+    case ErrorCode::OutOfMemory: return "Out of memory";
+    case ErrorCode::SubscriptOutOfRange: return "Subscript out of range";
+    case ErrorCode::TypeMismatch: return "Type mismatch";
+    case ErrorCode::BadFileName: return "Bad file name or number";
+    case ErrorCode::FileNotFound: return "File not found";
+    case ErrorCode::BadFileMode: return "Bad file mode";
+    case ErrorCode::DeviceIoError: return "Device I/O error";
+    case ErrorCode::FileAlreadyExists: return "File already exists";
+    case ErrorCode::DiskFull: return "Disk full";
+    case ErrorCode::InputPastEndOfFile: return "Input past end of file";
+    case ErrorCode::PermissionDenied: return "Permission denied";
+    case ErrorCode::PathFileAccessError: return "Path/File access error";
+    case ErrorCode::PathNotFound: return "Path not found";
+    case ErrorCode::InvalidFileFormat: return "Invalid file format";
+    }
+    return "Application-defined or object-defined error";
+}
+
+std::string Failure::LogMessage() const {
+    return "Error # " + std::to_string(number()) + " - " + std::string(description());
+}
+
+} // namespace lumeth
