@@ -1,0 +1,485 @@
+#include "app/main_window.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "app/main_views.h"
+#include "files/panel_data_file.h"
+#include "link/connection.h"
+#include "ui/about_dialog.h"
+#include "ui/file_dialog.h"
+#include "ui/login_dialog.h"
+#include "ui/setup_dialog.h"
+
+namespace lumeth {
+
+namespace {
+
+constexpr int kStatusMessageMs = 6000;
+
+QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
+                        const QString& tip = {}) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    if (!tip.isEmpty())
+        button->setToolTip(tip);
+    return button;
+}
+
+QAction* MakeAction(QMenu* menu, const char* name, const QString& caption) {
+    auto* action = menu->addAction(caption);
+    action->setObjectName(name);
+    return action;
+}
+
+QAction* MakeSeparator(QMenu* menu, const char* name) {
+    QAction* separator = menu->addSeparator();
+    separator->setObjectName(name);
+    return separator;
+}
+
+// What each pending request bit is waiting for, in the order of the download.
+struct PendingName {
+    bool maskA;
+    uint32_t bit;
+    const char* text;
+};
+constexpr PendingName kPendingNames[] = {
+    {true, request::kPassword, "Password"},
+    {true, request::kInputAlphas, "Input Alphas"},
+    {true, request::kOutputAlphas, "Output Alphas"},
+    {true, request::kOptoAlphas, "Opto Alphas"},
+    {true, request::kRelayAlphas, "Relay Alphas"},
+    {false, request::kInputLists, "Input Lists"},
+    {false, request::kOutputLists, "Output Lists"},
+    {false, request::kOptoLists, "Opto Lists"},
+    {false, request::kRelayLists, "Relay Lists"},
+    {false, request::kUserGroups, "User Groups"},
+    {false, request::kTemplates, "Button Templates"},
+};
+
+} // namespace
+
+MainWindow::MainWindow(const std::string& folder, QWidget* parent)
+    : QMainWindow(parent), m_folder(folder), m_log(folder) {
+    setObjectName("frmMain");
+    setWindowTitle("KOV Lumeth EX Administrator");
+
+    m_connection = new Connection(m_store, m_link, m_log, this);
+    m_connection->setObjectName("scktServer");
+    m_connection->decodeTimer()->setObjectName("tmrDecode");
+    m_connection->pollTimer()->setObjectName("tmrPoll");
+
+    m_views = new MainViews(
+        m_store,
+        [this](std::string_view location, std::string_view category, const Failure& failure) {
+            ReportError(location, category, failure);
+        },
+        this);
+    m_views->setListEditor([this] { ShowListEditor(); });
+
+    BuildMenus();
+    BuildLayout();
+
+    connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
+    connect(m_connection, &Connection::storeChanged, this, &MainWindow::OnStoreChanged);
+
+    // Pending masks change as requests go out and answers come in; the
+    // progress panel follows them.
+    m_progressTimer = new QTimer(this);
+    m_progressTimer->setInterval(200);
+    connect(m_progressTimer, &QTimer::timeout, this, &MainWindow::RefreshProgress);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::BuildMenus() {
+    QMenuBar* bar = menuBar();
+    QMenu* file = bar->addMenu("&File");
+    file->setObjectName("mnuFile");
+    file->menuAction()->setObjectName("mnuFile");
+    connect(MakeAction(file, "mnuSetup", "Setup"), &QAction::triggered, this,
+            &MainWindow::ShowSetup);
+    MakeSeparator(file, "mnuSep1");
+    connect(MakeAction(file, "munUserGroups", "Edit &User Groups"), &QAction::triggered, this,
+            &MainWindow::EditGroups);
+    connect(MakeAction(file, "mnuDisplayLists", "Edit &Dsiplay Lists"), &QAction::triggered,
+            this, &MainWindow::EditLists);
+    connect(MakeAction(file, "mnuButtons", "Program &Button Templates"), &QAction::triggered,
+            this, &MainWindow::EditButtons);
+    MakeSeparator(file, "mnuSep2");
+    connect(MakeAction(file, "mnuSaveAll", "&Save All"), &QAction::triggered, this,
+            &MainWindow::SaveAll);
+    connect(MakeAction(file, "mnuLoadAll", "&Load All"), &QAction::triggered, this,
+            &MainWindow::LoadAll);
+    MakeSeparator(file, "mnuSep3");
+    connect(MakeAction(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
+
+    QMenu* help = bar->addMenu("&Help");
+    help->setObjectName("mnuHelp");
+    help->menuAction()->setObjectName("mnuHelp");
+    connect(MakeAction(help, "mnuAbout", "About"), &QAction::triggered, this,
+            &MainWindow::ShowAbout);
+
+    // Not on the menu bar: shown only as the views' context menu.
+    m_popup = new QMenu("Popup", this);
+    m_popup->setObjectName("mnuPopup");
+    connect(MakeAction(m_popup, "mnuEdit", "Edit List"), &QAction::triggered, this,
+            &MainWindow::EditFromPopup);
+    connect(m_popup, &QMenu::aboutToHide, this, [this] {
+        // After the menu's action (if any) has run.
+        QTimer::singleShot(0, this, &MainWindow::RefreshAfterPopup);
+    });
+}
+
+void MainWindow::BuildLayout() {
+    auto* central = new QWidget(this);
+    central->setObjectName("frmMainClient");
+    setCentralWidget(central);
+    // The views were created on the window; move them onto the client area.
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             m_views->groups(), m_views->displayLists(), m_views->items(), m_views->caption(0),
+             m_views->caption(1), m_views->caption(2), m_views->subTypeFrame()})
+        w->setParent(central);
+
+    for (QTreeWidget* view : {m_views->groups(), m_views->displayLists()}) {
+        view->setContextMenuPolicy(Qt::NoContextMenu);
+        view->viewport()->installEventFilter(this);
+    }
+
+    auto* grid = new QGridLayout;
+    grid->addWidget(m_views->caption(0), 0, 0);
+    grid->addWidget(m_views->caption(1), 0, 1);
+    grid->addWidget(m_views->caption(2), 0, 2);
+    grid->addWidget(m_views->groups(), 1, 0, 2, 1);
+    grid->addWidget(m_views->subTypeFrame(), 1, 1);
+    grid->addWidget(m_views->displayLists(), 2, 1);
+    grid->addWidget(m_views->items(), 1, 2, 2, 1);
+    grid->setColumnStretch(0, 3);
+    grid->setColumnStretch(1, 4);
+    grid->setColumnStretch(2, 5);
+    grid->setRowStretch(2, 1);
+
+    auto* editLists =
+        MakeButton(central, "cmdEditLists", "Edit &Lists", "Edit Display Lists");
+    auto* editButtons =
+        MakeButton(central, "cmdEditButtons", "Edit &Buttons", "Edit Button programming");
+    auto* editGroups = MakeButton(central, "cmdEditGroups", "Edit &Groups", "Edit User Groups");
+    m_send = MakeButton(central, "cmdSend", "Apply",
+                        "Send the display lists, user groups and button templates to the "
+                        "server module");
+    auto* cancel = MakeButton(central, "cmdCancel", "&Cancel",
+                              "Discard local changes and download everything again");
+    connect(editLists, &QPushButton::clicked, this, &MainWindow::EditLists);
+    connect(editButtons, &QPushButton::clicked, this, &MainWindow::EditButtons);
+    connect(editGroups, &QPushButton::clicked, this, &MainWindow::EditGroups);
+    connect(m_send, &QPushButton::clicked, this, &MainWindow::Apply);
+    connect(cancel, &QPushButton::clicked, this, &MainWindow::CancelEdits);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(editGroups);
+    buttons->addWidget(editLists);
+    buttons->addWidget(editButtons);
+    buttons->addStretch(1);
+    buttons->addWidget(m_send);
+    buttons->addWidget(cancel);
+
+    auto* layout = new QVBoxLayout(central);
+    layout->addLayout(grid, 1);
+    layout->addLayout(buttons);
+
+    QStatusBar* status = statusBar();
+    status->setObjectName("stbStatus");
+    m_linkPanel = new QLabel(status);
+    m_linkPanel->setObjectName("stbStatus_1");
+    m_linkPanel->setProperty("controlArray", "stbStatus");
+    m_linkPanel->setProperty("controlIndex", 1);
+    m_progressPanel = new QLabel(status);
+    m_progressPanel->setObjectName("stbStatus_2");
+    m_progressPanel->setProperty("controlArray", "stbStatus");
+    m_progressPanel->setProperty("controlIndex", 2);
+    status->addPermanentWidget(m_linkPanel, 1);
+    status->addPermanentWidget(m_progressPanel, 2);
+
+    resize(1060, 680);
+}
+
+void MainWindow::Start() {
+    m_views->ClearAll();
+    m_link = LinkState{};
+    m_store.editorListType = kUserGroupListType;
+    m_store.currentListType = 11;
+    m_settings = Settings{};
+    m_settings.packetSize = 16383;
+    // A failed read leaves the values read so far; nothing is shown.
+    (void)ReadSettings(m_folder, m_settings);
+    m_linkPanel->setText("Server Module Not Connected");
+    if (m_settings.serverPort == 0)
+        m_settings.serverPort = 1250;
+    m_link.serverAddress = m_settings.serverAddress;
+    m_link.serverPort = m_settings.serverPort;
+
+    m_connection->Connect();
+    setEnabled(false);
+
+    m_connection->setLoginHook([this] { ShowLogin(); });
+    m_connection->StartPolling();
+    m_progressTimer->start();
+}
+
+void MainWindow::ShowLogin() {
+    if (m_shutDown || (m_login && m_login->isVisible()))
+        return;
+    setEnabled(false);
+    if (!m_login) {
+        m_login = new LoginDialog(m_link, *m_connection, m_normalisedAddress, this);
+        connect(m_login, &QDialog::finished, this, &MainWindow::OnLoginFinished);
+    }
+    // Modal for the operator, without a nested event loop: the link keeps
+    // running and the poll timer sees the dialog is already up.
+    m_login->setEnabled(true);
+    m_login->open();
+}
+
+void MainWindow::OnLoginFinished() {
+    if (m_link.enteredPassword.empty()) {
+        close();
+        return;
+    }
+    setEnabled(true);
+    m_views->groups()->setFocus();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_shutDown) {
+        event->accept();
+        return;
+    }
+    m_shutDown = true;
+    m_connection->StopPolling();
+    m_progressTimer->stop();
+    m_connection->Disconnect();
+
+    m_settings.serverAddress = m_link.serverAddress;
+    m_settings.serverPort = m_link.serverPort;
+    const Status written = WriteSettings(m_folder, m_settings);
+    if (!written)
+        ReportError("Error Writing ini file", "File Error", written.failure());
+
+    // Unload every other window, the most recent first.
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (qsizetype i = windows.size() - 1; i >= 0; --i) {
+        QWidget* window = windows[i];
+        if (window != this && window->isVisible())
+            window->close();
+    }
+    event->accept();
+}
+
+void MainWindow::ReportError(std::string_view location, std::string_view category,
+                             const Failure& failure) {
+    m_log.ReportError(location, category, failure);
+}
+
+void MainWindow::OnStoreChanged(StoreChange change, SubType) {
+    switch (change) {
+    case StoreChange::UserGroups:
+        m_views->DisplayUserGroups();
+        m_views->ShowGroupData(m_store.currentUserGroup);
+        break;
+    case StoreChange::DisplayLists:
+        m_views->ShowDisplayListData(m_store.currentList);
+        break;
+    case StoreChange::Password:
+    case StoreChange::Alphas:
+    case StoreChange::Templates:
+        break;
+    }
+    RefreshProgress();
+}
+
+QString MainWindow::ProgressText() const {
+    QStringList waiting;
+    for (const PendingName& name : kPendingNames) {
+        if ((name.maskA ? m_link.pendingA : m_link.pendingC) & name.bit)
+            waiting << name.text;
+    }
+    if (!waiting.isEmpty())
+        return "Receiving: " + waiting.join(", ") + "...";
+    if (m_applying)
+        return "Sending...";
+    return m_unapplied ? "Unapplied changes" : QString();
+}
+
+void MainWindow::RefreshProgress() {
+    const QString text = ProgressText();
+    if (m_progressPanel->text() != text)
+        m_progressPanel->setText(text);
+}
+
+void MainWindow::setUnappliedChanges(bool unapplied) {
+    m_unapplied = unapplied;
+    RefreshProgress();
+}
+
+void MainWindow::ShowListEditor() {
+    if (m_listEditor) {
+        m_listEditor();
+        return;
+    }
+    statusBar()->showMessage("The display list and user group editor is not available yet.",
+                             kStatusMessageMs);
+}
+
+void MainWindow::ShowButtonEditor() {
+    if (m_buttonEditor) {
+        m_buttonEditor();
+        return;
+    }
+    statusBar()->showMessage("The button template editor is not available yet.",
+                             kStatusMessageMs);
+}
+
+void MainWindow::EditGroups() {
+    if (m_store.editorListType != kUserGroupListType) {
+        m_store.editorListType = kUserGroupListType;
+        m_store.currentListType = 11;
+        m_store.currentUserGroup = 0;
+    }
+    ShowListEditor();
+    m_views->DisplayUserGroups();
+    m_views->SelectFirstGroup();
+    m_store.currentUserGroup = 0;
+    m_views->ShowGroupData(m_store.currentUserGroup);
+    m_views->groups()->setFocus();
+}
+
+void MainWindow::EditLists() {
+    if (m_store.editorListType == kUserGroupListType) {
+        m_store.currentList = 0;
+        m_store.editorListType = 11;
+        m_store.currentListType = 11;
+    }
+    ShowListEditor();
+    m_views->SelectFirstGroup();
+    m_views->ShowGroupData(m_store.currentUserGroup);
+    m_views->groups()->setFocus();
+}
+
+void MainWindow::EditButtons() { ShowButtonEditor(); }
+
+void MainWindow::EditFromPopup() {
+    ShowListEditor();
+    m_views->DisplayUserGroups();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonRelease) {
+        auto* mouse = static_cast<QMouseEvent*>(event);
+        const bool overGroups = watched == m_views->groups()->viewport();
+        const bool overLists = watched == m_views->displayLists()->viewport();
+        if (mouse->button() == Qt::RightButton && (overGroups || overLists)) {
+            // No context menu while a download is outstanding.
+            if (!m_link.AnyPending() && !m_popup->isVisible()) {
+                m_popupSource = overGroups ? static_cast<QObject*>(m_views->groups())
+                                           : static_cast<QObject*>(m_views->displayLists());
+                m_popup->popup(mouse->globalPosition().toPoint());
+            }
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::RefreshAfterPopup() {
+    QObject* source = m_popupSource;
+    m_popupSource = nullptr;
+    if (source == m_views->displayLists()) {
+        m_views->ShowDisplayListData(m_store.currentList);
+        m_views->ShowGroupData(m_store.currentUserGroup);
+    } else if (source == m_views->groups()) {
+        m_views->DisplayUserGroups();
+        m_views->ShowGroupData(m_store.currentUserGroup);
+    }
+}
+
+void MainWindow::Apply() {
+    if (m_applying)
+        return;
+    m_applying = true;
+    m_send->setEnabled(false);
+    RefreshProgress();
+    const bool wasConnected = m_link.connected;
+    m_connection->Apply();
+    m_applying = false;
+    m_send->setEnabled(true);
+    // Sent only when the link stayed up for the whole upload.
+    if (wasConnected && m_link.connected)
+        m_unapplied = false;
+    RefreshProgress();
+}
+
+void MainWindow::CancelEdits() {
+    m_connection->RequestEverything();
+    setUnappliedChanges(false);
+}
+
+void MainWindow::SaveAll() {
+    const QString path =
+        ChooseFileName(this, QString::fromStdString(m_folder), kDefaultPanelDataFileName, "dat");
+    if (path.isEmpty())
+        return;
+    const Status saved = SavePanelDataFile(path.toStdString(), m_store);
+    if (!saved)
+        ReportError("Error Writing LumethEX File", "File Error", saved.failure());
+}
+
+void MainWindow::LoadAll() {
+    const QString path =
+        ChooseFileName(this, QString::fromStdString(m_folder), kDefaultPanelDataFileName, "dat");
+    if (path.isEmpty())
+        return;
+    const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
+    switch (result.outcome) {
+    case LoadOutcome::NoFile:
+        return;
+    case LoadOutcome::NotPanelData:
+        // The store is back at its defaults; the views are left as they were.
+        setUnappliedChanges(true);
+        return;
+    case LoadOutcome::Failed:
+        ReportError("Error Loading LumethEX File", "File Error", result.status.failure());
+        setUnappliedChanges(true);
+        return;
+    case LoadOutcome::Loaded:
+        break;
+    }
+    m_views->DisplayUserGroups();
+    m_views->ShowGroupData(m_store.currentUserGroup);
+    setUnappliedChanges(true);
+}
+
+void MainWindow::ShowSetup() {
+    SetupDialog dialog(m_settings, m_link, *m_connection, m_normalisedAddress, this);
+    dialog.exec();
+}
+
+void MainWindow::ShowAbout() {
+    AboutDialog dialog(m_link, this);
+    dialog.exec();
+}
+
+} // namespace lumeth

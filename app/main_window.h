@@ -1,0 +1,114 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "files/error_log.h"
+#include "files/settings.h"
+#include "link/link_state.h"
+#include "link/session.h"
+#include "model/panel_store.h"
+
+class QLabel;
+class QMenu;
+class QPushButton;
+class QTimer;
+
+namespace lumeth {
+
+class AboutDialog;
+class Connection;
+class LoginDialog;
+class MainViews;
+
+// frmMain, "KOV Lumeth EX Administrator": the views of the panel
+// configuration, the commands and menus, and the program's start-up and
+// shut-down. It owns the process-wide state: the store, the link, the
+// settings and the error log.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // `folder` is the program's folder, ending in a separator.
+    explicit MainWindow(const std::string& folder, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    // Form load: views emptied, link reset, settings read, "Server Module Not
+    // Connected", connect, window disabled, polling (and so the login) started.
+    void Start();
+
+    // Commands, as the buttons and menu items call them.
+    void EditGroups();
+    void EditLists();
+    void EditButtons();
+    void EditFromPopup();
+    void Apply();
+    void CancelEdits();
+    void SaveAll();
+    void LoadAll();
+    void ShowSetup();
+    void ShowAbout();
+    // The poll timer's login: disable the window and show the login dialog.
+    void ShowLogin();
+
+    // The editors are plugged in here; until then the commands say in the
+    // status bar that the editor is not available.
+    void setListEditor(std::function<void()> show) { m_listEditor = std::move(show); }
+    void setButtonEditor(std::function<void()> show) { m_buttonEditor = std::move(show); }
+
+    // The second status panel: download progress or unapplied changes.
+    QString ProgressText() const;
+    // Marks the store as changed locally (file load, edit) until Apply sends it.
+    void setUnappliedChanges(bool unapplied);
+    bool hasUnappliedChanges() const { return m_unapplied; }
+
+    PanelStore& store() { return m_store; }
+    LinkState& link() { return m_link; }
+    Settings& settings() { return m_settings; }
+    ErrorLog& errorLog() { return m_log; }
+    Connection& connection() { return *m_connection; }
+    MainViews& views() { return *m_views; }
+    const std::string& folder() const { return m_folder; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void BuildMenus();
+    void BuildLayout();
+    void OnStoreChanged(StoreChange change, SubType subType);
+    void OnLoginFinished();
+    void RefreshProgress();
+    void RefreshAfterPopup();
+    void ShowListEditor();
+    void ShowButtonEditor();
+    void ReportError(std::string_view location, std::string_view category, const Failure& failure);
+
+    std::string m_folder;
+    PanelStore m_store;
+    LinkState m_link;
+    Settings m_settings;
+    ErrorLog m_log;
+    std::string m_normalisedAddress;
+    Connection* m_connection = nullptr;
+    MainViews* m_views = nullptr;
+
+    QMenu* m_popup = nullptr;
+    QObject* m_popupSource = nullptr;
+    QLabel* m_linkPanel = nullptr;
+    QLabel* m_progressPanel = nullptr;
+    QTimer* m_progressTimer = nullptr;
+    QPushButton* m_send = nullptr;
+    LoginDialog* m_login = nullptr;
+
+    std::function<void()> m_listEditor;
+    std::function<void()> m_buttonEditor;
+    bool m_unapplied = false;
+    bool m_applying = false;
+    bool m_shutDown = false;
+};
+
+} // namespace lumeth

@@ -1,0 +1,27 @@
+#include "app/view_keys.h"
+
+#include <cstdio>
+
+#include "files/settings.h"
+
+namespace lumeth {
+
+namespace {
+std::string Keyed(const char* prefix, int width, int value) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "%0*d", width, value);
+    return prefix + std::string(digits);
+}
+} // namespace
+
+std::string GroupKey(int userGroupIndex) { return Keyed("Gr.", 3, userGroupIndex + 1); }
+std::string ListKey(int position) { return Keyed("Lst.", 3, position); }
+std::string ChannelKey(int channel) { return Keyed("Ch.", 4, channel + 1); }
+
+int KeyNumber(std::string_view key) {
+    return TextNumber(key.size() > 3 ? key.substr(key.size() - 3) : key);
+}
+
+int TextNumber(std::string_view text) { return LeadingNumber(text); }
+
+} // namespace lumeth

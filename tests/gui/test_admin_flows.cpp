@@ -1,0 +1,542 @@
+// The administrator window end to end, against the emulator running in this
+// process on a free loopback port: log-in, downloads into the views, the
+// drill-down, Save All / Load All, Apply, Cancel, Setup, About, the context
+// menu and shut-down. Controls are found by their object names; message boxes
+// and the file dialog are answered through their seams.
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStatusBar>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <functional>
+#include <memory>
+
+#include "app/main_views.h"
+#include "app/main_window.h"
+#include "tools/sim/demo_config.h"
+#include "tools/sim/sim_server.h"
+#include "tools/sim/sim_state.h"
+#include "ui/file_dialog.h"
+#include "ui/message_box.h"
+#include "ui/qt_text.h"
+
+using namespace lumeth;
+
+namespace {
+
+// Run `action` on the modal dialog `name` as soon as it is up (for dialogs
+// shown with exec(), which return only when closed).
+void WhenModal(const QString& name, std::function<void(QWidget*)> action) {
+    auto* timer = new QTimer;
+    timer->setInterval(20);
+    QObject::connect(timer, &QTimer::timeout, [timer, name, action] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal || modal->objectName() != name)
+            return;
+        timer->stop();
+        timer->deleteLater();
+        action(modal);
+    });
+    timer->start();
+}
+
+template <typename T> T* Child(QObject* parent, const QString& name) {
+    T* child = parent->findChild<T*>(name);
+    if (!child)
+        qFatal("no control %s", qPrintable(name));
+    return child;
+}
+
+QString Trimmed(const std::string& bytes) { return ToQt(bytes).trimmed(); }
+
+// The sub type the window should pick for a group: Input, Output, Opto, Relay
+// in that order of preference among the group's entries.
+int16_t PreferredType(const UserGroup& group) {
+    for (int16_t wanted : {11, 21, 31, 41}) {
+        for (int k = 0; k < group.listCount; ++k) {
+            if (group.listTypes[static_cast<size_t>(k)] == wanted)
+                return wanted;
+        }
+    }
+    return 11;
+}
+
+int EntriesOfType(const UserGroup& group, int16_t type) {
+    int count = 0;
+    for (int k = 0; k < group.listCount; ++k)
+        count += group.listTypes[static_cast<size_t>(k)] == type ? 1 : 0;
+    return count;
+}
+
+quint16 UnusedPort() {
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    const quint16 port = probe.serverPort();
+    probe.close();
+    return port;
+}
+
+struct Emulator {
+    sim::SimState state;
+    std::unique_ptr<sim::SimServer> server;
+
+    bool Start() {
+        sim::DemoResult demo = sim::MakeDemo("demo");
+        if (!demo.status.ok())
+            return false;
+        state.Reset(std::move(demo.store), demo.password);
+        sim::SimServerOptions options;
+        options.pollIntervalMs = 0;
+        server = std::make_unique<sim::SimServer>(state, options);
+        QString error;
+        bool inUse = false;
+        return server->Listen("127.0.0.1", 0, error, inUse);
+    }
+    quint16 port() const { return server->port(); }
+};
+
+} // namespace
+
+class AdminFlowsTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_home;
+    Emulator m_sim;
+    MainWindow* m_window = nullptr;
+
+    QString Folder() const { return m_home->path() + "/"; }
+    QDialog* Login() { return Child<QDialog>(m_window, "frmLogin"); }
+    const PanelStore& Demo() const { return m_sim.state.store(); }
+
+    void WriteIni(quint16 port) {
+        QFile ini(Folder() + "kovadmin.ini");
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(QStringLiteral("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\n"
+                                 "Server IP Port=%1\r\n")
+                      .arg(port)
+                      .toLatin1());
+    }
+
+    void StartWindow() {
+        m_window = new MainWindow(Folder().toStdString());
+        m_window->setAttribute(Qt::WA_DeleteOnClose, false);
+        m_window->Start();
+        m_window->show();
+        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin") && Login()->isVisible());
+    }
+
+    void TypeAndOk(const QString& password) {
+        Child<QLineEdit>(Login(), "txtPassword")->setText(password);
+        QTest::mouseClick(Child<QPushButton>(Login(), "cmdOk"), Qt::LeftButton);
+    }
+
+    void LogIn() {
+        TypeAndOk(QString::fromStdString(m_sim.state.password()));
+        QTRY_VERIFY(m_window->isEnabled());
+        QVERIFY(!Login()->isVisible());
+        QTRY_VERIFY(!m_window->link().AnyPending() &&
+                    m_window->views().groups()->topLevelItemCount() == Demo().userGroupCount);
+    }
+
+    QTreeWidget* Groups() { return m_window->views().groups(); }
+    QTreeWidget* Lists() { return m_window->views().displayLists(); }
+    QTreeWidget* Items() { return m_window->views().items(); }
+    QString Progress() { return Child<QLabel>(m_window, "stbStatus_2")->text(); }
+
+    void ClickItem(QTreeWidget* view, int row, Qt::MouseButton button = Qt::LeftButton) {
+        QTreeWidgetItem* item = view->topLevelItem(row);
+        QVERIFY(item);
+        const QPoint at = view->visualItemRect(item).center();
+        if (button == Qt::RightButton) {
+            QTest::mousePress(view->viewport(), button, {}, at);
+            QTest::mouseRelease(view->viewport(), button, {}, at);
+        } else {
+            QTest::mouseClick(view->viewport(), button, {}, at);
+        }
+    }
+
+private slots:
+    void init() {
+        m_home = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_home->isValid());
+        QVERIFY(m_sim.Start());
+        WriteIni(m_sim.port());
+        MessageBox::clearQueuedAnswers();
+        MessageBox::clearHistory();
+        FileDialog::clearQueuedNames();
+    }
+
+    void cleanup() {
+        if (m_window) {
+            m_window->close();
+            delete m_window;
+            m_window = nullptr;
+        }
+        m_sim.server.reset();
+        m_home.reset();
+    }
+
+    void startUpReachesTheLoginOverADisabledWindow() {
+        StartWindow();
+        QCOMPARE(m_window->windowTitle(), QString("KOV Lumeth EX Administrator"));
+        QVERIFY(!m_window->isEnabled());
+        QVERIFY(Login()->isEnabled());
+        QVERIFY(Login()->isModal());
+        QCOMPARE(Login()->windowTitle(), QString("KOV Admin Panel Login"));
+        QCOMPARE(Child<QLineEdit>(Login(), "txtAddress")->text(), QString("127.0.0.1"));
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPort")->text(), QString::number(m_sim.port()));
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->echoMode(), QLineEdit::Password);
+        QCOMPARE(Login()->focusWidget(), Child<QLineEdit>(Login(), "txtPassword"));
+        QTRY_COMPARE(Child<QLabel>(m_window, "stbStatus_1")->text(),
+                     QString("Server Module Connected"));
+        // The views stay empty until someone logs in and the data arrives.
+        QCOMPARE(Groups()->topLevelItemCount() + Lists()->topLevelItemCount(), 0);
+    }
+
+    void aCorrectPasswordEnablesTheWindowAndTheViewsFill() {
+        StartWindow();
+        LogIn();
+        for (int i = 0; i < Demo().userGroupCount; ++i) {
+            QCOMPARE(Groups()->topLevelItem(i)->text(0),
+                     ToQt(Demo().userGroupNames[static_cast<size_t>(i)]));
+        }
+        // Group 0's lists of the current sub type (Input at start-up).
+        const UserGroup& first = Demo().userGroups[0];
+        QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(first, 11));
+        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text(),
+                 "Display Lists in " + ToQt(Demo().userGroupNames[0]));
+        QTRY_COMPARE(Progress(), QString());
+        QCOMPARE(m_window->link().enteredPassword, m_sim.state.password());
+    }
+
+    void aWrongPasswordKeepsTheDialogOpen() {
+        StartWindow();
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        TypeAndOk("Studio"); // the comparison is case-sensitive
+        QCOMPARE(MessageBox::history().size(), size_t(1));
+        QCOMPARE(MessageBox::history().back().text, QString("Incorrect password, Please try again"));
+        QCOMPARE(MessageBox::history().back().title, QString("Password Error"));
+        QCOMPARE(MessageBox::history().back().icon, QMessageBox::Critical);
+        QVERIFY(Login()->isVisible());
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->text(), QString("Studio"));
+        QVERIFY(m_window->link().enteredPassword.empty());
+        QVERIFY(!m_window->isEnabled());
+
+        // The poll timer does not stack a second login on top.
+        QTest::qWait(700);
+        QCOMPARE(m_window->findChildren<QDialog*>("frmLogin").size(), qsizetype(1));
+
+        LogIn();
+    }
+
+    void loginPortErrorsAndAnAbsentServer() {
+        StartWindow();
+        for (const char* port : {"0", "70000", ""}) {
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+            Child<QLineEdit>(Login(), "txtPort")->setText(port);
+            TypeAndOk("studio");
+            QCOMPARE(MessageBox::history().back().title, QString("Port Error"));
+            QCOMPARE(MessageBox::history().back().text,
+                     QString("Invalid Server IP Port #. Please reenter a number between 1 and "
+                             "65535"));
+            QVERIFY(Login()->isVisible());
+            QCOMPARE(m_window->link().serverPort, int32_t(m_sim.port()));
+        }
+
+        // A port where nobody listens: reconnect, wait, then "Server not connected."
+        const quint16 absent = UnusedPort();
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        Child<QLineEdit>(Login(), "txtPort")->setText(QString::number(absent));
+        TypeAndOk("studio");
+        QCOMPARE(MessageBox::history().back().title, QString("Connection Error"));
+        QCOMPARE(MessageBox::history().back().text,
+                 QString("Server not connected.\nPlease verify IP Address and Port of KOV Server "
+                         "Module"));
+        QCOMPARE(MessageBox::history().back().icon, QMessageBox::Critical);
+        QCOMPARE(m_window->link().serverPort, int32_t(absent));
+        QVERIFY(Login()->isVisible());
+
+        // Back to the emulator's port: logs in.
+        Child<QLineEdit>(Login(), "txtPort")->setText(QString::number(m_sim.port()));
+        LogIn();
+    }
+
+    void cancellingTheLoginEndsTheProgramAndWritesTheSettings() {
+        StartWindow();
+        QVERIFY(!QFile::exists(Folder() + "kovadmin.ini.missing"));
+        QFile::remove(Folder() + "kovadmin.ini");
+        QTest::mouseClick(Child<QPushButton>(Login(), "cmdCancel"), Qt::LeftButton);
+        QTRY_VERIFY(!m_window->isVisible());
+        QVERIFY(!m_window->link().connected);
+        QFile ini(Folder() + "kovadmin.ini");
+        QVERIFY(ini.open(QIODevice::ReadOnly));
+        const QString text = QString::fromLatin1(ini.readAll());
+        QVERIFY2(text.contains(QStringLiteral("Server IP Port=%1").arg(m_sim.port())),
+                 qPrintable(text));
+        QVERIFY(text.contains("Server IP Address=127.0.0.1"));
+        QVERIFY(text.contains("Maintain Log Files="));
+    }
+
+    void drillDownFromGroupToChannels() {
+        StartWindow();
+        LogIn();
+        // Every group: the sub type follows the group's content.
+        for (int g = 0; g < Demo().userGroupCount; ++g) {
+            ClickItem(Groups(), g);
+            const UserGroup& group = Demo().userGroups[static_cast<size_t>(g)];
+            const int16_t type = PreferredType(group);
+            QCOMPARE(m_window->store().currentUserGroup, int16_t(g));
+            QCOMPARE(m_window->store().currentListType, type);
+            QCOMPARE(m_window->store().editorListType, kUserGroupListType);
+            QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(group, type));
+            QVERIFY(Child<QRadioButton>(m_window, QStringLiteral("optSubType_%1").arg(type))
+                        ->isChecked());
+            QCOMPARE(Items()->topLevelItemCount(), 0);
+        }
+
+        // A group with lists: click its first list and see its channels.
+        int g = 0;
+        while (g < Demo().userGroupCount && Demo().userGroups[static_cast<size_t>(g)].listCount == 0)
+            ++g;
+        QVERIFY(g < Demo().userGroupCount);
+        ClickItem(Groups(), g);
+        QVERIFY(Lists()->topLevelItemCount() > 0);
+        ClickItem(Lists(), 0);
+        const int position = KeyNumberOf(Lists()->topLevelItem(0));
+        const auto subType = *SubTypeFromListCode(m_window->store().currentListType);
+        const DisplayList& list = Demo().lists(subType)[static_cast<size_t>(position)];
+        QCOMPARE(m_window->store().currentList, int16_t(position));
+        QCOMPARE(Items()->topLevelItemCount(), int(list.channelCount));
+        QCOMPARE(Child<QLabel>(m_window, "lblLists_2")->text(), "Items in " + ToQt(list.name));
+
+        // Another sub type button refilters the group and empties the channels.
+        const int16_t other = m_window->store().currentListType == 11 ? 21 : 11;
+        QTest::mouseClick(Child<QRadioButton>(m_window, QStringLiteral("optSubType_%1").arg(other)),
+                          Qt::LeftButton);
+        QCOMPARE(m_window->store().currentListType, other);
+        QCOMPARE(Lists()->topLevelItemCount(),
+                 EntriesOfType(Demo().userGroups[static_cast<size_t>(g)], other));
+        QCOMPARE(Items()->topLevelItemCount(), 0);
+
+        // The editors arrive later: the commands say so and keep the state rules.
+        m_window->store().editorListType = kUserGroupListType;
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditLists"), Qt::LeftButton);
+        QVERIFY(m_window->statusBar()->currentMessage().contains("not available"));
+        QCOMPARE(m_window->store().editorListType, int16_t(11));
+        QCOMPARE(m_window->store().currentList, int16_t(0));
+        QCOMPARE(m_window->store().currentListType, int16_t(11));
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
+        QCOMPARE(m_window->store().editorListType, kUserGroupListType);
+        QCOMPARE(m_window->store().currentUserGroup, int16_t(0));
+        QCOMPARE(Groups()->currentItem(), Groups()->topLevelItem(0));
+    }
+
+    void saveAllThenLoadAllRoundTrips() {
+        StartWindow();
+        LogIn();
+        const QString path = Folder() + "LumethEX.dat";
+
+        FileDialog::setNextFileName(QString()); // cancelled: nothing written
+        Child<QAction>(m_window, "mnuSaveAll")->trigger();
+        QVERIFY(!QFile::exists(path));
+
+        FileDialog::setNextFileName(path);
+        Child<QAction>(m_window, "mnuSaveAll")->trigger();
+        QVERIFY(QFile::exists(path));
+        const auto request = FileDialog::lastRequest();
+        QVERIFY(request.has_value());
+        QCOMPARE(request->title, QString("Specify File Name"));
+        QCOMPARE(request->folder, Folder());
+        QCOMPARE(request->presetName, QString("LumethEX.dat"));
+        QCOMPARE(request->nameFilters, QStringList({"(*.dat)", "All Files (*.*)"}));
+
+        // Lose the groups locally, then load them back from the file.
+        PanelStore& store = m_window->store();
+        store.userGroupCount = 1;
+        store.userGroupNames[0] = "Scratch";
+        m_window->views().DisplayUserGroups();
+        QCOMPARE(Groups()->topLevelItemCount(), 1);
+
+        FileDialog::setNextFileName(path);
+        Child<QAction>(m_window, "mnuLoadAll")->trigger();
+        QCOMPARE(Groups()->topLevelItemCount(), Demo().userGroupCount);
+        for (int i = 0; i < Demo().userGroupCount; ++i) {
+            QCOMPARE(Groups()->topLevelItem(i)->text(0).trimmed(),
+                     Trimmed(Demo().userGroupNames[static_cast<size_t>(i)]));
+        }
+        QCOMPARE(store.listCount(SubType::Output), Demo().listCount(SubType::Output));
+        QCOMPARE(Progress(), QString("Unapplied changes"));
+
+        // A name that does not exist loads nothing and changes nothing.
+        store.userGroupNames[0] = "Kept";
+        FileDialog::setNextFileName(Folder() + "missing.dat");
+        Child<QAction>(m_window, "mnuLoadAll")->trigger();
+        QCOMPARE(store.userGroupNames[0], std::string("Kept"));
+    }
+
+    void applySendsTheEditsToTheEmulatorAndCancelFetchesAgain() {
+        StartWindow();
+        LogIn();
+        PanelStore& store = m_window->store();
+        store.lists(SubType::Input)[0].name = "Renamed On Air";
+        store.userGroupNames[0] = "Morning Show";
+        m_window->setUnappliedChanges(true);
+        QCOMPARE(Progress(), QString("Unapplied changes"));
+
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
+        QTRY_COMPARE(Trimmed(m_sim.state.store().lists(SubType::Input)[0].name),
+                     QString("Renamed On Air"));
+        QTRY_COMPARE(Trimmed(m_sim.state.store().userGroupNames[0]), QString("Morning Show"));
+        QCOMPARE(Progress(), QString());
+
+        // Cancel throws local edits away by downloading everything again.
+        store.userGroupNames[0] = "Local Only";
+        m_window->setUnappliedChanges(true);
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdCancel"), Qt::LeftButton);
+        QTRY_COMPARE(Trimmed(store.userGroupNames[0]), QString("Morning Show"));
+        QTRY_COMPARE(Groups()->topLevelItem(0)->text(0).trimmed(), QString("Morning Show"));
+        QCOMPARE(Progress(), QString());
+    }
+
+    void setupPortErrorsReconnectRuleAndPassword() {
+        StartWindow();
+        LogIn();
+        bool ran = false;
+        WhenModal("frmSetup", [&](QWidget* setup) {
+            ran = true;
+            for (const char* port : {"0", "65536", ""}) {
+                MessageBox::setNextAnswer(QMessageBox::Ok);
+                Child<QLineEdit>(setup, "txtIPPort")->setText(port);
+                QTest::mouseClick(Child<QPushButton>(setup, "cmdOk"), Qt::LeftButton);
+                QCOMPARE(MessageBox::history().back().title, QString("Port Error"));
+                QVERIFY(setup->isVisible());
+            }
+            // Only a log option changes: no reconnect.
+            Child<QLineEdit>(setup, "txtIPPort")->setText(QString::number(m_sim.port()));
+            Child<QCheckBox>(setup, "chkError")->setChecked(false);
+            Child<QLineEdit>(setup, "txtMaxErrorLog")->setText("");
+            QTest::mouseClick(Child<QPushButton>(setup, "cmdOk"), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuSetup")->trigger();
+        QVERIFY(ran);
+        QCOMPARE(MessageBox::history().size(), size_t(3));
+        QVERIFY(!m_window->settings().maintainErrorFiles);
+        QCOMPARE(m_window->settings().maxErrorLog, 0);
+        QVERIFY(m_window->link().connected);
+        QVERIFY(!m_window->link().enteredPassword.empty()); // still logged in
+
+        // A new password is stored in the emulator.
+        WhenModal("frmSetup", [&](QWidget* setup) {
+            QCOMPARE(Child<QLineEdit>(setup, "txtPassword")->text(), QString("studio"));
+            Child<QLineEdit>(setup, "txtPassword")->setText("onair");
+            QTest::mouseClick(Child<QPushButton>(setup, "cmdOk"), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuSetup")->trigger();
+        QTRY_COMPARE(QString::fromStdString(m_sim.state.password()), QString("onair"));
+        QVERIFY(!m_window->link().enteredPassword.empty());
+
+        // A second emulator on another port: changing the port reconnects, which
+        // logs the operator out until the login is passed again.
+        Emulator second;
+        QVERIFY(second.Start());
+        WhenModal("frmSetup", [&](QWidget* setup) {
+            Child<QLineEdit>(setup, "txtIpAddress")->setText("127.0.0.001");
+            Child<QLineEdit>(setup, "txtIPPort")->setText(QString::number(second.port()));
+            QTest::mouseClick(Child<QPushButton>(setup, "cmdOk"), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuSetup")->trigger();
+        QCOMPARE(m_window->link().serverPort, int32_t(second.port()));
+        QCOMPARE(m_window->link().serverAddress, std::string("127.0.0.1"));
+        QTRY_VERIFY(Login()->isVisible());
+        QVERIFY(!m_window->isEnabled());
+        QTRY_COMPARE(second.server->clientCount(), 1);
+        TypeAndOk("studio");
+        QTRY_VERIFY(m_window->isEnabled());
+    }
+
+    void aboutShowsVersionOrganisationAndTheServerInUse() {
+        StartWindow();
+        LogIn();
+        m_window->link().serverPort = 4321; // as if Setup had changed it
+        QStringList seen;
+        WhenModal("frmAbout", [&](QWidget* about) {
+            seen << about->windowTitle()
+                 << Child<QLabel>(about, "lblServer_0")->text()
+                 << Child<QLabel>(about, "lblServer_1")->text()
+                 << Child<QLabel>(about, "lblVersionInfo")->text()
+                 << Child<QLabel>(about, "lblKOVtitle")->text();
+            QTest::mouseClick(Child<QPushButton>(about, "cmdAboutquit"), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuAbout")->trigger();
+        QCOMPARE(seen.size(), 5);
+        QCOMPARE(seen[0], QString("KOV AdminPanel Information"));
+        QCOMPARE(seen[1], QString("Server Module IP Address: 127.0.0.1"));
+        QCOMPARE(seen[2], QString("Server Module IP Port: 4321"));
+        QCOMPARE(seen[3], QString("KOV Admin Panel\nVersion: 01.02.0001 - 10/19/2012"));
+        QVERIFY(!seen[4].isEmpty());
+    }
+
+    void contextMenuOnlyWhileNothingIsPending() {
+        StartWindow();
+        LogIn();
+        auto* popup = Child<QMenu>(m_window, "mnuPopup");
+        QVERIFY(!m_window->menuBar()->actions().contains(popup->menuAction()));
+
+        m_window->link().pendingC = 0x0004; // a download outstanding
+        ClickItem(Groups(), 0, Qt::RightButton);
+        QTest::qWait(50);
+        QVERIFY(!popup->isVisible());
+
+        m_window->link().pendingC = 0;
+        ClickItem(Lists(), 0, Qt::RightButton);
+        QTRY_VERIFY(popup->isVisible());
+        popup->hide();
+        // Dismissed over the lists: the lists are redrawn for the current group.
+        QTRY_COMPARE(Lists()->topLevelItemCount(),
+                     EntriesOfType(Demo().userGroups[static_cast<size_t>(
+                                       m_window->store().currentUserGroup)],
+                                   m_window->store().currentListType));
+
+        ClickItem(Groups(), 0, Qt::RightButton);
+        QTRY_VERIFY(popup->isVisible());
+        Child<QAction>(m_window, "mnuEdit")->trigger();
+        popup->hide();
+        QVERIFY(m_window->statusBar()->currentMessage().contains("not available"));
+        QTRY_COMPARE(Groups()->topLevelItemCount(), Demo().userGroupCount);
+    }
+
+    void exitDisconnectsAndWritesTheSettings() {
+        StartWindow();
+        LogIn();
+        m_window->settings().maxLogFileSize = 777;
+        Child<QAction>(m_window, "mnuExit")->trigger();
+        QVERIFY(!m_window->isVisible());
+        QVERIFY(!m_window->link().connected);
+        QFile ini(Folder() + "kovadmin.ini");
+        QVERIFY(ini.open(QIODevice::ReadOnly));
+        QVERIFY(QString::fromLatin1(ini.readAll()).contains("Maximum Log File Size=777"));
+        QTRY_COMPARE(m_sim.server->clientCount(), 0);
+    }
+
+private:
+    static int KeyNumberOf(QTreeWidgetItem* item) {
+        const QString key = MainViews::ItemKey(item);
+        return key.right(3).toInt();
+    }
+};
+
+QTEST_MAIN(AdminFlowsTest)
+#include "test_admin_flows.moc"

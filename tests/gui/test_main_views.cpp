@@ -1,0 +1,360 @@
+// The main window's three views, built from stores made here: keys, texts,
+// the sub type choice, the channel bounds, the click handlers and the failure
+// reports. No network.
+#include <QApplication>
+#include <QLabel>
+#include <QRadioButton>
+#include <QTest>
+#include <QTreeWidget>
+#include <QWidget>
+
+#include "app/main_views.h"
+#include "app/view_keys.h"
+
+using namespace lumeth;
+
+namespace {
+
+struct Report {
+    std::string location;
+    std::string category;
+};
+
+DisplayList List(std::string name, std::vector<int16_t> channels) {
+    DisplayList list;
+    list.name = std::move(name);
+    list.channelCount = static_cast<int16_t>(channels.size());
+    if (channels.empty())
+        channels.push_back(0);
+    list.channels = std::move(channels);
+    return list;
+}
+
+UserGroup Group(std::vector<std::pair<int16_t, int16_t>> entries) { // (position, list type)
+    UserGroup group;
+    group.listCount = static_cast<int16_t>(entries.size());
+    group.listIndexes.clear();
+    group.listTypes.clear();
+    for (auto [position, type] : entries) {
+        group.listIndexes.push_back(position);
+        group.listTypes.push_back(type);
+    }
+    if (entries.empty()) {
+        group.listIndexes.push_back(0);
+        group.listTypes.push_back(0);
+    }
+    return group;
+}
+
+// A small facility. Input channels in channel order: MIC 1, MIC 2, CD; sorted
+// by name that is CD (2), MIC 1 (0), MIC 2 (1).
+PanelStore Facility() {
+    PanelStore store;
+    AlphaTable& in = store.alpha(SubType::Input);
+    in.count = 3;
+    in.channelNames = {"MIC 1", "MIC 2", "CD"};
+    in.names = {"CD", "MIC 1", "MIC 2"};
+    in.numbers = {2, 0, 1};
+    in.positionOf = {1, 2, 0};
+    AlphaTable& out = store.alpha(SubType::Output);
+    out.count = 2;
+    out.channelNames = {"PGM", "AUX"};
+    out.names = {"AUX", "PGM"};
+    out.numbers = {1, 0};
+    out.positionOf = {1, 0};
+    // Four opto names although the Input table has only three channels.
+    AlphaTable& opto = store.alpha(SubType::Opto);
+    opto.count = 4;
+    opto.channelNames = {"ON AIR", "FADER", "COUGH", "TALK"};
+    opto.names = {"COUGH", "FADER", "ON AIR", "TALK"};
+    opto.numbers = {2, 1, 0, 3};
+    opto.positionOf = {2, 1, 0, 3};
+
+    store.listCount(SubType::Input) = 3;
+    store.lists(SubType::Input) = {List("Mics", {0, 1}), List("Players", {2}),
+                                   List("Everything", {0, 1, 2, 100})};
+    store.listCount(SubType::Output) = 2;
+    store.lists(SubType::Output) = {List("Main", {0}), List("Aux", {1})};
+    store.listCount(SubType::Opto) = 1;
+    store.lists(SubType::Opto) = {List("Lights", {0, 2, 3})};
+    store.listCount(SubType::Relay) = 1;
+    store.lists(SubType::Relay) = {List("Tally", {0, 1, 2})};
+
+    store.userGroupCount = 4;
+    store.userGroupNames = {"Studio A", "Newsroom", "Tally Only", "Empty"};
+    store.userGroups = {Group({{0, 11}, {1, 21}, {2, 11}}), Group({{1, 31}, {0, 21}}),
+                        Group({{0, 41}}), Group({})};
+    store.userGroupIndex = {0, 1, 2, 3};
+    store.userGroupNumber = {0, 1, 2, 3};
+    return store;
+}
+
+QStringList Column(QTreeWidget* view, int column) {
+    QStringList texts;
+    for (int i = 0; i < view->topLevelItemCount(); ++i)
+        texts << view->topLevelItem(i)->text(column);
+    return texts;
+}
+
+QStringList Keys(QTreeWidget* view) {
+    QStringList keys;
+    for (int i = 0; i < view->topLevelItemCount(); ++i)
+        keys << MainViews::ItemKey(view->topLevelItem(i));
+    return keys;
+}
+
+void ClickItem(QTreeWidget* view, int row, bool doubleClick = false) {
+    QTreeWidgetItem* item = view->topLevelItem(row);
+    QVERIFY(item);
+    view->setCurrentItem(item);
+    const QPoint at = view->visualItemRect(item).center();
+    if (doubleClick)
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+    else
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
+}
+
+} // namespace
+
+class MainViewsTest : public QObject {
+    Q_OBJECT
+
+private:
+    PanelStore m_store;
+    std::vector<Report> m_reports;
+    QWidget* m_host = nullptr;
+    MainViews* m_views = nullptr;
+    int m_editorShown = 0;
+    int m_groupWhenEditorShown = -1;
+
+private slots:
+    void init() {
+        m_store = Facility();
+        m_reports.clear();
+        m_editorShown = 0;
+        m_host = new QWidget;
+        m_host->resize(900, 600);
+        m_views = new MainViews(
+            m_store,
+            [this](std::string_view location, std::string_view category, const Failure&) {
+                m_reports.push_back({std::string(location), std::string(category)});
+            },
+            m_host);
+        m_views->setListEditor([this] {
+            ++m_editorShown;
+            m_groupWhenEditorShown = m_store.currentUserGroup;
+        });
+        // Lay the views out side by side so clicks land on items.
+        m_views->groups()->setGeometry(0, 40, 280, 500);
+        m_views->displayLists()->setGeometry(300, 40, 280, 500);
+        m_views->items()->setGeometry(600, 40, 280, 500);
+        m_host->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_host));
+    }
+    void cleanup() { delete m_host; }
+
+    void itemKeysCountGroupsFromOneListsFromZeroChannelsFromOne() {
+        QCOMPARE(GroupKey(0), std::string("Gr.001"));
+        QCOMPARE(ListKey(0), std::string("Lst.000"));
+        QCOMPARE(ChannelKey(0), std::string("Ch.0001"));
+        QCOMPARE(ChannelKey(16382), std::string("Ch.16383"));
+        // Too wide for three digits: the key grows, the decoder reads the last three.
+        QCOMPARE(GroupKey(999), std::string("Gr.1000"));
+        QCOMPARE(KeyNumber("Gr.1000"), 0);
+        QCOMPARE(KeyNumber("Gr.012"), 12);
+        QCOMPARE(KeyNumber("Lst.1234"), 234);
+        QCOMPARE(TextNumber("21"), 21);
+        QCOMPARE(TextNumber(""), 0);
+    }
+
+    void userGroupsShowNameAndKey() {
+        m_store.userGroupIndex = {0, 1, 2, 999};
+        m_views->DisplayUserGroups();
+        QTreeWidget* groups = m_views->groups();
+        QCOMPARE(Column(groups, 0), QStringList({"Studio A", "Newsroom", "Tally Only", "Empty"}));
+        QCOMPARE(Column(groups, 1), QStringList({"Gr.001", "Gr.002", "Gr.003", "Gr.1000"}));
+        QCOMPARE(Keys(groups), Column(groups, 1));
+        QVERIFY(m_reports.empty());
+
+        // Redrawing replaces the items rather than adding to them.
+        m_store.userGroupCount = 1;
+        m_views->DisplayUserGroups();
+        QCOMPARE(groups->topLevelItemCount(), 1);
+    }
+
+    void groupDataListsOneSubTypeInEntryOrder() {
+        m_views->ShowDisplayListData(0); // something in lvItems to be cleared
+        QVERIFY(m_views->items()->topLevelItemCount() > 0);
+        QVERIFY(!m_views->subTypeFrame()->isEnabled());
+
+        m_store.currentListType = 11;
+        m_views->ShowGroupData(0);
+        QTreeWidget* lists = m_views->displayLists();
+        QCOMPARE(Column(lists, 0), QStringList({"Mics", "Everything"}));
+        QCOMPARE(Keys(lists), QStringList({"Lst.000", "Lst.002"}));
+        QCOMPARE(Column(lists, 2), QStringList({"11", "11"}));
+        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
+        QCOMPARE(m_views->caption(2)->text(), QString("Items"));
+        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
+        QVERIFY(m_views->subTypeFrame()->isEnabled());
+        QVERIFY(m_views->subTypeButton(11)->isChecked());
+
+        m_store.currentListType = 21;
+        m_views->ShowGroupData(0);
+        QCOMPARE(Column(lists, 0), QStringList({"Aux"}));
+        QCOMPARE(Keys(lists), QStringList({"Lst.001"}));
+        QVERIFY(m_views->subTypeButton(21)->isChecked());
+        QVERIFY(!m_views->subTypeButton(11)->isChecked());
+        QVERIFY(m_reports.empty());
+    }
+
+    void subTypeChoicePrefersInputThenOutputOptoRelay() {
+        const std::pair<int, int16_t> cases[] = {
+            {0, 11}, // Input first although an Output list is in between
+            {1, 21}, // Opto entry comes first, Output still wins
+            {2, 41}, // only Relay lists
+            {3, 11}, // no entries at all
+        };
+        for (auto [group, expected] : cases) {
+            m_store.currentListType = 99;
+            m_store.currentUserGroup = static_cast<int16_t>(group);
+            m_views->DetermineSubType();
+            QCOMPARE(m_store.currentListType, expected);
+        }
+        QVERIFY(m_reports.empty());
+    }
+
+    void channelItemsShowAlphaAndInvalidAboveTheBound() {
+        m_store.currentListType = 11;
+        m_views->ShowDisplayListData(2);
+        QCOMPARE(Column(m_views->items(), 0),
+                 QStringList({"MIC 1 (Ch.0001)", "MIC 2 (Ch.0002)", "CD (Ch.0003)",
+                              "*Invalid* (Ch.0101)"}));
+        QCOMPARE(Keys(m_views->items()),
+                 QStringList({"Ch.0001", "Ch.0002", "Ch.0003", "Ch.0101"}));
+        QCOMPARE(m_views->caption(2)->text(), QString("Items in Everything"));
+
+        // An unknown list type shows nothing, and the caption stays.
+        m_store.currentListType = 12;
+        m_views->ShowDisplayListData(0);
+        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
+        QCOMPARE(m_views->caption(2)->text(), QString("Items in Everything"));
+        QVERIFY(m_reports.empty());
+    }
+
+    void optoAndRelayListsUseTheInputAndOutputBounds() {
+        // Opto channel 3 exists in the Opto table but not below the Input count 3.
+        m_store.currentListType = 31;
+        m_views->ShowDisplayListData(0);
+        QCOMPARE(Column(m_views->items(), 0),
+                 QStringList({"ON AIR (Ch.0001)", "COUGH (Ch.0003)", "*Invalid* (Ch.0004)"}));
+
+        // Relay channels are bounded by the two Outputs; the Relay table is
+        // empty, so channel 0 below that bound is a fault of the data.
+        m_store.currentListType = 41;
+        m_views->ShowDisplayListData(0);
+        QCOMPARE(m_reports.size(), size_t(1));
+        QCOMPARE(m_reports[0].location, std::string("Error Loading Group Items"));
+        QCOMPARE(m_reports[0].category, std::string("Display Error"));
+        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
+    }
+
+    void faultsAreReportedAndKeepWhatWasBuilt() {
+        // More groups counted than stored: the first four stay on show.
+        m_store.userGroupCount = 6;
+        m_views->DisplayUserGroups();
+        QCOMPARE(m_views->groups()->topLevelItemCount(), 4);
+        QCOMPARE(m_reports.back().location, std::string("Error Loading Group Alphas"));
+        QCOMPARE(m_reports.back().category, std::string("Display Error"));
+
+        m_views->ShowGroupData(7);
+        QCOMPARE(m_reports.back().location, std::string("Error Loading Group Items"));
+
+        // A group entry pointing past the Input lists.
+        m_store.currentListType = 11;
+        m_store.userGroups[0] = Group({{1, 11}, {9, 11}});
+        m_views->ShowGroupData(0);
+        QCOMPARE(Column(m_views->displayLists(), 0), QStringList({"Players"}));
+        QCOMPARE(m_reports.back().location, std::string("Error Loading Group Items"));
+
+        // A member channel below the bound but beyond the Opto table: the
+        // channels before it stay.
+        m_store.currentListType = 31;
+        m_store.lists(SubType::Opto)[0] = List("Short", {0, 1});
+        m_store.alpha(SubType::Opto).positionOf = {0};
+        m_store.alpha(SubType::Opto).names = {"ON AIR"};
+        m_views->ShowDisplayListData(0);
+        QCOMPARE(Column(m_views->items(), 0), QStringList({"ON AIR (Ch.0001)"}));
+        QCOMPARE(m_reports.back().location, std::string("Error Loading Group Items"));
+
+        m_store.currentUserGroup = 12;
+        m_store.currentListType = 31;
+        m_views->DetermineSubType();
+        QCOMPARE(m_store.currentListType, int16_t(11));
+        QCOMPARE(m_reports.back().location, std::string("Error Determing Sub type"));
+        QCOMPARE(m_reports.back().category, std::string("Display Error"));
+    }
+
+    void drillDownByClicks() {
+        m_views->DisplayUserGroups();
+        ClickItem(m_views->groups(), 1); // Newsroom: Opto and Output lists
+        QCOMPARE(m_store.currentUserGroup, int16_t(1));
+        QCOMPARE(m_store.editorListType, kUserGroupListType);
+        QCOMPARE(m_store.currentListType, int16_t(21));
+        QCOMPARE(Column(m_views->displayLists(), 0), QStringList({"Main"}));
+        QVERIFY(m_views->subTypeButton(21)->isChecked());
+
+        ClickItem(m_views->displayLists(), 0);
+        QCOMPARE(m_store.currentList, int16_t(0));
+        QCOMPARE(m_store.editorListType, int16_t(21));
+        QCOMPARE(Column(m_views->items(), 0), QStringList({"PGM (Ch.0001)"}));
+        QCOMPARE(m_views->caption(2)->text(), QString("Items in Main"));
+
+        // The Opto button refilters the same group and empties the channels.
+        QTest::mouseClick(m_views->subTypeButton(31), Qt::LeftButton);
+        QCOMPARE(m_store.currentListType, int16_t(31));
+        QCOMPARE(Keys(m_views->displayLists()), QStringList({"Lst.001"}));
+        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
+        QCOMPARE(m_views->caption(2)->text(), QString("Items"));
+        QVERIFY(m_reports.empty());
+    }
+
+    void doubleClicksOpenTheEditorAndRedraw() {
+        m_views->DisplayUserGroups();
+        ClickItem(m_views->groups(), 2, true);
+        QCOMPARE(m_editorShown, 1);
+        QCOMPARE(m_groupWhenEditorShown, 2);
+        // Whatever was double-clicked, the first group is shown afterwards.
+        QCOMPARE(m_store.currentUserGroup, int16_t(0));
+        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
+
+        m_store.currentListType = 11;
+        m_views->ShowGroupData(0);
+        ClickItem(m_views->displayLists(), 1, true);
+        QCOMPARE(m_editorShown, 2);
+        QCOMPARE(m_store.currentList, int16_t(2));
+        QCOMPARE(m_views->items()->topLevelItemCount(), 4);
+    }
+
+    void handlersOnEmptyViewsDoNothing() {
+        m_store.currentUserGroup = 3;
+        m_views->GroupClicked();
+        m_views->GroupDoubleClicked();
+        m_views->ListClicked();
+        m_views->ListDoubleClicked();
+        QCOMPARE(m_store.currentUserGroup, int16_t(3));
+        QCOMPARE(m_editorShown, 0);
+        m_views->SelectFirstGroup(); // no first item: nothing happens
+        QVERIFY(m_reports.empty());
+    }
+
+    void channelViewPassesFocusToTheLists() {
+        m_host->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_host));
+        m_views->items()->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(m_views->displayLists()));
+    }
+};
+
+QTEST_MAIN(MainViewsTest)
+#include "test_main_views.moc"

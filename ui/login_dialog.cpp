@@ -1,0 +1,169 @@
+#include "ui/login_dialog.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QTimer>
+
+#include "files/settings.h"
+#include "link/connection.h"
+#include "link/link_state.h"
+#include "ui/key_filter.h"
+#include "ui/message_box.h"
+#include "ui/normalise_address.h"
+#include "ui/port_check.h"
+#include "ui/qt_text.h"
+
+namespace lumeth {
+
+LoginDialog::LoginDialog(LinkState& state, Connection& connection,
+                         std::string& normalisedAddress, QWidget* parent)
+    : QDialog(parent), m_state(state), m_connection(connection),
+      m_normalisedAddress(normalisedAddress) {
+    setObjectName("frmLogin");
+    setWindowTitle("KOV Admin Panel Login");
+    setModal(true);
+
+    auto* lblAddress = new QLabel("IP Address", this);
+    lblAddress->setObjectName("lblAddress");
+    m_address = new QLineEdit(this);
+    m_address->setObjectName("txtAddress");
+    KeyFilter::Install(m_address, AcceptsAddressKey);
+
+    auto* lblPort = new QLabel("IP Port", this);
+    lblPort->setObjectName("lblPort");
+    m_port = new QLineEdit(this);
+    m_port->setObjectName("txtPort");
+    KeyFilter::Install(m_port, AcceptsNumberKey);
+
+    auto* lblPassword = new QLabel("Password", this);
+    lblPassword->setObjectName("lblPassword");
+    m_password = new QLineEdit(this);
+    m_password->setObjectName("txtPassword");
+    m_password->setEchoMode(QLineEdit::Password);
+
+    lblAddress->setBuddy(m_address);
+    lblPort->setBuddy(m_port);
+    lblPassword->setBuddy(m_password);
+
+    m_ok = new QPushButton("&Ok", this);
+    m_ok->setObjectName("cmdOk");
+    m_ok->setDefault(true);
+    m_cancel = new QPushButton("&Cancel", this);
+    m_cancel->setObjectName("cmdCancel");
+
+    auto* grid = new QGridLayout;
+    grid->addWidget(lblAddress, 0, 0);
+    grid->addWidget(m_address, 0, 1);
+    grid->addWidget(lblPort, 1, 0);
+    grid->addWidget(m_port, 1, 1);
+    grid->addWidget(lblPassword, 2, 0);
+    grid->addWidget(m_password, 2, 1);
+    grid->setColumnStretch(1, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(m_ok);
+    buttons->addWidget(m_cancel);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(grid);
+    layout->addSpacing(6);
+    layout->addLayout(buttons);
+    setMinimumWidth(320);
+
+    connect(m_ok, &QPushButton::clicked, this, &LoginDialog::Ok);
+    connect(m_cancel, &QPushButton::clicked, this, &LoginDialog::Cancel);
+}
+
+void LoginDialog::LoadFromState() {
+    m_address->setText(ToQt(m_state.serverAddress));
+    m_port->setText(QString::number(m_state.serverPort));
+}
+
+void LoginDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous()) {
+        LoadFromState();
+        // Activate: the operator types the password first.
+        m_password->setFocus();
+    }
+}
+
+void LoginDialog::Ok() {
+    if (m_checking)
+        return;
+    bool changed = false;
+
+    NormaliseAddress(FromQt(m_address->text()), m_normalisedAddress);
+    if (m_normalisedAddress != m_state.serverAddress) {
+        m_state.serverAddress = m_normalisedAddress;
+        changed = true;
+    }
+
+    const int32_t port = LeadingNumber(FromQt(m_port->text()));
+    if (!PortInRange(port)) {
+        ShowPortError(this);
+        return;
+    }
+    if (port != m_state.serverPort) {
+        m_state.serverPort = port;
+        changed = true;
+    }
+
+    // Waiting below keeps events flowing; a second OK meanwhile is ignored.
+    m_checking = true;
+    m_ok->setEnabled(false);
+    const auto done = [this] {
+        m_checking = false;
+        m_ok->setEnabled(true);
+    };
+
+    if (changed) {
+        m_connection.Disconnect();
+        m_connection.Connect();
+        m_connection.Wait(1000, true);
+    }
+
+    m_state.enteredPassword = FromQt(m_password->text());
+    while (!m_state.passwordReceived) {
+        m_connection.Wait(100, true);
+        if (!m_state.connected) {
+            MessageBox::Show(this,
+                             "Server not connected.\nPlease verify IP Address and Port of KOV "
+                             "Server Module",
+                             "Connection Error", QMessageBox::Critical);
+            m_state.enteredPassword.clear();
+            done();
+            return;
+        }
+    }
+
+    if (m_state.enteredPassword != m_state.serverPassword) {
+        MessageBox::Show(this, "Incorrect password, Please try again", "Password Error",
+                         QMessageBox::Critical);
+        m_state.enteredPassword.clear();
+        done();
+        return;
+    }
+    done();
+    accept();
+}
+
+void LoginDialog::Cancel() {
+    m_state.enteredPassword.clear();
+    QDialog::reject();
+}
+
+void LoginDialog::reject() {
+    // Escape and the close box end the login like Cancel, but not in the
+    // middle of a password check.
+    if (m_checking)
+        return;
+    Cancel();
+}
+
+} // namespace lumeth
