@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStatusBar>
@@ -202,22 +203,20 @@ private slots:
         QCOMPARE(Login()->focusWidget(), Child<QLineEdit>(Login(), "txtPassword"));
         QTRY_COMPARE(Child<QLabel>(m_window, "stbStatus_1")->text(),
                      QString("Server Module Connected"));
-        // The views stay empty until someone logs in and the data arrives.
-        QCOMPARE(Groups()->topLevelItemCount() + Lists()->topLevelItemCount(), 0);
     }
 
     void aCorrectPasswordEnablesTheWindowAndTheViewsFill() {
         StartWindow();
         LogIn();
         for (int i = 0; i < Demo().userGroupCount; ++i) {
-            QCOMPARE(Groups()->topLevelItem(i)->text(0),
-                     ToQt(Demo().userGroupNames[static_cast<size_t>(i)]));
+            QCOMPARE(Groups()->topLevelItem(i)->text(0).trimmed(),
+                     Trimmed(Demo().userGroupNames[static_cast<size_t>(i)]));
         }
         // Group 0's lists of the current sub type (Input at start-up).
         const UserGroup& first = Demo().userGroups[0];
         QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(first, 11));
-        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text(),
-                 "Display Lists in " + ToQt(Demo().userGroupNames[0]));
+        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text().trimmed(),
+                 "Display Lists in " + Trimmed(Demo().userGroupNames[0]));
         QTRY_COMPARE(Progress(), QString());
         QCOMPARE(m_window->link().enteredPassword, m_sim.state.password());
     }
@@ -320,7 +319,8 @@ private slots:
         const DisplayList& list = Demo().lists(subType)[static_cast<size_t>(position)];
         QCOMPARE(m_window->store().currentList, int16_t(position));
         QCOMPARE(Items()->topLevelItemCount(), int(list.channelCount));
-        QCOMPARE(Child<QLabel>(m_window, "lblLists_2")->text(), "Items in " + ToQt(list.name));
+        QCOMPARE(Child<QLabel>(m_window, "lblLists_2")->text().trimmed(),
+                 "Items in " + Trimmed(list.name));
 
         // Another sub type button refilters the group and empties the channels.
         const int16_t other = m_window->store().currentListType == 11 ? 21 : 11;
