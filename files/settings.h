@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "model/failure.h"
 
@@ -31,5 +32,9 @@ int32_t LeadingNumber(std::string_view text);
 Status ReadSettings(const std::string& folder, Settings& settings);
 // Delete and rewrite folder + "kovadmin.ini".
 Status WriteSettings(const std::string& folder, const Settings& settings);
+
+// The locations under which the callers record the two failures.
+inline constexpr std::string_view kReadSettingsLocation = "Error Reading ini file";
+inline constexpr std::string_view kWriteSettingsLocation = "Error Writing ini file";
 
 } // namespace lumeth
