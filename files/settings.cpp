@@ -83,27 +83,7 @@ int32_t LeadingNumber(std::string_view text) {
     return static_cast<int32_t>(value);
 }
 
-Status ReadSettings(const std::string& folder, Settings& settings) {
-    const std::string path = PathIn(folder, kFileName);
-    std::error_code ec;
-    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(path, ec));
-    if (!exists) {
-        settings.serverAddress = kDefaultAddress;
-        settings.maxLogFileSize = kDefaultLogLimit;
-        settings.maxErrorLog = kDefaultLogLimit;
-        settings.maintainLogFile = true;
-        settings.archiveLogFiles = true;
-        settings.maintainErrorFiles = true;
-        settings.archiveErrorFiles = true;
-        return Status::Ok();
-    }
-
-    IniFile ini;
-    if (Status st = IniFile::Load(path, ini); !st) {
-        DeleteStaleFile(folder);
-        return st;
-    }
-
+void SettingsFromIni(const IniFile& ini, Settings& settings) {
     auto text = [&](const char* key) { return ini.GetString(kSection, key); };
 
     settings.serverAddress = text(kKeyAddress);
@@ -136,6 +116,44 @@ Status ReadSettings(const std::string& folder, Settings& settings) {
     if (settings.maxErrorLog == 0) {
         settings.maxErrorLog = kDefaultLogLimit;
     }
+}
+
+IniFile SettingsToIni(const Settings& settings) {
+    IniFile ini;
+    ini.Set(kSection, kKeyAddress, settings.serverAddress);
+    ini.Set(kSection, kKeyPort, std::to_string(settings.serverPort));
+    ini.Set(kSection, kKeyPacketSize, std::to_string(settings.packetSize));
+    ini.Set(kSection, kKeyMaintainLogWrite, FlagText(settings.maintainLogFile));
+    ini.Set(kSection, kKeyArchiveLog, FlagText(settings.archiveLogFiles));
+    ini.Set(kSection, kKeyMaxLog, std::to_string(settings.maxLogFileSize));
+    ini.Set(kSection, kKeyMaintainError, FlagText(settings.maintainErrorFiles));
+    ini.Set(kSection, kKeyArchiveError, FlagText(settings.archiveErrorFiles));
+    ini.Set(kSection, kKeyMaxError, std::to_string(settings.maxErrorLog));
+    return ini;
+}
+
+Status ReadSettings(const std::string& folder, Settings& settings) {
+    const std::string path = PathIn(folder, kFileName);
+    std::error_code ec;
+    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(path, ec));
+    if (!exists) {
+        settings.serverAddress = kDefaultAddress;
+        settings.maxLogFileSize = kDefaultLogLimit;
+        settings.maxErrorLog = kDefaultLogLimit;
+        settings.maintainLogFile = true;
+        settings.archiveLogFiles = true;
+        settings.maintainErrorFiles = true;
+        settings.archiveErrorFiles = true;
+        return Status::Ok();
+    }
+
+    IniFile ini;
+    if (Status st = IniFile::Load(path, ini); !st) {
+        DeleteStaleFile(folder);
+        return st;
+    }
+
+    SettingsFromIni(ini, settings);
     return Status::Ok();
 }
 
@@ -149,17 +167,7 @@ Status WriteSettings(const std::string& folder, const Settings& settings) {
         }
     }
 
-    IniFile ini;
-    ini.Set(kSection, kKeyAddress, settings.serverAddress);
-    ini.Set(kSection, kKeyPort, std::to_string(settings.serverPort));
-    ini.Set(kSection, kKeyPacketSize, std::to_string(settings.packetSize));
-    ini.Set(kSection, kKeyMaintainLogWrite, FlagText(settings.maintainLogFile));
-    ini.Set(kSection, kKeyArchiveLog, FlagText(settings.archiveLogFiles));
-    ini.Set(kSection, kKeyMaxLog, std::to_string(settings.maxLogFileSize));
-    ini.Set(kSection, kKeyMaintainError, FlagText(settings.maintainErrorFiles));
-    ini.Set(kSection, kKeyArchiveError, FlagText(settings.archiveErrorFiles));
-    ini.Set(kSection, kKeyMaxError, std::to_string(settings.maxErrorLog));
-    return ini.Save(path);
+    return SettingsToIni(settings).Save(path);
 }
 
 } // namespace lumeth

@@ -26,6 +26,13 @@ struct Settings {
 // 32-bit range.
 int32_t LeadingNumber(std::string_view text);
 
+class IniFile;
+
+// The rules of reading applied to a parsed settings file (section
+// "CONFIGURATION"), and the file's content for a set of values.
+void SettingsFromIni(const IniFile& ini, Settings& settings);
+IniFile SettingsToIni(const Settings& settings);
+
 // Read folder + "kovadmin.ini" into `settings` with the defaults and clamps of
 // the settings file. On a failure reading stops (values read so far stay),
 // udpserve.ini in the folder is deleted if present, and the failure is returned.
