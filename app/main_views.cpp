@@ -44,10 +44,16 @@ QTreeWidget* MakeView(QWidget* parent, const char* name, const QStringList& head
     view->setSortingEnabled(false);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
     view->setAllColumnsShowFocus(true);
-    view->header()->setStretchLastSection(false);
-    view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    for (int column = 1; column < view->columnCount(); ++column)
-        view->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    // Fixed key columns wide enough for the longest keys: sizing them to their
+    // contents would measure every row on each redraw.
+    QHeaderView* header = view->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::Stretch);
+    const int keyWidth = view->fontMetrics().horizontalAdvance(QStringLiteral("Lst.0000")) + 16;
+    for (int column = 1; column < view->columnCount(); ++column) {
+        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->resizeSection(column, keyWidth);
+    }
     return view;
 }
 

@@ -8,6 +8,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <algorithm>
+
 #include "files/settings.h"
 #include "link/connection.h"
 #include "link/link_state.h"
@@ -124,6 +126,12 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     errGrid->addWidget(lblMaxErr, 0, 0);
     errGrid->addWidget(m_maxErrorLog, 0, 1);
     errGrid->addWidget(m_archiveError, 1, 0, 1, 2);
+
+    // The two size boxes line up although their labels differ in length.
+    const int labelWidth = std::max(lblMax->sizeHint().width(), lblMaxErr->sizeHint().width());
+    lblMax->setMinimumWidth(labelWidth);
+    lblMaxErr->setMinimumWidth(labelWidth);
+    lblIP0->setMinimumWidth(labelWidth);
 
     auto* ok = new QPushButton("OK", this);
     ok->setObjectName("cmdOk");

@@ -495,7 +495,10 @@ private slots:
         auto* popup = Child<QMenu>(m_window, "mnuPopup");
         QVERIFY(!m_window->menuBar()->actions().contains(popup->menuAction()));
 
-        m_window->link().pendingC = 0x0004; // a download outstanding
+        m_window->link().pendingA = 0x00000102; // password and Input alphas
+        m_window->link().pendingC = 0x0004;     // user groups
+        QTRY_COMPARE(Progress(), QString("Receiving: Password, Input Alphas, User Groups..."));
+        m_window->link().pendingA = 0;
         ClickItem(Groups(), 0, Qt::RightButton);
         QTest::qWait(50);
         QVERIFY(!popup->isVisible());
