@@ -197,9 +197,9 @@ void MainViews::Report(std::string_view location, const std::exception& error) {
     if (!m_reporter)
         return;
     const bool memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    m_reporter(location, "Display Error",
-               Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange,
-                       error.what()});
+    m_reporter(
+        location, "Display Error",
+        Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange, error.what()});
 }
 
 void MainViews::ClearAll() {

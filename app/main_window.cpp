@@ -58,16 +58,11 @@ struct PendingName {
     const char* text;
 };
 constexpr PendingName kPendingNames[] = {
-    {true, request::kPassword, "Password"},
-    {true, request::kInputAlphas, "Input Alphas"},
-    {true, request::kOutputAlphas, "Output Alphas"},
-    {true, request::kOptoAlphas, "Opto Alphas"},
-    {true, request::kRelayAlphas, "Relay Alphas"},
-    {false, request::kInputLists, "Input Lists"},
-    {false, request::kOutputLists, "Output Lists"},
-    {false, request::kOptoLists, "Opto Lists"},
-    {false, request::kRelayLists, "Relay Lists"},
-    {false, request::kUserGroups, "User Groups"},
+    {true, request::kPassword, "Password"},           {true, request::kInputAlphas, "Input Alphas"},
+    {true, request::kOutputAlphas, "Output Alphas"},  {true, request::kOptoAlphas, "Opto Alphas"},
+    {true, request::kRelayAlphas, "Relay Alphas"},    {false, request::kInputLists, "Input Lists"},
+    {false, request::kOutputLists, "Output Lists"},   {false, request::kOptoLists, "Opto Lists"},
+    {false, request::kRelayLists, "Relay Lists"},     {false, request::kUserGroups, "User Groups"},
     {false, request::kTemplates, "Button Templates"},
 };
 
@@ -116,10 +111,10 @@ void MainWindow::BuildMenus() {
     MakeSeparator(file, "mnuSep1");
     connect(MakeAction(file, "munUserGroups", "Edit &User Groups"), &QAction::triggered, this,
             &MainWindow::EditGroups);
-    connect(MakeAction(file, "mnuDisplayLists", "Edit &Dsiplay Lists"), &QAction::triggered,
-            this, &MainWindow::EditLists);
-    connect(MakeAction(file, "mnuButtons", "Program &Button Templates"), &QAction::triggered,
-            this, &MainWindow::EditButtons);
+    connect(MakeAction(file, "mnuDisplayLists", "Edit &Dsiplay Lists"), &QAction::triggered, this,
+            &MainWindow::EditLists);
+    connect(MakeAction(file, "mnuButtons", "Program &Button Templates"), &QAction::triggered, this,
+            &MainWindow::EditButtons);
     MakeSeparator(file, "mnuSep2");
     connect(MakeAction(file, "mnuSaveAll", "&Save All"), &QAction::triggered, this,
             &MainWindow::SaveAll);
@@ -173,8 +168,7 @@ void MainWindow::BuildLayout() {
     grid->setColumnStretch(2, 5);
     grid->setRowStretch(2, 1);
 
-    auto* editLists =
-        MakeButton(central, "cmdEditLists", "Edit &Lists", "Edit Display Lists");
+    auto* editLists = MakeButton(central, "cmdEditLists", "Edit &Lists", "Edit Display Lists");
     auto* editButtons =
         MakeButton(central, "cmdEditButtons", "Edit &Buttons", "Edit Button programming");
     auto* editGroups = MakeButton(central, "cmdEditGroups", "Edit &Groups", "Edit User Groups");
@@ -349,8 +343,7 @@ void MainWindow::ShowButtonEditor() {
         m_buttonEditor();
         return;
     }
-    statusBar()->showMessage("The button template editor is not available yet.",
-                             kStatusMessageMs);
+    statusBar()->showMessage("The button template editor is not available yet.", kStatusMessageMs);
 }
 
 void MainWindow::EditGroups() {
@@ -379,7 +372,9 @@ void MainWindow::EditLists() {
     m_views->groups()->setFocus();
 }
 
-void MainWindow::EditButtons() { ShowButtonEditor(); }
+void MainWindow::EditButtons() {
+    ShowButtonEditor();
+}
 
 void MainWindow::EditFromPopup() {
     ShowListEditor();
@@ -467,8 +462,8 @@ void MainWindow::LoadAll() {
     case LoadOutcome::Loaded:
         break;
     }
-    m_views->DisplayUserGroups();
-    m_views->ShowGroupData(m_store.currentUserGroup);
+    // Redrawn as a group download is: the groups, then the current group's lists.
+    OnStoreChanged(StoreChange::UserGroups, SubType::Input);
     setUnappliedChanges(true);
 }
 

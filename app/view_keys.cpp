@@ -14,14 +14,22 @@ std::string Keyed(const char* prefix, int width, int value) {
 }
 } // namespace
 
-std::string GroupKey(int userGroupIndex) { return Keyed("Gr.", 3, userGroupIndex + 1); }
-std::string ListKey(int position) { return Keyed("Lst.", 3, position); }
-std::string ChannelKey(int channel) { return Keyed("Ch.", 4, channel + 1); }
+std::string GroupKey(int userGroupIndex) {
+    return Keyed("Gr.", 3, userGroupIndex + 1);
+}
+std::string ListKey(int position) {
+    return Keyed("Lst.", 3, position);
+}
+std::string ChannelKey(int channel) {
+    return Keyed("Ch.", 4, channel + 1);
+}
 
 int KeyNumber(std::string_view key) {
     return TextNumber(key.size() > 3 ? key.substr(key.size() - 3) : key);
 }
 
-int TextNumber(std::string_view text) { return LeadingNumber(text); }
+int TextNumber(std::string_view text) {
+    return LeadingNumber(text);
+}
 
 } // namespace lumeth

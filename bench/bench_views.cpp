@@ -74,7 +74,9 @@ Fixture& Shared() {
     return *fixture;
 }
 
-void Settle() { QApplication::processEvents(); }
+void Settle() {
+    QApplication::processEvents();
+}
 
 double ResidentMegabytes() {
     std::ifstream statm("/proc/self/statm");

@@ -14,7 +14,9 @@
 namespace lumeth {
 
 namespace {
-QString FromView(std::string_view text) { return QString::fromUtf8(text.data(), text.size()); }
+QString FromView(std::string_view text) {
+    return QString::fromUtf8(text.data(), text.size());
+}
 } // namespace
 
 AboutDialog::AboutDialog(const LinkState& state, QWidget* parent)

@@ -40,9 +40,15 @@ QString FileDialog::GetFileName(QWidget* parent, const Request& request) {
     return files.isEmpty() ? QString() : files.front();
 }
 
-void FileDialog::setNextFileName(const QString& path) { queue().push_back(path); }
-void FileDialog::clearQueuedNames() { queue().clear(); }
-std::optional<FileDialog::Request> FileDialog::lastRequest() { return last(); }
+void FileDialog::setNextFileName(const QString& path) {
+    queue().push_back(path);
+}
+void FileDialog::clearQueuedNames() {
+    queue().clear();
+}
+std::optional<FileDialog::Request> FileDialog::lastRequest() {
+    return last();
+}
 
 QString FileFilterText(const QString& extension) {
     const QString all = QStringLiteral("All Files (*.*)|*.*");

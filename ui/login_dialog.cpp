@@ -19,8 +19,8 @@
 
 namespace lumeth {
 
-LoginDialog::LoginDialog(LinkState& state, Connection& connection,
-                         std::string& normalisedAddress, QWidget* parent)
+LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& normalisedAddress,
+                         QWidget* parent)
     : QDialog(parent), m_state(state), m_connection(connection),
       m_normalisedAddress(normalisedAddress) {
     setObjectName("frmLogin");

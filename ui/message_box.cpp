@@ -26,10 +26,20 @@ QMessageBox::StandardButton MessageBox::Show(QWidget* parent, const QString& tex
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
-void MessageBox::setNextAnswer(QMessageBox::StandardButton answer) { queue().push_back(answer); }
-bool MessageBox::hasQueuedAnswers() { return !queue().empty(); }
-void MessageBox::clearQueuedAnswers() { queue().clear(); }
-const std::deque<MessageBox::Shown>& MessageBox::history() { return shown(); }
-void MessageBox::clearHistory() { shown().clear(); }
+void MessageBox::setNextAnswer(QMessageBox::StandardButton answer) {
+    queue().push_back(answer);
+}
+bool MessageBox::hasQueuedAnswers() {
+    return !queue().empty();
+}
+void MessageBox::clearQueuedAnswers() {
+    queue().clear();
+}
+const std::deque<MessageBox::Shown>& MessageBox::history() {
+    return shown();
+}
+void MessageBox::clearHistory() {
+    shown().clear();
+}
 
 } // namespace lumeth

@@ -20,10 +20,10 @@ public:
         QMessageBox::Icon icon = QMessageBox::NoIcon;
     };
 
-    static QMessageBox::StandardButton
-    Show(QWidget* parent, const QString& text, const QString& title,
-         QMessageBox::Icon icon = QMessageBox::NoIcon,
-         QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+    static QMessageBox::StandardButton Show(QWidget* parent, const QString& text,
+                                            const QString& title,
+                                            QMessageBox::Icon icon = QMessageBox::NoIcon,
+                                            QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 
     // Answer the next box with `answer` without showing it.
     static void setNextAnswer(QMessageBox::StandardButton answer);

@@ -40,6 +40,8 @@ bool AcceptsAddressKey(int code) {
     return (code >= '0' && code <= '9') || code == '.' || code == kBackspace;
 }
 
-bool AcceptsNumberKey(int code) { return (code >= 47 && code <= 57) || code == kBackspace; }
+bool AcceptsNumberKey(int code) {
+    return (code >= 47 && code <= 57) || code == kBackspace;
+}
 
 } // namespace lumeth

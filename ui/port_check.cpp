@@ -5,7 +5,8 @@
 namespace lumeth {
 
 void ShowPortError(QWidget* parent) {
-    MessageBox::Show(parent, "Invalid Server IP Port #. Please reenter a number between 1 and 65535",
+    MessageBox::Show(parent,
+                     "Invalid Server IP Port #. Please reenter a number between 1 and 65535",
                      "Port Error", QMessageBox::NoIcon, QMessageBox::Ok);
 }
 

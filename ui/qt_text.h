@@ -13,6 +13,8 @@ namespace lumeth {
 inline QString ToQt(std::string_view bytes) {
     return QString::fromStdString(cp1252::ToUtf8(bytes));
 }
-inline std::string FromQt(const QString& text) { return cp1252::FromUtf8(text.toStdString()); }
+inline std::string FromQt(const QString& text) {
+    return cp1252::FromUtf8(text.toStdString());
+}
 
 } // namespace lumeth

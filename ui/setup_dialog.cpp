@@ -77,8 +77,8 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     }
     lblIP0->setBuddy(m_address);
     lblIP1->setBuddy(m_port);
-    auto* lblPassword = MakeLabel(frServer, "LblPassword",
-                                  "Password required for client panel setup.");
+    auto* lblPassword =
+        MakeLabel(frServer, "LblPassword", "Password required for client panel setup.");
     lblPassword->setBuddy(m_password);
     auto* serverGrid = new QGridLayout(frServer);
     serverGrid->addWidget(lblIP0, 0, 0);

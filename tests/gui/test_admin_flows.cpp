@@ -60,7 +60,9 @@ template <typename T> T* Child(QObject* parent, const QString& name) {
     return child;
 }
 
-QString Trimmed(const std::string& bytes) { return ToQt(bytes).trimmed(); }
+QString Trimmed(const std::string& bytes) {
+    return ToQt(bytes).trimmed();
+}
 
 // The sub type the window should pick for a group: Input, Output, Opto, Relay
 // in that order of preference among the group's entries.
@@ -226,7 +228,8 @@ private slots:
         MessageBox::setNextAnswer(QMessageBox::Ok);
         TypeAndOk("Studio"); // the comparison is case-sensitive
         QCOMPARE(MessageBox::history().size(), size_t(1));
-        QCOMPARE(MessageBox::history().back().text, QString("Incorrect password, Please try again"));
+        QCOMPARE(MessageBox::history().back().text,
+                 QString("Incorrect password, Please try again"));
         QCOMPARE(MessageBox::history().back().title, QString("Password Error"));
         QCOMPARE(MessageBox::history().back().icon, QMessageBox::Critical);
         QVERIFY(Login()->isVisible());
@@ -308,7 +311,8 @@ private slots:
 
         // A group with lists: click its first list and see its channels.
         int g = 0;
-        while (g < Demo().userGroupCount && Demo().userGroups[static_cast<size_t>(g)].listCount == 0)
+        while (g < Demo().userGroupCount &&
+               Demo().userGroups[static_cast<size_t>(g)].listCount == 0)
             ++g;
         QVERIFY(g < Demo().userGroupCount);
         ClickItem(Groups(), g);
@@ -473,8 +477,7 @@ private slots:
         m_window->link().serverPort = 4321; // as if Setup had changed it
         QStringList seen;
         WhenModal("frmAbout", [&](QWidget* about) {
-            seen << about->windowTitle()
-                 << Child<QLabel>(about, "lblServer_0")->text()
+            seen << about->windowTitle() << Child<QLabel>(about, "lblServer_0")->text()
                  << Child<QLabel>(about, "lblServer_1")->text()
                  << Child<QLabel>(about, "lblVersionInfo")->text()
                  << Child<QLabel>(about, "lblKOVtitle")->text();
@@ -509,9 +512,9 @@ private slots:
         popup->hide();
         // Dismissed over the lists: the lists are redrawn for the current group.
         QTRY_COMPARE(Lists()->topLevelItemCount(),
-                     EntriesOfType(Demo().userGroups[static_cast<size_t>(
-                                       m_window->store().currentUserGroup)],
-                                   m_window->store().currentListType));
+                     EntriesOfType(
+                         Demo().userGroups[static_cast<size_t>(m_window->store().currentUserGroup)],
+                         m_window->store().currentListType));
 
         ClickItem(Groups(), 0, Qt::RightButton);
         QTRY_VERIFY(popup->isVisible());

@@ -227,11 +227,9 @@ private slots:
     void channelItemsShowAlphaAndInvalidAboveTheBound() {
         m_store.currentListType = 11;
         m_views->ShowDisplayListData(2);
-        QCOMPARE(Column(m_views->items(), 0),
-                 QStringList({"MIC 1 (Ch.0001)", "MIC 2 (Ch.0002)", "CD (Ch.0003)",
-                              "*Invalid* (Ch.0101)"}));
-        QCOMPARE(Keys(m_views->items()),
-                 QStringList({"Ch.0001", "Ch.0002", "Ch.0003", "Ch.0101"}));
+        QCOMPARE(Column(m_views->items(), 0), QStringList({"MIC 1 (Ch.0001)", "MIC 2 (Ch.0002)",
+                                                           "CD (Ch.0003)", "*Invalid* (Ch.0101)"}));
+        QCOMPARE(Keys(m_views->items()), QStringList({"Ch.0001", "Ch.0002", "Ch.0003", "Ch.0101"}));
         QCOMPARE(m_views->caption(2)->text(), QString("Items in Everything"));
 
         // An unknown list type shows nothing, and the caption stays.
