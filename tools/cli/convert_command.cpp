@@ -1,12 +1,12 @@
-#include <iostream>
-
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
 namespace lumeth::cli {
 
 // convert IN OUT: nothing is written unless IN was read completely and OUT's
-// content could be built, and OUT is replaced atomically.
+// content could be built, and OUT is replaced atomically. Channel names and
+// the password of a JSON document have no place in a panel data file and are
+// left out of one.
 int RunConvert(const std::vector<std::string>& args) {
     if (args.size() != 2) {
         return UsageError("convert needs IN and OUT");
@@ -29,10 +29,6 @@ int RunConvert(const std::vector<std::string>& args) {
     }
     if (!WriteOutput(out, bytes, error)) {
         return Error(ExitCode::BadInput, error);
-    }
-    if (*form == Document::Form::PanelData && (doc.hasAlphas || doc.password)) {
-        std::cerr << "lumeth-cli: note: channel names and password of " << in
-                  << " are not part of a panel data file\n";
     }
     return ToInt(ExitCode::Ok);
 }
