@@ -272,6 +272,24 @@ Status IoFailure(ErrorCode code, const std::string& what, int err) {
     return Status::Fail(code, what + ": " + std::strerror(err));
 }
 
+// The encoded size, so the output is allocated once.
+size_t EncodedSize(const PanelStore& store) {
+    size_t size = 8 + 4 * 2 + 2 + 2;
+    for (SubType s : kAllSubTypes) {
+        for (int i = 0; i < CountToWrite(store.listCount(s)); ++i) {
+            size += kNameWidth + 2 + 2 * size_t(CountToWrite(At(store.lists(s), i).channelCount));
+        }
+    }
+    for (int i = 0; i < CountToWrite(store.userGroupCount); ++i) {
+        size += kNameWidth + 2 + 4 * size_t(CountToWrite(At(store.userGroups, i).listCount));
+    }
+    for (int i = 0; i < CountToWrite(store.templateCount); ++i) {
+        size += kNameWidth + 4 +
+                (8 + kLabelWidth) * size_t(CountToWrite(At(store.buttonTemplates, i).buttonCount));
+    }
+    return size;
+}
+
 } // namespace
 
 LoadResult LoadPanelData(std::string_view bytes, PanelStore& store) {
@@ -310,6 +328,7 @@ LoadResult LoadPanelDataFile(const std::string& path, PanelStore& store) {
 
 std::string EncodePanelData(const PanelStore& store) {
     std::string out;
+    out.reserve(EncodedSize(store));
     ByteWriter w(out);
     w.WriteInt16(kPanelDataMarker);
     w.WriteInt16(kPanelDataVersionEscape);
