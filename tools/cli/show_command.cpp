@@ -3,7 +3,7 @@
 #include <string>
 
 #include "files/cp1252.h"
-#include "tools/cli/button_functions.h"
+#include "model/button_catalogue.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
@@ -116,20 +116,23 @@ void ShowTemplates(const Document& doc, std::ostream& out) {
             if (b == nullptr) {
                 break;
             }
-            const ButtonFunction* f = FindButtonFunction(b->type);
+            // A code outside the catalogue is listed by its number.
+            const ButtonFunction& row = ButtonFunctionOf(b->type);
+            const ButtonFunction* f = row.code == b->type ? &row : nullptr;
             out << "        button " << k + 1 << ": "
-                << (f ? f->longName : "unknown function " + std::to_string(b->type));
+                << (f ? std::string(f->longName) : "unknown function " + std::to_string(b->type));
             const auto channel = [&](const std::optional<SubType>& table, int16_t value) {
                 if (table) {
                     return ChannelText(doc, *table, value);
                 }
                 return value == kNoChannel ? std::string("none") : std::to_string(value);
             };
-            if (b->channel != kNoChannel || (f && f->channelTable)) {
-                out << ", channel " << channel(f ? f->channelTable : std::nullopt, b->channel);
+            if (b->channel != kNoChannel || (f && f->channelSubType)) {
+                out << ", channel " << channel(f ? f->channelSubType : std::nullopt, b->channel);
             }
-            if (b->channel2 != kNoChannel || (f && f->channel2Table)) {
-                out << ", channel 2 " << channel(f ? f->channel2Table : std::nullopt, b->channel2);
+            if (b->channel2 != kNoChannel || (f && f->channel2SubType)) {
+                out << ", channel 2 "
+                    << channel(f ? f->channel2SubType : std::nullopt, b->channel2);
             }
             out << ", label " << Quoted(b->label)
                 << ((b->captionOption & 1) != 0 ? " (custom)" : "") << "\n";
