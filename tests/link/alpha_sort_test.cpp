@@ -70,6 +70,26 @@ TEST(AlphaSort, MatchesOnLargerAndOrderedInputs) {
     }
 }
 
+TEST(AlphaSort, MatchesWithFewDistinctNames) {
+    // Long runs of equal names exercise the reordering inside each group.
+    std::mt19937 rng(99);
+    const std::vector<std::string> pool = {"", "Spare", "SPARE", "b", "B"};
+    std::uniform_int_distribution<size_t> pick(0, pool.size() - 1);
+    for (size_t n : {2u, 3u, 50u, 777u}) {
+        std::vector<std::string> names(n);
+        for (auto& name : names) {
+            name = pool[pick(rng)];
+        }
+        std::vector<std::string> expectedNames = names;
+        std::vector<int16_t> expectedNumbers = Iota(n);
+        std::vector<int16_t> numbers = expectedNumbers;
+        LiteralExchangeSort(expectedNames, expectedNumbers);
+        ExchangeSortAlphas(names, numbers);
+        EXPECT_EQ(names, expectedNames) << n;
+        EXPECT_EQ(numbers, expectedNumbers) << n;
+    }
+}
+
 TEST(AlphaSort, WorkedExample) {
     std::vector<std::string> names = {"beta", "Alpha", "alpha"};
     std::vector<int16_t> numbers = {0, 1, 2};
