@@ -95,6 +95,8 @@ std::string ChecksumDetail(std::string_view message) {
            std::to_string(wire::Checksum(message, 2));
 }
 
+void ReadButtonTemplates(LinkSession& session, SessionObserver& observer, std::string_view message);
+
 } // namespace
 
 bool ChecksumMatches(std::string_view message) {
@@ -310,6 +312,20 @@ void UserGroups(LinkSession& session, SessionObserver& observer, std::string_vie
 }
 
 void ButtonTemplates(LinkSession& session, SessionObserver& observer, std::string_view message) {
+    ReadButtonTemplates(session, observer, message);
+    // A message that failed after the names were resized leaves the old
+    // records; they follow the names' length so the parallel arrays stay
+    // the same size.
+    PanelStore& store = session.store();
+    if (store.buttonTemplates.size() != store.templateNames.size()) {
+        store.buttonTemplates.resize(store.templateNames.size());
+    }
+}
+
+namespace {
+
+void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
+                         std::string_view message) {
     Guarded(observer, kButtonSite, [&] {
         if (!ChecksumMatches(message)) {
             observer.WriteErrorLog("48QX Check Sum Error", "Button Data");
@@ -380,13 +396,12 @@ void ButtonTemplates(LinkSession& session, SessionObserver& observer, std::strin
             return;
         }
         store.buttonTemplates = std::move(fresh);
-        // With an empty table the names keep their old length; the records
-        // follow them so the parallel arrays stay the same size.
-        store.buttonTemplates.resize(store.templateNames.size());
         session.state().pendingC &= ~request::kTemplates;
         observer.LogActivity("Button Templates", kActivityLocation);
         observer.StoreChanged(StoreChange::Templates, SubType::Input);
     });
 }
+
+} // namespace
 
 } // namespace lumeth::decode

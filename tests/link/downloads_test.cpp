@@ -388,12 +388,17 @@ TEST(ButtonDownload, LengthErrorKeepsNamesButNotRecords) {
     Harness h;
     h.store.ResetToDefaults();
     h.store.buttonTemplates[0].number = 99;
-    const std::string body = ButtonBody(1, 0, 8, 16, {{"Desk", 5, {}}}).Body() + "zz";
+    // A table of 3 carrying one template, two bytes too long.
+    const std::string body = ButtonBody(3, 0, 8, 16, {{"Desk", 5, {}}}).Body() + "zz";
     h.Feed(Layout::Of(body).Finish());
     EXPECT_EQ(h.observer.logLines,
               std::vector<std::string>{"48QX Message Length Error|Button Info"});
     EXPECT_EQ(h.store.templateNames[0], Pad("Desk", 16));
     EXPECT_EQ(h.store.buttonTemplates[0].number, 99);
+    // The names grew to the table size; the records keep pace with them.
+    EXPECT_EQ(h.store.templateNames.size(), 3u);
+    EXPECT_EQ(h.store.buttonTemplates.size(), 3u);
+    EXPECT_EQ(h.store.templateIndex.size(), 3u);
 }
 
 TEST(ButtonDownload, TemplateBeyondTheTableIsReported) {
