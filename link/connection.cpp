@@ -87,7 +87,11 @@ Connection::~Connection() {
 }
 
 void Connection::Connect() {
+    // Closing our own socket is not the peer closing it: the login stays.
+    m_disconnecting = true;
     m_socket->abort();
+    m_disconnecting = false;
+    m_state.connected = false; // until this attempt's connect event
     m_state.receiveBuffer.clear();
     m_decodeTimer.stop();
     m_connectStarted.start();

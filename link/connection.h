@@ -110,7 +110,7 @@ private:
     QTimer m_pollTimer;
     std::function<void()> m_loginHook;
     bool m_inLoginHook = false;
-    bool m_disconnecting = false;        // Disconnect is closing the socket
+    bool m_disconnecting = false;        // we are closing the socket ourselves
     bool m_connectFailureLogged = false; // one log line per outage, not one per poll
     QElapsedTimer m_connectStarted;
 };
