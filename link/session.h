@@ -49,6 +49,9 @@ public:
     void Receive(std::string_view bytes);
     // Decode and handle at most one message from the front of the buffer.
     void DecodeNext();
+    // Remove and return the first `count` bytes of the receive buffer (all of
+    // it when `count` reaches past its end).
+    std::string TrimBuffer(size_t count);
     bool BufferEmpty() const { return m_state.receiveBuffer.empty(); }
 
     // Messages queued for sending, oldest first; the queue is emptied.
@@ -69,8 +72,12 @@ public:
     // The six Apply messages in order: display lists 11, 21, 31, 41, groups, buttons.
     std::vector<std::string> BuildApplyMessages() const;
 
-private:
+    // Queue one message for sending (the handlers' answers go this way).
     void Queue(std::string message);
+
+private:
+    void DecodeStep();
+    void Dispatch(uint8_t command, std::string_view message);
 
     PanelStore& m_store;
     LinkState& m_state;

@@ -25,7 +25,8 @@ std::optional<int16_t> Read14(std::string_view message, size_t index) {
     if (message.size() < 2 || index > message.size() - 2) {
         return std::nullopt;
     }
-    return JoinSeptets(static_cast<uint8_t>(message[index]), static_cast<uint8_t>(message[index + 1]));
+    return JoinSeptets(static_cast<uint8_t>(message[index]),
+                       static_cast<uint8_t>(message[index + 1]));
 }
 
 std::string SplitBytes(std::string& text, size_t count) {

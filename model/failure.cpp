@@ -4,7 +4,9 @@ namespace lumeth {
 
 std::string_view ErrorDescription(ErrorCode code) {
     switch (code) {
-    case ErrorCode::None: return "No error";
+    // A report made while no runtime error is pending (the checksum reports)
+    // carries number 0 and an empty description: "Error # 0 - ".
+    case ErrorCode::None: return "";
     case ErrorCode::InvalidProcedureCall: return "Invalid procedure call or argument";
     case ErrorCode::Overflow: return "Overflow";
     case ErrorCode::OutOfMemory: return "Out of memory";

@@ -13,6 +13,12 @@ namespace lumeth::testing {
 class Layout {
 public:
     explicit Layout(int command) { m_bytes.push_back(static_cast<char>(command)); }
+    // A message body given whole, command byte first (to spoil a length).
+    static Layout Of(std::string body) {
+        Layout l(0);
+        l.m_bytes = std::move(body);
+        return l;
+    }
 
     Layout& Byte(int b) {
         m_bytes.push_back(static_cast<char>(b));

@@ -1,0 +1,206 @@
+// Link core speed: the alpha table download with its sort (next to the
+// literal exchange sort), the framing over many small frames, and building
+// the Apply messages for a large configuration.
+#include <benchmark/benchmark.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "link/codec.h"
+#include "link/session.h"
+#include "model/alpha_sort.h"
+#include "tests/link/alpha_sort_reference.h"
+
+namespace lumeth {
+namespace {
+
+class NullObserver : public SessionObserver {
+public:
+    void StoreChanged(StoreChange, SubType) override { ++changes; }
+    void WriteErrorLog(std::string_view, std::string_view) override { ++errors; }
+    void ReportError(std::string_view, std::string_view, const Failure&) override { ++errors; }
+    void LogActivity(std::string_view, std::string_view) override {}
+    long changes = 0;
+    long errors = 0;
+};
+
+// Router-like channel names: many blanks and duplicates, mixed case.
+std::vector<std::string> TiedNames(size_t n) {
+    std::mt19937 rng(static_cast<unsigned>(n));
+    std::uniform_int_distribution<int> kind(0, 9);
+    std::uniform_int_distribution<size_t> id(0, n / 8 + 1);
+    std::vector<std::string> names(n);
+    for (auto& name : names) {
+        const int k = kind(rng);
+        if (k < 2) {
+            name = "";
+        } else if (k < 4) {
+            name = "SPARE";
+        } else {
+            const std::string base = "Mic " + std::to_string(id(rng));
+            name = k < 7 ? base : "mic " + base.substr(4);
+        }
+    }
+    return names;
+}
+
+void BM_AlphaDownload(benchmark::State& state) {
+    const auto n = static_cast<size_t>(state.range(0));
+    const std::string message = codec::AlphaTableMessage(SubType::Input, TiedNames(n), 12);
+    for (auto _ : state) {
+        PanelStore store;
+        LinkState link;
+        NullObserver observer;
+        LinkSession session(store, link, observer);
+        session.Receive(message);
+        session.DecodeNext();
+        if (store.alpha(SubType::Input).count != static_cast<int16_t>(n)) {
+            state.SkipWithError("alpha table not accepted");
+        }
+        benchmark::DoNotOptimize(store.alpha(SubType::Input).names.data());
+    }
+}
+BENCHMARK(BM_AlphaDownload)->Arg(1024)->Arg(4096)->Arg(16383)->Unit(benchmark::kMillisecond);
+
+void BM_AlphaSortLiteral(benchmark::State& state) {
+    const auto n = static_cast<size_t>(state.range(0));
+    std::vector<std::string> input = TiedNames(n);
+    for (auto& name : input) {
+        name = codec::FixedWidth(name, 12);
+    }
+    for (auto _ : state) {
+        std::vector<std::string> names = input;
+        std::vector<int16_t> numbers(n);
+        for (size_t i = 0; i < n; ++i) {
+            numbers[i] = static_cast<int16_t>(i);
+        }
+        testing::LiteralExchangeSort(names, numbers);
+        benchmark::DoNotOptimize(numbers.data());
+    }
+}
+BENCHMARK(BM_AlphaSortLiteral)
+    ->Arg(1024)
+    ->Arg(4096)
+    ->Arg(16383)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+
+// 100,000 small frames: polls, acknowledgements, password answers, server
+// requests and unknown commands, arriving in 4 KB reads as from a socket.
+void BM_DecodeSmallFrames(benchmark::State& state) {
+    std::string stream;
+    const std::string password = [] {
+        std::string m = "\x80\x05\x03pw1";
+        m.push_back(static_cast<char>((5 + 3 + 'p' + 'w' + '1') % 128));
+        m.push_back(static_cast<char>(0xFF));
+        return m;
+    }();
+    const std::string request = codec::DataRequest(0, 0, 0);
+    constexpr int kFrames = 100000;
+    for (int i = 0; i < kFrames; ++i) {
+        switch (i % 5) {
+        case 0:
+            stream += '\xF5';
+            break;
+        case 1:
+            stream += '\xF1';
+            break;
+        case 2:
+            stream += password;
+            break;
+        case 3:
+            stream += request;
+            break;
+        default:
+            stream += "\xA0\x01\x01\xFF";
+            break;
+        }
+    }
+    constexpr size_t kRead = 4096;
+    for (auto _ : state) {
+        PanelStore store;
+        LinkState link;
+        NullObserver observer;
+        LinkSession session(store, link, observer);
+        for (size_t at = 0; at < stream.size(); at += kRead) {
+            session.Receive(std::string_view(stream).substr(at, kRead));
+            while (!session.BufferEmpty()) {
+                const size_t before = link.receiveBuffer.size();
+                session.DecodeNext();
+                if (link.receiveBuffer.size() == before) {
+                    break;
+                }
+            }
+            benchmark::DoNotOptimize(session.TakeOutgoing());
+        }
+        if (observer.errors != 0 || !session.BufferEmpty()) {
+            state.SkipWithError("stream not decoded cleanly");
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kFrames);
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(stream.size()));
+}
+BENCHMARK(BM_DecodeSmallFrames)->Unit(benchmark::kMillisecond);
+
+// 4 x 500 lists of 64 channels, 200 groups of 40 lists, 500 templates of 32 buttons.
+PanelStore LargeConfiguration() {
+    PanelStore s;
+    s.ResetToDefaults();
+    for (SubType st : kAllSubTypes) {
+        auto& lists = s.lists(st);
+        lists.assign(500, DisplayList{});
+        s.listCount(st) = 500;
+        for (size_t i = 0; i < lists.size(); ++i) {
+            lists[i].name = "List " + std::to_string(i);
+            lists[i].channelCount = 64;
+            lists[i].channels.resize(64);
+            for (size_t c = 0; c < 64; ++c) {
+                lists[i].channels[c] = static_cast<int16_t>((i * 64 + c) % 16383);
+            }
+        }
+    }
+    s.ResizeUserGroups(200);
+    s.userGroupCount = 200;
+    for (size_t g = 0; g < 200; ++g) {
+        s.userGroupNames[g] = "Group " + std::to_string(g);
+        UserGroup& group = s.userGroups[g];
+        group.listCount = 40;
+        group.listIndexes.resize(40);
+        group.listTypes.resize(40);
+        for (size_t e = 0; e < 40; ++e) {
+            group.listIndexes[e] = static_cast<int16_t>((g + e) % 500);
+            group.listTypes[e] = ListTypeCode(kAllSubTypes[e % 4]);
+        }
+    }
+    s.ResizeTemplates(500);
+    s.templateCount = 500;
+    for (size_t t = 0; t < 500; ++t) {
+        s.templateNames[t] = "Template " + std::to_string(t);
+        ButtonTemplate& tpl = s.buttonTemplates[t];
+        tpl.number = static_cast<int16_t>(t);
+        tpl.buttonCount = 32;
+        tpl.buttons.assign(32, PanelButton{810, 1, "Label", 12, 34});
+    }
+    return s;
+}
+
+void BM_BuildApplyMessages(benchmark::State& state) {
+    PanelStore store = LargeConfiguration();
+    LinkState link;
+    NullObserver observer;
+    LinkSession session(store, link, observer);
+    int64_t bytes = 0;
+    for (auto _ : state) {
+        const auto messages = session.BuildApplyMessages();
+        for (const auto& m : messages) {
+            bytes += static_cast<int64_t>(m.size());
+        }
+        benchmark::DoNotOptimize(messages.data());
+    }
+    state.SetBytesProcessed(bytes);
+}
+BENCHMARK(BM_BuildApplyMessages)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace lumeth

@@ -1,0 +1,119 @@
+// The channel-name sort against the literal exchange sort.
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <random>
+
+#include "model/alpha_sort.h"
+#include "tests/link/alpha_sort_reference.h"
+
+namespace lumeth {
+namespace {
+
+using testing::LiteralExchangeSort;
+
+std::vector<int16_t> Iota(size_t n) {
+    std::vector<int16_t> v(n);
+    std::iota(v.begin(), v.end(), int16_t{0});
+    return v;
+}
+
+// Names drawn from a small pool so that ties (equal once upper-cased) are
+// common, with blanks, padding and Windows-1252 letters whose byte order and
+// Unicode order differ.
+std::vector<std::string> RandomNames(std::mt19937& rng, size_t n) {
+    static const std::vector<std::string> pool = {
+        "",       " ",     "   ",     "Mic",     "MIC",      "mic",      "Mic 1", "mic 1 ",
+        "Mic 10", "Mic 2", "Line",    "line",    "\xC9tude", "\xE9tude", "Etude", "\x8Aum",
+        "\x9Aum", "Zum",   "\xFFves", "\x9Fves", "Yves",     "\xDF",     "ss",    "SS",
+        "a\x7F",  "a~",    "A_",      "a[",      "\xF7",     "\xD7",     "out-1", "OUT-1",
+    };
+    std::uniform_int_distribution<size_t> pick(0, pool.size() - 1);
+    std::vector<std::string> names(n);
+    for (auto& name : names) {
+        name = pool[pick(rng)];
+    }
+    return names;
+}
+
+TEST(AlphaSort, MatchesTheLiteralExchangeSortOnTiesAndBlanks) {
+    std::mt19937 rng(20240611);
+    for (int round = 0; round < 300; ++round) {
+        const size_t n = std::uniform_int_distribution<size_t>(0, 120)(rng);
+        std::vector<std::string> expectedNames = RandomNames(rng, n);
+        std::vector<int16_t> expectedNumbers = Iota(n);
+        std::shuffle(expectedNumbers.begin(), expectedNumbers.end(), rng);
+        std::vector<std::string> names = expectedNames;
+        std::vector<int16_t> numbers = expectedNumbers;
+        LiteralExchangeSort(expectedNames, expectedNumbers);
+        ExchangeSortAlphas(names, numbers);
+        ASSERT_EQ(names, expectedNames) << "round " << round;
+        ASSERT_EQ(numbers, expectedNumbers) << "round " << round;
+    }
+}
+
+TEST(AlphaSort, MatchesOnLargerAndOrderedInputs) {
+    std::mt19937 rng(7);
+    std::vector<std::string> base = RandomNames(rng, 1500);
+    std::vector<std::string> ascending = base;
+    std::sort(ascending.begin(), ascending.end());
+    std::vector<std::string> descending(ascending.rbegin(), ascending.rend());
+    for (const auto& input : {base, ascending, descending}) {
+        std::vector<std::string> expectedNames = input;
+        std::vector<int16_t> expectedNumbers = Iota(input.size());
+        std::vector<std::string> names = input;
+        std::vector<int16_t> numbers = expectedNumbers;
+        LiteralExchangeSort(expectedNames, expectedNumbers);
+        ExchangeSortAlphas(names, numbers);
+        EXPECT_EQ(names, expectedNames);
+        EXPECT_EQ(numbers, expectedNumbers);
+    }
+}
+
+TEST(AlphaSort, MatchesWithFewDistinctNames) {
+    // Long runs of equal names exercise the reordering inside each group.
+    std::mt19937 rng(99);
+    const std::vector<std::string> pool = {"", "Spare", "SPARE", "b", "B"};
+    std::uniform_int_distribution<size_t> pick(0, pool.size() - 1);
+    for (size_t n : {2u, 3u, 50u, 777u}) {
+        std::vector<std::string> names(n);
+        for (auto& name : names) {
+            name = pool[pick(rng)];
+        }
+        std::vector<std::string> expectedNames = names;
+        std::vector<int16_t> expectedNumbers = Iota(n);
+        std::vector<int16_t> numbers = expectedNumbers;
+        LiteralExchangeSort(expectedNames, expectedNumbers);
+        ExchangeSortAlphas(names, numbers);
+        EXPECT_EQ(names, expectedNames) << n;
+        EXPECT_EQ(numbers, expectedNumbers) << n;
+    }
+}
+
+TEST(AlphaSort, WorkedExample) {
+    std::vector<std::string> names = {"beta", "Alpha", "alpha"};
+    std::vector<int16_t> numbers = {0, 1, 2};
+    ExchangeSortAlphas(names, numbers);
+    EXPECT_EQ(names, (std::vector<std::string>{"Alpha", "alpha", "beta"}));
+    EXPECT_EQ(numbers, (std::vector<int16_t>{1, 2, 0}));
+}
+
+TEST(AlphaSort, UpperCaseFollowsTheCodePage) {
+    EXPECT_EQ(UpperCase("abc xyz"), "ABC XYZ");
+    EXPECT_EQ(UpperCase("\xE9\x9A\x9C\x9E\xFF"), "\xC9\x8A\x8C\x8E\x9F");
+    // No upper-case form in the code page: division sign, sharp s, micro.
+    EXPECT_EQ(UpperCase("\xF7\xDF\xB5"), "\xF7\xDF\xB5");
+}
+
+TEST(AlphaSort, BuildAlphaTableInvertsTheNumbers) {
+    AlphaTable t;
+    BuildAlphaTable(t, {"c", "A", "b", "a"});
+    EXPECT_EQ(t.count, 4);
+    EXPECT_EQ(t.channelNames, (std::vector<std::string>{"c", "A", "b", "a"}));
+    EXPECT_EQ(t.names, (std::vector<std::string>{"A", "a", "b", "c"}));
+    EXPECT_EQ(t.numbers, (std::vector<int16_t>{1, 3, 2, 0}));
+    EXPECT_EQ(t.positionOf, (std::vector<int16_t>{3, 0, 2, 1}));
+}
+
+} // namespace
+} // namespace lumeth
