@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -34,11 +35,22 @@ public:
     // Build one record line (without CR LF).
     static std::string FormatRecord(std::string_view dateTime, std::string_view location,
                                     std::string_view message);
+    // The default clock's form of a local time: US short date and time,
+    // "11/22/2026 7:52:18 AM".
+    static std::string FormatShortDateTime(const std::tm& local);
+
+    // The last failure to write the log itself (code None when there was none)
+    // and how many records were dropped because they arrived while a record
+    // was being written (the recursion guard).
+    const Failure& lastWriteFailure() const { return m_lastWriteFailure; }
+    int droppedRecords() const { return m_dropped; }
 
 private:
     std::string m_folder;
     std::function<std::string()> m_now;
     bool m_writing = false; // recursion guard
+    Failure m_lastWriteFailure;
+    int m_dropped = 0;
 };
 
 } // namespace lumeth

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "model/failure.h"
 
@@ -25,11 +26,22 @@ struct Settings {
 // 32-bit range.
 int32_t LeadingNumber(std::string_view text);
 
+class IniFile;
+
+// The rules of reading applied to a parsed settings file (section
+// "CONFIGURATION"), and the file's content for a set of values.
+void SettingsFromIni(const IniFile& ini, Settings& settings);
+IniFile SettingsToIni(const Settings& settings);
+
 // Read folder + "kovadmin.ini" into `settings` with the defaults and clamps of
 // the settings file. On a failure reading stops (values read so far stay),
 // udpserve.ini in the folder is deleted if present, and the failure is returned.
 Status ReadSettings(const std::string& folder, Settings& settings);
 // Delete and rewrite folder + "kovadmin.ini".
 Status WriteSettings(const std::string& folder, const Settings& settings);
+
+// The locations under which the callers record the two failures.
+inline constexpr std::string_view kReadSettingsLocation = "Error Reading ini file";
+inline constexpr std::string_view kWriteSettingsLocation = "Error Writing ini file";
 
 } // namespace lumeth

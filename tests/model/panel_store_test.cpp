@@ -1,0 +1,114 @@
+#include "model/panel_store.h"
+
+#include <gtest/gtest.h>
+
+namespace lumeth {
+namespace {
+
+// A store with several entries of everything, as after a download.
+PanelStore FilledStore() {
+    PanelStore s;
+    for (size_t t = 0; t < 4; ++t) {
+        s.displayListCount[t] = 3;
+        s.displayLists[t].assign(3, DisplayList{});
+        s.displayLists[t][2].channelCount = 2;
+        s.displayLists[t][2].channels = {4, 9};
+    }
+    s.userGroupCount = 2;
+    s.ResizeUserGroups(2);
+    s.userGroupNames = {"Studio A", "News"};
+    s.templateCount = 3;
+    s.ResizeTemplates(3);
+    s.buttonTemplates[2].number = 7;
+    s.buttonTemplates[2].buttonCount = 2;
+    s.buttonTemplates[2].buttons.assign(2, PanelButton::Cleared());
+    s.alpha(SubType::Input).count = 2;
+    s.alpha(SubType::Input).channelNames = {"MIC 1", "MIC 2"};
+    return s;
+}
+
+TEST(PanelStore, ResetToDefaultsLeavesOneDefaultEntryOfEach) {
+    PanelStore s = FilledStore();
+    s.ResetToDefaults();
+
+    const char* listNames[4] = {"First In List", "First Out List", "First Opto List",
+                                "First Relay List"};
+    for (size_t t = 0; t < 4; ++t) {
+        EXPECT_EQ(s.displayListCount[t], 1);
+        ASSERT_EQ(s.displayLists[t].size(), 1u);
+        EXPECT_EQ(s.displayLists[t][0].name, listNames[t]);
+        EXPECT_EQ(s.displayLists[t][0].channelCount, 0);
+        EXPECT_EQ(s.displayLists[t][0].channels.size(), 1u) << "spare element kept";
+    }
+    EXPECT_EQ(s.userGroupCount, 1);
+    EXPECT_EQ(s.userGroupNames, std::vector<std::string>{"No Users"});
+    ASSERT_EQ(s.userGroups.size(), 1u);
+    EXPECT_EQ(s.userGroups[0].listCount, 0);
+    EXPECT_EQ(s.userGroups[0].listIndexes.size(), 1u);
+    EXPECT_EQ(s.userGroupIndex.size(), 1u);
+    EXPECT_EQ(s.userGroupNumber.size(), 1u);
+
+    EXPECT_EQ(s.templateCount, 1);
+    EXPECT_EQ(s.templateNames, std::vector<std::string>{"None"});
+    ASSERT_EQ(s.buttonTemplates.size(), 1u);
+    EXPECT_EQ(s.buttonTemplates[0].number, 0);
+    EXPECT_EQ(s.buttonTemplates[0].buttonCount, 0);
+    EXPECT_EQ(s.buttonTemplates[0].buttons.size(), 1u);
+    EXPECT_EQ(s.templateIndex.size(), 1u);
+    EXPECT_EQ(s.templatePosition.size(), 1u);
+
+    // Alpha tables come from the server module only; a reset keeps them.
+    EXPECT_EQ(s.alpha(SubType::Input).count, 2);
+    EXPECT_EQ(s.alpha(SubType::Input).channelNames[1], "MIC 2");
+}
+
+TEST(PanelStore, ResizeKeepsAtLeastOneElementAndParallelArraysAligned) {
+    PanelStore s = FilledStore();
+    for (int count : {0, -1, 1, 5, 2}) {
+        s.ResizeUserGroups(count);
+        const size_t n = count < 1 ? 1u : static_cast<size_t>(count);
+        EXPECT_EQ(s.userGroupNames.size(), n);
+        EXPECT_EQ(s.userGroups.size(), n);
+        EXPECT_EQ(s.userGroupIndex.size(), n);
+        EXPECT_EQ(s.userGroupNumber.size(), n);
+
+        s.ResizeTemplates(count);
+        EXPECT_EQ(s.templateNames.size(), n);
+        EXPECT_EQ(s.buttonTemplates.size(), n);
+        EXPECT_EQ(s.templateIndex.size(), n);
+        EXPECT_EQ(s.templatePosition.size(), n);
+    }
+    // Growing keeps what was there.
+    PanelStore g = FilledStore();
+    g.ResizeUserGroups(4);
+    EXPECT_EQ(g.userGroupNames[1], "News");
+    g.ResizeTemplates(6);
+    EXPECT_EQ(g.buttonTemplates[2].number, 7);
+    EXPECT_EQ(ArraySizeFor(0), 1u);
+    EXPECT_EQ(ArraySizeFor(-7), 1u);
+    EXPECT_EQ(ArraySizeFor(32767), 32767u);
+}
+
+TEST(PanelStore, ClearedButtonHasNoChannels) {
+    const PanelButton b = PanelButton::Cleared();
+    EXPECT_EQ(b.channel, 16383);
+    EXPECT_EQ(b.channel2, 16383);
+    EXPECT_EQ(b.captionOption, 0);
+}
+
+TEST(PanelStore, SubTypeCodeFamiliesAreDistinct) {
+    for (SubType s : kAllSubTypes) {
+        EXPECT_EQ(SubTypeFromAlphaCode(AlphaTypeCode(s)), s);
+        EXPECT_EQ(SubTypeFromListCode(ListTypeCode(s)), s);
+        // A user group entry never uses the alpha codes and vice versa.
+        EXPECT_EQ(SubTypeFromListCode(AlphaTypeCode(s)), std::nullopt);
+        EXPECT_EQ(SubTypeFromAlphaCode(ListTypeCode(s)), std::nullopt);
+    }
+    EXPECT_EQ(ListTypeCode(SubType::Relay), 41);
+    EXPECT_EQ(AlphaTypeCode(SubType::Opto), 30);
+    EXPECT_EQ(SubTypeFromListCode(83), std::nullopt);
+    EXPECT_STREQ(SubTypeName(SubType::Opto), "Opto");
+}
+
+} // namespace
+} // namespace lumeth
