@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "model/failure.h"
 #include "model/panel_store.h"
@@ -9,12 +12,19 @@ namespace lumeth {
 
 inline constexpr const char* kDefaultPanelDataFileName = "LumethEX.dat";
 
+// Layout constants of the file.
+inline constexpr int16_t kPanelDataMarker = 140;
+inline constexpr int16_t kPanelDataVersionEscape = 16383;
+inline constexpr int16_t kPanelDataVersion = 3;
+inline constexpr size_t kNameWidth = 16; // list, group and template names
+inline constexpr size_t kLabelWidth = 8; // button labels
+
 // Result of reading a panel data file.
 enum class LoadOutcome {
-    Loaded,        // the whole file was read
-    NoFile,        // no file of that name: nothing done, the store untouched
-    NotPanelData,  // the marker is not 140: the store is left in its default state
-    Failed,        // I/O error or truncated: defaults plus what was read
+    Loaded,       // the whole file was read
+    NoFile,       // no file of that name: nothing done, the store untouched
+    NotPanelData, // the marker is not 140: the store is left in its default state
+    Failed,       // I/O error or truncated: defaults plus what was read
 };
 
 struct LoadResult {
@@ -33,5 +43,10 @@ std::string EncodePanelData(const PanelStore& store);
 // Write `store` to `path` as version 3: written to a temporary file in the same
 // folder and renamed over the target, so a failed save keeps the old file.
 Status SavePanelDataFile(const std::string& path, const PanelStore& store);
+
+// Replace the file at `path` with `bytes` the same way: a temporary file in the
+// same folder, then a rename over the target. On failure the old file (if any)
+// is left as it was and no temporary file remains.
+Status ReplaceFileContents(const std::string& path, std::string_view bytes);
 
 } // namespace lumeth

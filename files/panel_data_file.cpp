@@ -1,0 +1,436 @@
+#include "files/panel_data_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <system_error>
+
+#include "files/byte_order.h"
+
+namespace lumeth {
+
+namespace {
+
+// Reads the body of a panel data file straight into the store, so that after
+// a failure the store holds the defaults plus everything read so far. The
+// description of a field is only built when reading it fails.
+class PanelDataReader {
+public:
+    PanelDataReader(std::string_view bytes, PanelStore& store) : m_in(bytes), m_store(store) {}
+
+    LoadResult Read() {
+        LoadResult result;
+        int16_t marker = 0;
+        if (!m_in.ReadInt16(marker)) {
+            result.outcome = LoadOutcome::NotPanelData;
+            result.status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                         "not a panel data file (shorter than its 2-byte marker)");
+            return result;
+        }
+        if (marker != kPanelDataMarker) {
+            result.outcome = LoadOutcome::NotPanelData;
+            result.status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                         "not a panel data file (first value " +
+                                             std::to_string(marker) + ", expected 140)");
+            return result;
+        }
+        if (!ReadHeader() || !ReadBody()) {
+            result.outcome = LoadOutcome::Failed;
+            result.version = m_version;
+            result.status = std::move(m_status);
+            return result;
+        }
+        result.version = m_version;
+        return result;
+    }
+
+private:
+    template <typename Describe> bool Int(int16_t& value, Describe&& describe) {
+        const size_t at = m_in.position();
+        if (m_in.ReadInt16(value)) {
+            return true;
+        }
+        Truncated(at, describe());
+        return false;
+    }
+
+    template <typename Describe> bool Text(size_t width, std::string& text, Describe&& describe) {
+        const size_t at = m_in.position();
+        if (m_in.ReadText(width, text)) {
+            return true;
+        }
+        Truncated(at, describe());
+        return false;
+    }
+
+    // A count field: signed 16-bit in the file, but a negative count can only
+    // come from a damaged file, so it stops the load instead of being read as
+    // "empty".
+    template <typename Describe> bool Count(int16_t& count, Describe&& describe) {
+        const size_t at = m_in.position();
+        int16_t value = 0;
+        if (!Int(value, describe)) {
+            return false;
+        }
+        if (value < 0) {
+            m_status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                    "negative " + describe() + " " + std::to_string(value) +
+                                        " at byte " + std::to_string(at));
+            return false;
+        }
+        count = value;
+        return true;
+    }
+
+    void Truncated(size_t at, const std::string& what) {
+        m_status = Status::Fail(ErrorCode::InputPastEndOfFile,
+                                "truncated at byte " + std::to_string(at) + " reading " + what);
+    }
+
+    bool ReadHeader() {
+        int16_t value = 0;
+        if (!Int(value, [] { return std::string("version escape or header text length"); })) {
+            return false;
+        }
+        int16_t textLength = value;
+        if (value == kPanelDataVersionEscape) {
+            if (!Int(m_version, [] { return std::string("version"); })) {
+                return false;
+            }
+            if (!Count(textLength, [] { return std::string("header text length"); })) {
+                return false;
+            }
+        } else {
+            // Version 0: no escape, the value is the header text length.
+            m_version = 0;
+            if (textLength < 0) {
+                m_status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                        "negative header text length " +
+                                            std::to_string(textLength) + " at byte 2");
+                return false;
+            }
+        }
+        const size_t at = m_in.position();
+        if (!m_in.Skip(static_cast<size_t>(textLength))) {
+            Truncated(at, "header text");
+            return false;
+        }
+        return true;
+    }
+
+    bool ReadBody() {
+        for (SubType s : kAllSubTypes) {
+            if ((s == SubType::Opto || s == SubType::Relay) && m_version != 3) {
+                continue; // older files keep the default single list
+            }
+            if (!ReadDisplayLists(s)) {
+                return false;
+            }
+        }
+        return ReadUserGroups() && ReadTemplates();
+    }
+
+    bool ReadDisplayLists(SubType s) {
+        const std::string kind = std::string(SubTypeName(s)) + " display list";
+        int16_t count = 0;
+        if (!Count(count, [&] { return kind + " count"; })) {
+            return false;
+        }
+        m_store.listCount(s) = count;
+        auto& lists = m_store.lists(s);
+        lists.assign(ArraySizeFor(count), DisplayList{});
+        for (int i = 0; i < count; ++i) {
+            DisplayList& list = lists[static_cast<size_t>(i)];
+            const auto what = [&](const char* field) {
+                return kind + " " + std::to_string(i) + " " + field;
+            };
+            if (!Text(kNameWidth, list.name, [&] { return what("name"); })) {
+                return false;
+            }
+            if (!Count(list.channelCount, [&] { return what("channel count"); })) {
+                return false;
+            }
+            list.channels.assign(ArraySizeFor(list.channelCount), 0);
+            for (int k = 0; k < list.channelCount; ++k) {
+                if (!Int(list.channels[static_cast<size_t>(k)], [&] {
+                        return kind + " " + std::to_string(i) + " channel " + std::to_string(k);
+                    })) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    bool ReadUserGroups() {
+        int16_t count = 0;
+        if (!Count(count, [] { return std::string("user group count"); })) {
+            return false;
+        }
+        m_store.userGroupCount = count;
+        m_store.userGroupNames.assign(ArraySizeFor(count), std::string());
+        m_store.userGroups.assign(ArraySizeFor(count), UserGroup{});
+        m_store.userGroupIndex.assign(ArraySizeFor(count), 0);
+        m_store.userGroupNumber.assign(ArraySizeFor(count), 0);
+        for (int i = 0; i < count; ++i) {
+            const auto pos = static_cast<size_t>(i);
+            UserGroup& group = m_store.userGroups[pos];
+            const auto what = [&](const std::string& field) {
+                return "user group " + std::to_string(i) + " " + field;
+            };
+            if (!Text(kNameWidth, m_store.userGroupNames[pos], [&] { return what("name"); })) {
+                return false;
+            }
+            if (!Count(group.listCount, [&] { return what("list count"); })) {
+                return false;
+            }
+            group.listIndexes.assign(ArraySizeFor(group.listCount), 0);
+            group.listTypes.assign(ArraySizeFor(group.listCount), 0);
+            for (int k = 0; k < group.listCount; ++k) {
+                const auto entry = static_cast<size_t>(k);
+                if (!Int(group.listIndexes[entry],
+                         [&] { return what("entry " + std::to_string(k) + " list position"); }) ||
+                    !Int(group.listTypes[entry],
+                         [&] { return what("entry " + std::to_string(k) + " list type"); })) {
+                    return false;
+                }
+            }
+            m_store.userGroupIndex[pos] = static_cast<int16_t>(i);
+            m_store.userGroupNumber[pos] = static_cast<int16_t>(i);
+        }
+        return true;
+    }
+
+    bool ReadTemplates() {
+        int16_t count = 0;
+        if (!Count(count, [] { return std::string("template count"); })) {
+            return false;
+        }
+        // TemplateIndex and TemplatePosition are deliberately left alone:
+        // loading a file does not touch that pair.
+        m_store.templateCount = count;
+        m_store.templateNames.assign(ArraySizeFor(count), std::string());
+        m_store.buttonTemplates.assign(ArraySizeFor(count), ButtonTemplate{});
+        const bool hasNumbers = m_version > 1;
+        for (int i = 0; i < count; ++i) {
+            const auto pos = static_cast<size_t>(i);
+            ButtonTemplate& tmpl = m_store.buttonTemplates[pos];
+            const auto what = [&](const std::string& field) {
+                return "template " + std::to_string(i) + " " + field;
+            };
+            if (!Text(kNameWidth, m_store.templateNames[pos], [&] { return what("name"); })) {
+                return false;
+            }
+            if (hasNumbers && !Int(tmpl.number, [&] { return what("number"); })) {
+                return false;
+            }
+            if (!Count(tmpl.buttonCount, [&] { return what("button count"); })) {
+                return false;
+            }
+            tmpl.buttons.assign(ArraySizeFor(tmpl.buttonCount), PanelButton{});
+            for (int k = 0; k < tmpl.buttonCount; ++k) {
+                PanelButton& button = tmpl.buttons[static_cast<size_t>(k)];
+                const auto field = [&](const char* name) {
+                    return what("button " + std::to_string(k) + " " + name);
+                };
+                if (!Int(button.type, [&] { return field("type"); }) ||
+                    (hasNumbers &&
+                     !Int(button.captionOption, [&] { return field("caption option"); })) ||
+                    !Int(button.channel, [&] { return field("channel"); }) ||
+                    !Int(button.channel2, [&] { return field("channel 2"); }) ||
+                    !Text(kLabelWidth, button.label, [&] { return field("label"); })) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    ByteReader m_in;
+    PanelStore& m_store;
+    int16_t m_version = 3;
+    Status m_status;
+};
+
+// A count as written: negative counts (never made by the store's own
+// operations) are written as 0 so that the file stays readable.
+int16_t CountToWrite(int16_t count) {
+    return count < 0 ? int16_t{0} : count;
+}
+
+template <typename T> const T& At(const std::vector<T>& v, int i) {
+    static const T kEmpty{};
+    const auto pos = static_cast<size_t>(i);
+    return pos < v.size() ? v[pos] : kEmpty;
+}
+
+Status IoFailure(ErrorCode code, const std::string& what, int err) {
+    return Status::Fail(code, what + ": " + std::strerror(err));
+}
+
+// The encoded size, so the output is allocated once.
+size_t EncodedSize(const PanelStore& store) {
+    size_t size = 8 + 4 * 2 + 2 + 2;
+    for (SubType s : kAllSubTypes) {
+        for (int i = 0; i < CountToWrite(store.listCount(s)); ++i) {
+            size += kNameWidth + 2 + 2 * size_t(CountToWrite(At(store.lists(s), i).channelCount));
+        }
+    }
+    for (int i = 0; i < CountToWrite(store.userGroupCount); ++i) {
+        size += kNameWidth + 2 + 4 * size_t(CountToWrite(At(store.userGroups, i).listCount));
+    }
+    for (int i = 0; i < CountToWrite(store.templateCount); ++i) {
+        size += kNameWidth + 4 +
+                (8 + kLabelWidth) * size_t(CountToWrite(At(store.buttonTemplates, i).buttonCount));
+    }
+    return size;
+}
+
+} // namespace
+
+LoadResult LoadPanelData(std::string_view bytes, PanelStore& store) {
+    store.ResetToDefaults();
+    return PanelDataReader(bytes, store).Read();
+}
+
+LoadResult LoadPanelDataFile(const std::string& path, PanelStore& store) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
+        LoadResult result;
+        result.outcome = LoadOutcome::NoFile;
+        result.status = Status::Fail(ErrorCode::FileNotFound, "no such file");
+        return result;
+    }
+    store.ResetToDefaults();
+    if (std::filesystem::is_directory(path, ec)) {
+        LoadResult result;
+        result.outcome = LoadOutcome::Failed;
+        result.status = Status::Fail(ErrorCode::PathFileAccessError, "is a folder, not a file");
+        return result;
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes;
+    if (in) {
+        bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
+    if (!in && !in.eof()) {
+        LoadResult result;
+        result.outcome = LoadOutcome::Failed;
+        result.status = IoFailure(ErrorCode::PathFileAccessError, "cannot read the file", errno);
+        return result;
+    }
+    return PanelDataReader(bytes, store).Read();
+}
+
+std::string EncodePanelData(const PanelStore& store) {
+    std::string out;
+    out.reserve(EncodedSize(store));
+    ByteWriter w(out);
+    w.WriteInt16(kPanelDataMarker);
+    w.WriteInt16(kPanelDataVersionEscape);
+    w.WriteInt16(kPanelDataVersion);
+    w.WriteInt16(0); // header text length
+
+    for (SubType s : kAllSubTypes) {
+        const int16_t count = CountToWrite(store.listCount(s));
+        w.WriteInt16(count);
+        for (int i = 0; i < count; ++i) {
+            const DisplayList& list = At(store.lists(s), i);
+            const int16_t channels = CountToWrite(list.channelCount);
+            w.WriteFixedText(list.name, kNameWidth);
+            w.WriteInt16(channels);
+            for (int k = 0; k < channels; ++k) {
+                w.WriteInt16(At(list.channels, k));
+            }
+        }
+    }
+
+    const int16_t groups = CountToWrite(store.userGroupCount);
+    w.WriteInt16(groups);
+    for (int i = 0; i < groups; ++i) {
+        const UserGroup& group = At(store.userGroups, i);
+        const int16_t entries = CountToWrite(group.listCount);
+        w.WriteFixedText(At(store.userGroupNames, i), kNameWidth);
+        w.WriteInt16(entries);
+        for (int k = 0; k < entries; ++k) {
+            w.WriteInt16(At(group.listIndexes, k));
+            w.WriteInt16(At(group.listTypes, k));
+        }
+    }
+
+    const int16_t templates = CountToWrite(store.templateCount);
+    w.WriteInt16(templates);
+    for (int i = 0; i < templates; ++i) {
+        const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+        const int16_t buttons = CountToWrite(tmpl.buttonCount);
+        w.WriteFixedText(At(store.templateNames, i), kNameWidth);
+        w.WriteInt16(tmpl.number);
+        w.WriteInt16(buttons);
+        for (int k = 0; k < buttons; ++k) {
+            const PanelButton& b = At(tmpl.buttons, k);
+            w.WriteInt16(b.type);
+            w.WriteInt16(b.captionOption);
+            w.WriteInt16(b.channel);
+            w.WriteInt16(b.channel2);
+            w.WriteFixedText(b.label, kLabelWidth);
+        }
+    }
+    return out;
+}
+
+Status ReplaceFileContents(const std::string& path, std::string_view bytes) {
+    namespace fs = std::filesystem;
+    const fs::path target(path);
+    if (target.filename().empty()) {
+        return Status::Fail(ErrorCode::BadFileName, "no file name in " + path);
+    }
+
+    // A new, exclusively created file beside the target, so the rename below
+    // stays within one file system and replaces the target in one step.
+    std::random_device seed;
+    std::mt19937 random(seed());
+    fs::path temp;
+    std::FILE* file = nullptr;
+    for (int attempt = 0; attempt < 16 && file == nullptr; ++attempt) {
+        temp = target;
+        temp += ".tmp" + std::to_string(random() % 1000000);
+        file = std::fopen(temp.c_str(), "wbx");
+        if (file == nullptr && errno != EEXIST) {
+            return IoFailure(ErrorCode::PathFileAccessError, "cannot create " + temp.string(),
+                             errno);
+        }
+    }
+    if (file == nullptr) {
+        return Status::Fail(ErrorCode::FileAlreadyExists,
+                            "cannot find a free temporary name beside " + path);
+    }
+
+    const bool written =
+        std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && std::fflush(file) == 0;
+    const int writeErr = errno;
+    const bool closed = std::fclose(file) == 0;
+    std::error_code ec;
+    if (!written || !closed) {
+        fs::remove(temp, ec);
+        return IoFailure(ErrorCode::DeviceIoError, "cannot write " + temp.string(),
+                         written ? errno : writeErr);
+    }
+    fs::rename(temp, target, ec);
+    if (ec) {
+        std::error_code ignored;
+        fs::remove(temp, ignored);
+        return Status::Fail(ErrorCode::PathFileAccessError,
+                            "cannot replace " + path + ": " + ec.message());
+    }
+    return Status::Ok();
+}
+
+Status SavePanelDataFile(const std::string& path, const PanelStore& store) {
+    return ReplaceFileContents(path, EncodePanelData(store));
+}
+
+} // namespace lumeth

@@ -1,0 +1,247 @@
+// The JSON document: its exact shape, strict reading with errors that name
+// the JSON path, Windows-1252 mapping of names and the round trip with the
+// panel data file.
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "files/json_document.h"
+#include "files/panel_data_file.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+namespace {
+
+using nlohmann::json;
+
+PanelStore SmallStore() {
+    PanelStore s;
+    s.ResetToDefaults();
+    s.lists(SubType::Input)[0] = DisplayList{2, "Mics            ", {0, 4}};
+    s.listCount(SubType::Output) = 0;
+    s.lists(SubType::Relay)[0] = DisplayList{1, "Lights", {16383}};
+    s.userGroupNames[0] = "Studio A";
+    s.userGroups[0] = UserGroup{2, {0, 0}, {11, 41}};
+    s.templateNames[0] = "Desk";
+    s.buttonTemplates[0].number = 3;
+    s.buttonTemplates[0].buttonCount = 1;
+    s.buttonTemplates[0].buttons[0] = PanelButton{1010, 1, "ON AIR", 2, 7};
+    return s;
+}
+
+// The document SmallStore() must give, written out by hand.
+const char* const kSmallDocument = R"({
+  "format": "lumeth-panel-data", "version": 1,
+  "display_lists": {
+    "input": [ {"name": "Mics            ", "channels": [0, 4]} ],
+    "output": [],
+    "opto": [ {"name": "First Opto List", "channels": []} ],
+    "relay": [ {"name": "Lights", "channels": [16383]} ] },
+  "user_groups": [ {"name": "Studio A", "lists": [ {"type": 11, "index": 0}, {"type": 41, "index": 0} ]} ],
+  "templates": [ {"name": "Desk", "number": 3, "buttons": [
+      {"type": 1010, "caption_option": 1, "label": "ON AIR", "channel": 2, "channel2": 7} ]} ]
+})";
+
+TEST(JsonDocument, WritesTheSchemaInKeyOrder) {
+    const std::string text = WriteJsonDocument(SmallStore());
+    EXPECT_EQ(json::parse(text), json::parse(kSmallDocument));
+    // Pretty-printed, two-space indent, keys in schema order, newline at end.
+    EXPECT_EQ(text.rfind("{\n  \"format\": \"lumeth-panel-data\",\n  \"version\": 1,\n", 0), 0u);
+    EXPECT_LT(text.find("\"display_lists\""), text.find("\"user_groups\""));
+    EXPECT_LT(text.find("\"user_groups\""), text.find("\"templates\""));
+    EXPECT_EQ(text.back(), '\n');
+    EXPECT_EQ(text.find("alphas"), std::string::npos);
+    EXPECT_EQ(text.find("password"), std::string::npos);
+}
+
+TEST(JsonDocument, AlphasAndPasswordAreOptionalParts) {
+    PanelStore s = SmallStore();
+    s.alpha(SubType::Input).channelNames = {"MIC 2", "MIC 1"};
+    JsonDocumentOptions options;
+    options.includeAlphas = true;
+    options.password = "studio";
+    const json doc = json::parse(WriteJsonDocument(s, options));
+    EXPECT_EQ(doc["alphas"]["input"], json::array({"MIC 2", "MIC 1"}));
+    EXPECT_EQ(doc["alphas"]["relay"], json::array());
+    EXPECT_EQ(doc["password"], "studio");
+
+    PanelStore back;
+    const JsonReadResult r = ReadJsonDocument(doc.dump(), back);
+    ASSERT_TRUE(r.status.ok()) << r.status.failure().detail;
+    EXPECT_TRUE(r.hasAlphas);
+    EXPECT_EQ(r.password, "studio");
+    const AlphaTable& in = back.alpha(SubType::Input);
+    EXPECT_EQ(in.count, 2);
+    EXPECT_EQ(in.channelNames, (std::vector<std::string>{"MIC 2", "MIC 1"}));
+    EXPECT_EQ(in.names, (std::vector<std::string>{"MIC 1", "MIC 2"}));
+    EXPECT_EQ(in.numbers, (std::vector<int16_t>{1, 0}));
+}
+
+TEST(JsonDocument, ReadsBackWhatItWrites) {
+    PanelStore back;
+    back.alpha(SubType::Opto).channelNames = {"kept"};
+    const JsonReadResult r = ReadJsonDocument(WriteJsonDocument(SmallStore()), back);
+    ASSERT_TRUE(r.status.ok()) << r.status.failure().detail;
+    EXPECT_FALSE(r.hasAlphas);
+    EXPECT_FALSE(r.password.has_value());
+    EXPECT_EQ(EncodePanelData(back), EncodePanelData(SmallStore()));
+    EXPECT_EQ(back.lists(SubType::Input)[0].name, "Mics            ");
+    EXPECT_EQ(back.listCount(SubType::Output), 0);
+    EXPECT_EQ(back.lists(SubType::Output).size(), 1u);
+    // Without an alphas section the tables stay as they were.
+    EXPECT_EQ(back.alpha(SubType::Opto).channelNames, std::vector<std::string>{"kept"});
+}
+
+TEST(JsonDocument, MissingSectionsMeanEmptyAndPairsArePositions) {
+    PanelStore s;
+    ASSERT_TRUE(ReadJsonDocument(R"({"format": "lumeth-panel-data", "version": 1,
+        "user_groups": [{"name": "A", "lists": []}, {"name": "B", "lists": []}],
+        "templates": [{"name": "T", "number": 0, "buttons": []},
+                      {"name": "U", "number": 0, "buttons": []}]})",
+                                 s)
+                    .status.ok());
+    for (SubType t : kAllSubTypes) {
+        EXPECT_EQ(s.listCount(t), 0);
+        EXPECT_EQ(s.lists(t).size(), 1u);
+    }
+    EXPECT_EQ(s.userGroupIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.userGroupNumber, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templateIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templatePosition, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.buttonTemplates[1].buttons.size(), 1u);
+}
+
+TEST(JsonDocument, NamesMapThroughWindows1252) {
+    PanelStore s;
+    s.ResetToDefaults();
+    s.userGroupNames[0] = "Caf\xE9 \x80\x81";
+    const json doc = json::parse(WriteJsonDocument(s));
+    EXPECT_EQ(doc["user_groups"][0]["name"], "Caf\u00E9 \u20AC\u0081");
+
+    // 16 two-byte characters fit; characters outside the table become '?'.
+    std::string sixteen;
+    for (int i = 0; i < 16; ++i) {
+        sixteen += "\u00E9";
+    }
+    json in = json::parse(kSmallDocument);
+    in["user_groups"][0]["name"] = sixteen;
+    in["templates"][0]["name"] = "\u65E5\u00FF";
+    PanelStore back;
+    ASSERT_TRUE(ReadJsonDocument(in.dump(), back).status.ok());
+    EXPECT_EQ(back.userGroupNames[0], std::string(16, '\xE9'));
+    EXPECT_EQ(back.templateNames[0], "?\xFF");
+
+    in["user_groups"][0]["name"] = sixteen + "x";
+    EXPECT_EQ(ReadJsonDocument(in.dump(), back).status.failure().detail,
+              "user_groups[0].name: longer than 16 characters");
+}
+
+// Each case changes the small document in one place; reading must fail with
+// exactly this message and leave the store untouched.
+TEST(JsonDocument, StrictReadingNamesThePath) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {R"({"format": "lumeth-panel-data"})", "version: missing"},
+        {R"({"version": 1})", "format: missing"},
+        {R"({"format": "other", "version": 1})", "format: expected \"lumeth-panel-data\""},
+        {R"({"format": "lumeth-panel-data", "version": 2})",
+         "version: unsupported version (expected 1)"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "extra": 0})", "extra: unknown key"},
+        {R"([1])", "(document): expected an object, found array"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"mixer": []}})",
+         "display_lists.mixer: unknown key"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": []})",
+         "display_lists: expected an object, found array"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"input": [
+            {"name": "a", "channels": []}, {"name": "b", "channels": []},
+            {"name": "c", "channels": []}, {"name": "12345678901234567", "channels": []}]}})",
+         "display_lists.input[3].name: longer than 16 characters"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"opto": [
+            {"name": "a", "channels": [0, 16384]}]}})",
+         "display_lists.opto[0].channels[1]: out of range 0..16383"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"relay": [
+            {"name": "a", "channels": [-1]}]}})",
+         "display_lists.relay[0].channels[0]: out of range 0..16383"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"input": [
+            {"name": "a", "channels": [1.5]}]}})",
+         "display_lists.input[0].channels[0]: expected an integer, found a fractional number"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"input": [
+            {"name": 7, "channels": []}]}})",
+         "display_lists.input[0].name: expected a string, found an integer"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "display_lists": {"input": [
+            {"name": "a"}]}})",
+         "display_lists.input[0].channels: missing"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "user_groups": [
+            {"name": "g", "lists": [{"type": 11, "index": 40000}]}]})",
+         "user_groups[0].lists[0].index: out of range -32768..32767"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "user_groups": [
+            {"name": "g", "lists": [{"type": true, "index": 0}]}]})",
+         "user_groups[0].lists[0].type: expected an integer, found boolean"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "templates": [
+            {"name": "t", "number": 0, "buttons": [{"type": 40, "caption_option": 0,
+             "label": "123456789", "channel": 0, "channel2": 0}]}]})",
+         "templates[0].buttons[0].label: longer than 8 characters"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "templates": [
+            {"name": "t", "number": 0, "buttons": [{"type": 40, "caption_option": 0,
+             "label": "", "channel": 0, "channel2": 0, "colour": 1}]}]})",
+         "templates[0].buttons[0].colour: unknown key"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "templates": [
+            {"name": "t", "number": 18446744073709551615, "buttons": []}]})",
+         "templates[0].number: out of range -32768..32767"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "alphas": {"input": ["A", 3]}})",
+         "alphas.input[1]: expected a string, found an integer"},
+        {R"({"format": "lumeth-panel-data", "version": 1, "password": 1234})",
+         "password: expected a string, found an integer"},
+    };
+    for (const auto& [text, message] : cases) {
+        SCOPED_TRACE(text);
+        PanelStore store = SmallStore();
+        store.alpha(SubType::Input).channelNames = {"X"};
+        const std::string before = EncodePanelData(store);
+        const JsonReadResult r = ReadJsonDocument(text, store);
+        EXPECT_FALSE(r.status.ok());
+        EXPECT_EQ(r.status.failure().detail, message);
+        EXPECT_EQ(EncodePanelData(store), before);
+        EXPECT_EQ(store.alpha(SubType::Input).channelNames, std::vector<std::string>{"X"});
+        EXPECT_FALSE(r.hasAlphas);
+    }
+}
+
+TEST(JsonDocument, SyntaxErrorsSayWhere) {
+    PanelStore store;
+    const JsonReadResult r =
+        ReadJsonDocument("{\n  \"format\": \"lumeth-panel-data\",\n  oops\n}", store);
+    ASSERT_FALSE(r.status.ok());
+    const std::string& detail = r.status.failure().detail;
+    EXPECT_EQ(detail.rfind("invalid JSON: ", 0), 0u) << detail;
+    EXPECT_NE(detail.find("line 3"), std::string::npos) << detail;
+    EXPECT_FALSE(ReadJsonDocument("", store).status.ok());
+    EXPECT_FALSE(ReadJsonDocument("{\"format\": \"\xFF\"}", store).status.ok()); // bad UTF-8
+}
+
+// A version-3 panel data file survives the trip through the JSON document
+// byte for byte, including blank-padded names, bytes above 0x7F, negative
+// codes and "no channel".
+TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
+    PanelStore s;
+    s.ResetToDefaults();
+    s.lists(SubType::Opto)[0] = DisplayList{3, "Tally \x81\x9D\xFF      ", {0, 16383, 9}};
+    s.userGroups[0] = UserGroup{1, {-1}, {99}};
+    s.buttonTemplates[0].number = -7;
+    s.buttonTemplates[0].buttonCount = 2;
+    s.buttonTemplates[0].buttons = {PanelButton{-5, 2, "\x80uro    ", 16383, 0},
+                                    PanelButton::Cleared()};
+    const std::string file = EncodePanelData(s);
+
+    PanelStore loaded;
+    ASSERT_EQ(LoadPanelData(file, loaded).outcome, LoadOutcome::Loaded);
+    PanelStore viaJson;
+    const JsonReadResult r = ReadJsonDocument(WriteJsonDocument(loaded), viaJson);
+    ASSERT_TRUE(r.status.ok()) << r.status.failure().detail;
+    EXPECT_EQ(EncodePanelData(viaJson), file);
+}
+
+} // namespace
+} // namespace lumeth

@@ -1,0 +1,434 @@
+// Panel data file: golden files are assembled here field by field from the
+// file layout (little-endian 16-bit integers, blank-padded texts), never from
+// the encoder under test. The builder also records where each field starts
+// and what it is, so truncation can be checked at every byte.
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "files/panel_data_file.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Golden {
+public:
+    Golden& I16(int v, std::string what = "") {
+        Mark(2, std::move(what));
+        const auto u = static_cast<uint16_t>(static_cast<int16_t>(v));
+        m_bytes.push_back(static_cast<char>(u & 0xFF));
+        m_bytes.push_back(static_cast<char>(u >> 8));
+        return *this;
+    }
+    // `text` must already have its field width.
+    Golden& Text(const std::string& text, std::string what = "") {
+        Mark(text.size(), std::move(what));
+        m_bytes += text;
+        return *this;
+    }
+    const std::string& bytes() const { return m_bytes; }
+
+    // The field that holds byte `at`: its start and description.
+    std::pair<size_t, std::string> FieldAt(size_t at) const {
+        for (const auto& f : m_fields) {
+            if (at >= f.start && at < f.start + f.width) {
+                return {f.start, f.what};
+            }
+        }
+        return {0, ""};
+    }
+
+private:
+    struct Field {
+        size_t start;
+        size_t width;
+        std::string what;
+    };
+    void Mark(size_t width, std::string what) {
+        m_fields.push_back({m_bytes.size(), width, std::move(what)});
+    }
+    std::string m_bytes;
+    std::vector<Field> m_fields;
+};
+
+std::string Pad(const std::string& s, size_t width) {
+    return s + std::string(width - s.size(), ' ');
+}
+
+// A version-3 file with every kind of record, including a zero-count list, a
+// mixed user group and buttons using both channel fields.
+Golden Version3File() {
+    Golden g;
+    g.I16(140, "marker").I16(16383, "version escape or header text length");
+    g.I16(3, "version").I16(0, "header text length");
+    // Input: two lists.
+    g.I16(2, "Input display list count");
+    g.Text(Pad("Mics", 16), "Input display list 0 name");
+    g.I16(3, "Input display list 0 channel count");
+    g.I16(0, "Input display list 0 channel 0").I16(5, "Input display list 0 channel 1");
+    g.I16(47, "Input display list 0 channel 2");
+    g.Text(Pad("Empty", 16), "Input display list 1 name");
+    g.I16(0, "Input display list 1 channel count");
+    // Output: one list.
+    g.I16(1, "Output display list count");
+    g.Text(Pad("Studio Outs", 16), "Output display list 0 name");
+    g.I16(1, "Output display list 0 channel count").I16(31, "Output display list 0 channel 0");
+    // Opto: none. Relay: one list with a full 16-character name.
+    g.I16(0, "Opto display list count");
+    g.I16(1, "Relay display list count");
+    g.Text("Lights and Locks", "Relay display list 0 name");
+    g.I16(1, "Relay display list 0 channel count").I16(2, "Relay display list 0 channel 0");
+    // User groups: two.
+    g.I16(2, "user group count");
+    g.Text(Pad("Studio A", 16), "user group 0 name");
+    g.I16(2, "user group 0 list count");
+    g.I16(0, "user group 0 entry 0 list position").I16(11, "user group 0 entry 0 list type");
+    g.I16(0, "user group 0 entry 1 list position").I16(41, "user group 0 entry 1 list type");
+    g.Text(Pad("Newsroom", 16), "user group 1 name");
+    g.I16(1, "user group 1 list count");
+    g.I16(0, "user group 1 entry 0 list position").I16(21, "user group 1 entry 0 list type");
+    // Templates: two.
+    g.I16(2, "template count");
+    g.Text(Pad("Desk", 16), "template 0 name");
+    g.I16(7, "template 0 number");
+    g.I16(2, "template 0 button count");
+    g.I16(40, "template 0 button 0 type").I16(1, "template 0 button 0 caption option");
+    g.I16(4, "template 0 button 0 channel").I16(16383, "template 0 button 0 channel 2");
+    g.Text("CD ONE  ", "template 0 button 0 label");
+    g.I16(1010, "template 0 button 1 type").I16(0, "template 0 button 1 caption option");
+    g.I16(3, "template 0 button 1 channel").I16(9, "template 0 button 1 channel 2");
+    g.Text(Pad("", 8), "template 0 button 1 label");
+    g.Text(Pad("Spare", 16), "template 1 name");
+    g.I16(-2, "template 1 number");
+    g.I16(0, "template 1 button count");
+    return g;
+}
+
+void ExpectDefaultNames(const PanelStore& s) {
+    EXPECT_EQ(s.lists(SubType::Input)[0].name, "First In List");
+    EXPECT_EQ(s.lists(SubType::Output)[0].name, "First Out List");
+    EXPECT_EQ(s.lists(SubType::Opto)[0].name, "First Opto List");
+    EXPECT_EQ(s.lists(SubType::Relay)[0].name, "First Relay List");
+    EXPECT_EQ(s.userGroupNames[0], "No Users");
+    EXPECT_EQ(s.templateNames[0], "None");
+}
+
+TEST(PanelDataFile, Version3GoldenLoadsAndEncodesByteExactly) {
+    const Golden g = Version3File();
+    PanelStore store;
+    const LoadResult r = LoadPanelData(g.bytes(), store);
+    ASSERT_EQ(r.outcome, LoadOutcome::Loaded) << r.status.failure().detail;
+    EXPECT_EQ(r.version, 3);
+
+    EXPECT_EQ(store.listCount(SubType::Input), 2);
+    EXPECT_EQ(store.lists(SubType::Input)[0].name, Pad("Mics", 16)); // blanks kept
+    EXPECT_EQ(store.lists(SubType::Input)[0].channels, (std::vector<int16_t>{0, 5, 47}));
+    EXPECT_EQ(store.lists(SubType::Input)[1].channelCount, 0);
+    EXPECT_EQ(store.lists(SubType::Input)[1].channels.size(), 1u);
+    EXPECT_EQ(store.listCount(SubType::Opto), 0);
+    EXPECT_EQ(store.lists(SubType::Opto).size(), 1u);
+    EXPECT_EQ(store.lists(SubType::Relay)[0].name, "Lights and Locks");
+
+    ASSERT_EQ(store.userGroupCount, 2);
+    EXPECT_EQ(store.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
+    EXPECT_EQ(store.userGroups[1].listTypes, (std::vector<int16_t>{21}));
+    EXPECT_EQ(store.userGroupIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(store.userGroupNumber, (std::vector<int16_t>{0, 1}));
+
+    ASSERT_EQ(store.templateCount, 2);
+    EXPECT_EQ(store.buttonTemplates[0].number, 7);
+    EXPECT_EQ(store.buttonTemplates[1].number, -2);
+    const PanelButton& b1 = store.buttonTemplates[0].buttons[1];
+    EXPECT_EQ(b1.type, 1010);
+    EXPECT_EQ(b1.channel, 3);
+    EXPECT_EQ(b1.channel2, 9);
+    EXPECT_EQ(store.buttonTemplates[0].buttons[0].label, "CD ONE  ");
+    EXPECT_EQ(store.buttonTemplates[0].buttons[0].captionOption, 1);
+    // Loading sizes and sets the group pair but leaves the template pair as
+    // the reset left it.
+    EXPECT_EQ(store.templateIndex.size(), 1u);
+    EXPECT_EQ(store.templatePosition.size(), 1u);
+
+    EXPECT_EQ(EncodePanelData(store), g.bytes());
+}
+
+// Versions 0-2 share the layout without Opto and Relay sections; version 0
+// has no escape and no version field, versions below 2 have no template
+// numbers and caption options. Header text is skipped whatever it holds.
+std::string OldFile(int version) {
+    Golden g;
+    g.I16(140);
+    if (version > 0) {
+        g.I16(16383).I16(version);
+    }
+    g.I16(5).Text("notes");
+    g.I16(1).Text(Pad("Mics", 16)).I16(1).I16(3);
+    g.I16(1).Text(Pad("Outs", 16)).I16(2).I16(0).I16(1);
+    g.I16(1).Text(Pad("Group", 16)).I16(1).I16(0).I16(21);
+    g.I16(1).Text(Pad("Desk", 16));
+    if (version > 1) {
+        g.I16(12);
+    }
+    g.I16(1).I16(150);
+    if (version > 1) {
+        g.I16(1);
+    }
+    g.I16(6).I16(16383).Text("TALK    ");
+    return g.bytes();
+}
+
+TEST(PanelDataFile, OlderVersionsFollowTheirLayout) {
+    for (int version : {0, 1, 2}) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        PanelStore store;
+        const LoadResult r = LoadPanelData(OldFile(version), store);
+        ASSERT_EQ(r.outcome, LoadOutcome::Loaded) << r.status.failure().detail;
+        EXPECT_EQ(r.version, version);
+        EXPECT_EQ(store.lists(SubType::Input)[0].channels[0], 3);
+        EXPECT_EQ(store.lists(SubType::Output)[0].channels, (std::vector<int16_t>{0, 1}));
+        EXPECT_EQ(store.userGroups[0].listTypes[0], 21);
+        // Opto and Relay keep their default single list.
+        EXPECT_EQ(store.listCount(SubType::Opto), 1);
+        EXPECT_EQ(store.lists(SubType::Opto)[0].name, "First Opto List");
+        EXPECT_EQ(store.lists(SubType::Relay)[0].name, "First Relay List");
+        const PanelButton& b = store.buttonTemplates[0].buttons[0];
+        EXPECT_EQ(b.type, 150);
+        EXPECT_EQ(b.channel, 6);
+        EXPECT_EQ(b.label, "TALK    ");
+        EXPECT_EQ(store.buttonTemplates[0].number, version > 1 ? 12 : 0);
+        EXPECT_EQ(b.captionOption, version > 1 ? 1 : 0);
+    }
+}
+
+TEST(PanelDataFile, NamesAndLabelsAreCutOrPaddedToTheirWidth) {
+    PanelStore store;
+    store.ResetToDefaults();
+    store.lists(SubType::Input)[0].name = "ABCDEFGHIJKLMNOPQRST"; // 20 characters
+    store.lists(SubType::Output)[0].name = "Abc";
+    store.templateNames[0] = "";
+    store.buttonTemplates[0].buttonCount = 2;
+    store.buttonTemplates[0].buttons = {PanelButton::Cleared(), PanelButton::Cleared()};
+    store.buttonTemplates[0].buttons[0].label = "0123456789";
+    store.buttonTemplates[0].buttons[1].label = "ab";
+
+    const std::string bytes = EncodePanelData(store);
+    // Header (8 bytes), Input count (2), then the name and the channel count.
+    EXPECT_EQ(bytes.substr(10, 18), std::string("ABCDEFGHIJKLMNOP\0\0", 18));
+
+    PanelStore back;
+    ASSERT_EQ(LoadPanelData(bytes, back).outcome, LoadOutcome::Loaded);
+    EXPECT_EQ(back.lists(SubType::Input)[0].name, "ABCDEFGHIJKLMNOP");
+    EXPECT_EQ(back.lists(SubType::Output)[0].name, "Abc" + std::string(13, ' '));
+    EXPECT_EQ(back.templateNames[0], std::string(16, ' '));
+    EXPECT_EQ(back.buttonTemplates[0].buttons[0].label, "01234567");
+    EXPECT_EQ(back.buttonTemplates[0].buttons[1].label, "ab      ");
+}
+
+TEST(PanelDataFile, ZeroCountsWriteNoRecordsAndLoadAsOneSpareEntry) {
+    PanelStore store;
+    store.ResetToDefaults();
+    for (SubType s : kAllSubTypes) {
+        store.listCount(s) = 0;
+    }
+    store.userGroupCount = 0;
+    store.templateCount = 0;
+    const std::string expected = Golden()
+                                     .I16(140)
+                                     .I16(16383)
+                                     .I16(3)
+                                     .I16(0)
+                                     .I16(0)
+                                     .I16(0)
+                                     .I16(0)
+                                     .I16(0)
+                                     .I16(0)
+                                     .I16(0)
+                                     .bytes();
+    ASSERT_EQ(EncodePanelData(store), expected);
+
+    PanelStore back;
+    ASSERT_EQ(LoadPanelData(expected, back).outcome, LoadOutcome::Loaded);
+    for (SubType s : kAllSubTypes) {
+        EXPECT_EQ(back.listCount(s), 0);
+        EXPECT_EQ(back.lists(s).size(), 1u);
+    }
+    EXPECT_EQ(back.userGroupCount, 0);
+    EXPECT_EQ(back.userGroups.size(), 1u);
+    EXPECT_EQ(back.userGroupIndex.size(), 1u);
+    EXPECT_EQ(back.templateCount, 0);
+    EXPECT_EQ(back.buttonTemplates.size(), 1u);
+}
+
+TEST(PanelDataFile, WrongMarkerLeavesTheDefaults) {
+    PanelStore store;
+    LoadPanelData(Version3File().bytes(), store); // something other than the defaults
+    // 140 with its bytes swapped reads as 0x8C00.
+    const std::string swapped = std::string("\x00\x8C", 2) + Version3File().bytes().substr(2);
+    const LoadResult r = LoadPanelData(swapped, store);
+    EXPECT_EQ(r.outcome, LoadOutcome::NotPanelData);
+    EXPECT_NE(r.status.failure().detail.find(std::to_string(int16_t(0x8C00))), std::string::npos);
+    EXPECT_NE(r.status.failure().detail.find("140"), std::string::npos);
+    EXPECT_EQ(store.listCount(SubType::Input), 1);
+    EXPECT_EQ(store.userGroupCount, 1);
+    EXPECT_EQ(store.templateCount, 1);
+    ExpectDefaultNames(store);
+
+    EXPECT_EQ(LoadPanelData("", store).outcome, LoadOutcome::NotPanelData);
+    EXPECT_EQ(LoadPanelData(std::string(1, '\x8C'), store).outcome, LoadOutcome::NotPanelData);
+}
+
+TEST(PanelDataFile, TruncationAtEveryByteNamesTheField) {
+    const Golden g = Version3File();
+    for (size_t cut = 2; cut < g.bytes().size(); ++cut) {
+        SCOPED_TRACE("cut at " + std::to_string(cut));
+        PanelStore store;
+        const LoadResult r = LoadPanelData(std::string_view(g.bytes()).substr(0, cut), store);
+        ASSERT_EQ(r.outcome, LoadOutcome::Failed);
+        const auto [start, what] = g.FieldAt(cut);
+        EXPECT_EQ(r.status.failure().detail,
+                  "truncated at byte " + std::to_string(start) + " reading " + what);
+        EXPECT_EQ(r.status.failure().code, ErrorCode::InputPastEndOfFile);
+    }
+}
+
+TEST(PanelDataFile, FailedLoadKeepsWhatWasReadOnTopOfTheDefaults) {
+    const Golden g = Version3File();
+    // Cut inside the name of user group 1.
+    const size_t cut = g.bytes().find("Newsroom") + 3;
+    PanelStore store;
+    ASSERT_EQ(LoadPanelData(std::string_view(g.bytes()).substr(0, cut), store).outcome,
+              LoadOutcome::Failed);
+    EXPECT_EQ(store.listCount(SubType::Input), 2);
+    EXPECT_EQ(store.lists(SubType::Relay)[0].name, "Lights and Locks");
+    EXPECT_EQ(store.userGroupCount, 2);
+    EXPECT_EQ(store.userGroupNames[0], Pad("Studio A", 16));
+    EXPECT_EQ(store.userGroups[0].listCount, 2);
+    EXPECT_EQ(store.userGroupNames.size(), 2u);
+    EXPECT_EQ(store.userGroupIndex.size(), 2u);
+    // Templates were never reached.
+    EXPECT_EQ(store.templateCount, 1);
+    EXPECT_EQ(store.templateNames[0], "None");
+}
+
+TEST(PanelDataFile, NegativeCountsAreAnErrorNotACrash) {
+    // A damaged count: the load stops there, the section keeps its default.
+    const std::string badListCount =
+        Golden().I16(140).I16(16383).I16(3).I16(0).I16(-1).bytes() + std::string(64, '\0');
+    PanelStore store;
+    LoadResult r = LoadPanelData(badListCount, store);
+    EXPECT_EQ(r.outcome, LoadOutcome::Failed);
+    EXPECT_EQ(r.status.failure().detail, "negative Input display list count -1 at byte 8");
+    EXPECT_EQ(store.listCount(SubType::Input), 1);
+    ExpectDefaultNames(store);
+
+    const std::string badChannels =
+        Golden().I16(140).I16(16383).I16(3).I16(0).I16(1).Text(Pad("L", 16)).I16(-32768).bytes();
+    r = LoadPanelData(badChannels, store);
+    EXPECT_EQ(r.outcome, LoadOutcome::Failed);
+    EXPECT_NE(r.status.failure().detail.find("negative Input display list 0 channel count"),
+              std::string::npos);
+
+    const std::string badHeader = Golden().I16(140).I16(-3).bytes();
+    EXPECT_EQ(LoadPanelData(badHeader, store).outcome, LoadOutcome::Failed);
+}
+
+// ---- files on disk ----------------------------------------------------------
+
+class PanelDataFileOnDisk : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "lumeth-pdf-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        m_dir = pattern;
+    }
+    void TearDown() override { fs::remove_all(m_dir); }
+
+    static std::string ReadAll(const fs::path& p) {
+        std::ifstream in(p, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    }
+    static void WriteAll(const fs::path& p, const std::string& bytes) {
+        std::ofstream(p, std::ios::binary) << bytes;
+    }
+    size_t FilesInDir() const {
+        return static_cast<size_t>(std::distance(fs::directory_iterator(m_dir), {}));
+    }
+
+    fs::path m_dir;
+};
+
+TEST_F(PanelDataFileOnDisk, SaveReplacesAnExistingFileEntirely) {
+    const fs::path path = m_dir / kDefaultPanelDataFileName;
+    WriteAll(path, std::string(5000, 'x'));
+    PanelStore store;
+    ASSERT_EQ(LoadPanelData(Version3File().bytes(), store).outcome, LoadOutcome::Loaded);
+    ASSERT_TRUE(SavePanelDataFile(path.string(), store).ok());
+    EXPECT_EQ(ReadAll(path), Version3File().bytes());
+    EXPECT_EQ(FilesInDir(), 1u); // no temporary file left behind
+
+    PanelStore back;
+    const LoadResult r = LoadPanelDataFile(path.string(), back);
+    EXPECT_EQ(r.outcome, LoadOutcome::Loaded);
+    EXPECT_EQ(EncodePanelData(back), Version3File().bytes());
+}
+
+TEST_F(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
+    const fs::path path = m_dir / "panel.dat";
+    const std::string old = Version3File().bytes();
+    WriteAll(path, old);
+
+    PanelStore big;
+    big.ResetToDefaults();
+    big.lists(SubType::Input)[0].channelCount = 4000;
+    big.lists(SubType::Input)[0].channels.assign(4000, 1);
+
+    // A file size limit makes the write fail part-way, even for root.
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limited = saved;
+    limited.rlim_cur = 1024;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const Status status = SavePanelDataFile(path.string(), big);
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previousHandler);
+
+    EXPECT_FALSE(status.ok());
+    EXPECT_EQ(ReadAll(path), old);
+    EXPECT_EQ(FilesInDir(), 1u);
+}
+
+TEST_F(PanelDataFileOnDisk, SaveIntoAMissingFolderFailsCleanly) {
+    const fs::path path = m_dir / "no-such-folder" / "panel.dat";
+    PanelStore store;
+    store.ResetToDefaults();
+    EXPECT_FALSE(SavePanelDataFile(path.string(), store).ok());
+    EXPECT_FALSE(fs::exists(path));
+}
+
+TEST_F(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouched) {
+    PanelStore store;
+    store.ResetToDefaults();
+    store.userGroupNames[0] = "Mine";
+    const LoadResult r = LoadPanelDataFile((m_dir / "absent.dat").string(), store);
+    EXPECT_EQ(r.outcome, LoadOutcome::NoFile);
+    EXPECT_EQ(store.userGroupNames[0], "Mine");
+
+    // A folder where the file should be is a failure after the reset.
+    const LoadResult folder = LoadPanelDataFile(m_dir.string(), store);
+    EXPECT_EQ(folder.outcome, LoadOutcome::Failed);
+    ExpectDefaultNames(store);
+}
+
+} // namespace
+} // namespace lumeth

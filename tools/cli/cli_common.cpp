@@ -1,0 +1,153 @@
+#include "tools/cli/cli_common.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "files/json_document.h"
+#include "files/panel_data_file.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+bool LooksLikeJson(const std::string& bytes) {
+    size_t i = 0;
+    if (bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+        i = 3;
+    }
+    while (i < bytes.size() &&
+           (bytes[i] == ' ' || bytes[i] == '\t' || bytes[i] == '\r' || bytes[i] == '\n')) {
+        ++i;
+    }
+    return i < bytes.size() && bytes[i] == '{';
+}
+
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+} // namespace
+
+int ToInt(ExitCode code) {
+    return static_cast<int>(code);
+}
+
+void PrintUsage(std::ostream& out) {
+    out << "usage: lumeth-cli <command> [arguments]\n\ncommands:\n";
+    for (const Command& c : Commands()) {
+        const std::string synopsis = std::string(c.name) + " " + c.arguments;
+        out << "  " << synopsis << std::string(synopsis.size() < 24 ? 24 - synopsis.size() : 1, ' ')
+            << c.summary << "\n";
+    }
+    out << "\nFILE and IN may be a panel data file (.dat) or a JSON document (.json); the\n"
+           "content tells which. The extension of OUT (.dat or .json) chooses its form.\n"
+           "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
+           "or link lost, 4 wrong password, 5 timed out waiting for the server module\n";
+}
+
+int UsageError(const std::string& message) {
+    std::cerr << "lumeth-cli: " << message << "\n\n";
+    PrintUsage(std::cerr);
+    return ToInt(ExitCode::Usage);
+}
+
+int Error(ExitCode code, const std::string& line) {
+    std::cerr << "lumeth-cli: " << line << "\n";
+    return ToInt(code);
+}
+
+bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    if (!fs::exists(path, ec)) {
+        error = path + ": no such file";
+        return false;
+    }
+    if (fs::is_directory(path, ec)) {
+        error = path + ": is a folder, not a file";
+        return false;
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = path + ": cannot open: " + std::strerror(errno);
+        return false;
+    }
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad()) {
+        error = path + ": cannot read: " + std::strerror(errno);
+        return false;
+    }
+
+    if (LooksLikeJson(bytes)) {
+        doc.form = Document::Form::Json;
+        doc.store.ResetToDefaults();
+        const JsonReadResult result = ReadJsonDocument(bytes, doc.store);
+        if (!result.status) {
+            error = path + ": " + result.status.failure().detail;
+            return false;
+        }
+        doc.hasAlphas = result.hasAlphas;
+        doc.password = result.password;
+        return true;
+    }
+
+    doc.form = Document::Form::PanelData;
+    const LoadResult result = LoadPanelData(bytes, doc.store);
+    if (result.outcome != LoadOutcome::Loaded) {
+        error = path + ": " + result.status.failure().detail;
+        return false;
+    }
+    doc.version = result.version;
+    doc.hasAlphas = false;
+    doc.password.reset();
+    return true;
+}
+
+std::optional<Document::Form> FormForPath(const std::string& path) {
+    const std::string ext = Lower(std::filesystem::path(path).extension().string());
+    if (ext == ".dat") {
+        return Document::Form::PanelData;
+    }
+    if (ext == ".json") {
+        return Document::Form::Json;
+    }
+    return std::nullopt;
+}
+
+bool EncodeDocument(const Document& doc, Document::Form form, std::string& bytes,
+                    std::string& error) {
+    if (form == Document::Form::PanelData) {
+        bytes = EncodePanelData(doc.store);
+        return true;
+    }
+    JsonDocumentOptions options;
+    options.includeAlphas = doc.hasAlphas;
+    options.password = doc.password;
+    bytes = WriteJsonDocument(doc.store, options);
+    PanelStore check;
+    const JsonReadResult readBack = ReadJsonDocument(bytes, check);
+    if (!readBack.status) {
+        error = "cannot be written as a JSON document: " + readBack.status.failure().detail;
+        return false;
+    }
+    return true;
+}
+
+bool WriteOutput(const std::string& path, const std::string& bytes, std::string& error) {
+    const Status status = ReplaceFileContents(path, bytes);
+    if (!status) {
+        error = path + ": " + status.failure().detail;
+        return false;
+    }
+    return true;
+}
+
+} // namespace lumeth::cli

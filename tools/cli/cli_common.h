@@ -1,0 +1,69 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/panel_store.h"
+
+namespace lumeth::cli {
+
+// Exit codes shared by every lumeth-cli command.
+enum class ExitCode : int {
+    Ok = 0,
+    Usage = 1,       // bad command line: message and usage on stderr
+    BadInput = 2,    // missing, unreadable or invalid file: one line on stderr
+    Unreachable = 3, // the server module cannot be reached or the link was lost
+    WrongPassword = 4,
+    Timeout = 5, // timed out waiting for the server module
+};
+
+int ToInt(ExitCode code);
+
+// One command of the table main() dispatches on.
+struct Command {
+    const char* name;
+    const char* arguments; // e.g. "FILE [--json]"
+    const char* summary;
+    int (*run)(const std::vector<std::string>& args);
+};
+
+const std::vector<Command>& Commands();
+
+// Usage text built from the command table.
+void PrintUsage(std::ostream& out);
+// "lumeth-cli: <message>" and the usage on stderr; returns ExitCode::Usage.
+int UsageError(const std::string& message);
+// One line on stderr; returns `code`.
+int Error(ExitCode code, const std::string& line);
+
+// A panel configuration read from a file, with the optional parts a JSON
+// document may carry.
+struct Document {
+    enum class Form { PanelData, Json };
+    Form form = Form::PanelData;
+    int version = 0; // panel data file version
+    PanelStore store;
+    bool hasAlphas = false;
+    std::optional<std::string> password;
+};
+
+// Read `path` as a panel data file or a JSON document, told apart by content:
+// a JSON document starts with '{' (after blanks or a byte order mark). On
+// failure returns false and sets `error` to "<path>: <what is wrong>".
+bool LoadDocument(const std::string& path, Document& doc, std::string& error);
+
+// The form an output file gets from its extension (.dat or .json, any case).
+std::optional<Document::Form> FormForPath(const std::string& path);
+
+// The document as bytes in `form`. For a JSON document it is first checked
+// that the text reads back (a panel data file can hold values the JSON
+// document does not allow); on failure returns false with `error` set.
+bool EncodeDocument(const Document& doc, Document::Form form, std::string& bytes,
+                    std::string& error);
+
+// Write `bytes` to `path` atomically (temporary file + rename).
+bool WriteOutput(const std::string& path, const std::string& bytes, std::string& error);
+
+} // namespace lumeth::cli

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// One function per lumeth-cli command; each returns the process exit code.
+namespace lumeth::cli {
+
+int RunShow(const std::vector<std::string>& args);
+int RunConvert(const std::vector<std::string>& args);
+
+} // namespace lumeth::cli

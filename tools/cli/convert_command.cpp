@@ -1,0 +1,36 @@
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+
+namespace lumeth::cli {
+
+// convert IN OUT: nothing is written unless IN was read completely and OUT's
+// content could be built, and OUT is replaced atomically. Channel names and
+// the password of a JSON document have no place in a panel data file and are
+// left out of one.
+int RunConvert(const std::vector<std::string>& args) {
+    if (args.size() != 2) {
+        return UsageError("convert needs IN and OUT");
+    }
+    const std::string& in = args[0];
+    const std::string& out = args[1];
+    const auto form = FormForPath(out);
+    if (!form) {
+        return UsageError("cannot tell the form of " + out + " (use .dat or .json)");
+    }
+
+    Document doc;
+    std::string error;
+    if (!LoadDocument(in, doc, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    std::string bytes;
+    if (!EncodeDocument(doc, *form, bytes, error)) {
+        return Error(ExitCode::BadInput, in + ": " + error);
+    }
+    if (!WriteOutput(out, bytes, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    return ToInt(ExitCode::Ok);
+}
+
+} // namespace lumeth::cli

@@ -1,0 +1,26 @@
+// lumeth-cli: scripted access to panel configurations. main() only finds the
+// command in the table and hands it the remaining arguments.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tools/cli/cli_common.h"
+
+int main(int argc, char** argv) {
+    using namespace lumeth::cli;
+    if (argc < 2) {
+        return UsageError("no command given");
+    }
+    const std::string name = argv[1];
+    if (name == "-h" || name == "--help" || name == "help") {
+        PrintUsage(std::cout);
+        return ToInt(ExitCode::Ok);
+    }
+    const std::vector<std::string> args(argv + 2, argv + argc);
+    for (const Command& command : Commands()) {
+        if (name == command.name) {
+            return command.run(args);
+        }
+    }
+    return UsageError("unknown command \"" + name + "\"");
+}

@@ -1,0 +1,194 @@
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#include "files/cp1252.h"
+#include "model/button_catalogue.h"
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+// Names are stored blank-padded to their field width; the listing shows them
+// without the padding, as UTF-8.
+std::string Shown(const std::string& name) {
+    const auto end = name.find_last_not_of(' ');
+    return cp1252::ToUtf8(end == std::string::npos ? std::string() : name.substr(0, end + 1));
+}
+
+std::string Quoted(const std::string& name) {
+    std::string text(1, '"');
+    text.append(Shown(name));
+    text.push_back('"');
+    return text;
+}
+
+// "MIC 1 [0001]" as the window shows a channel; channel n is numbered n+1.
+// Without channel names only the number is shown.
+std::string ChannelText(const Document& doc, SubType s, int16_t channel) {
+    if (channel == kNoChannel) {
+        return "none";
+    }
+    char number[16];
+    std::snprintf(number, sizeof number, "[%04d]", channel + 1);
+    if (!doc.hasAlphas) {
+        return number;
+    }
+    const AlphaTable& table = doc.store.alpha(s);
+    if (channel < 0 || static_cast<size_t>(channel) >= table.channelNames.size()) {
+        return std::string("*Invalid* ") + number;
+    }
+    return Shown(table.channelNames[static_cast<size_t>(channel)]) + " " + number;
+}
+
+template <typename T> const T* Entry(const std::vector<T>& v, int i, int count) {
+    if (i < 0 || i >= count || static_cast<size_t>(i) >= v.size()) {
+        return nullptr;
+    }
+    return &v[static_cast<size_t>(i)];
+}
+
+void ShowDisplayLists(const Document& doc, std::ostream& out) {
+    for (SubType s : kAllSubTypes) {
+        const int count = doc.store.listCount(s);
+        out << SubTypeName(s) << " display lists: " << count << "\n";
+        for (int i = 0; i < count; ++i) {
+            const DisplayList* list = Entry(doc.store.lists(s), i, count);
+            if (list == nullptr) {
+                break;
+            }
+            out << "  [" << i << "] " << Quoted(list->name) << " (" << list->channelCount
+                << (list->channelCount == 1 ? " channel)\n" : " channels)\n");
+            for (int k = 0; k < list->channelCount; ++k) {
+                const int16_t* channel = Entry(list->channels, k, list->channelCount);
+                if (channel != nullptr) {
+                    out << "        " << ChannelText(doc, s, *channel) << "\n";
+                }
+            }
+        }
+    }
+}
+
+void ShowUserGroups(const Document& doc, std::ostream& out) {
+    const PanelStore& store = doc.store;
+    out << "User groups: " << store.userGroupCount << "\n";
+    for (int i = 0; i < store.userGroupCount; ++i) {
+        const UserGroup* group = Entry(store.userGroups, i, store.userGroupCount);
+        const std::string* name = Entry(store.userGroupNames, i, store.userGroupCount);
+        if (group == nullptr || name == nullptr) {
+            break;
+        }
+        out << "  [" << i << "] " << Quoted(*name) << " (" << group->listCount
+            << (group->listCount == 1 ? " list)\n" : " lists)\n");
+        for (int k = 0; k < group->listCount; ++k) {
+            const int16_t* type = Entry(group->listTypes, k, group->listCount);
+            const int16_t* index = Entry(group->listIndexes, k, group->listCount);
+            if (type == nullptr || index == nullptr) {
+                break;
+            }
+            const auto sub = SubTypeFromListCode(*type);
+            if (!sub) {
+                out << "        list type " << *type << " [" << *index << "] *Invalid*\n";
+                continue;
+            }
+            const DisplayList* list = Entry(store.lists(*sub), *index, store.listCount(*sub));
+            out << "        " << SubTypeName(*sub) << " [" << *index << "] "
+                << (list ? Quoted(list->name) : std::string("*Invalid*")) << "\n";
+        }
+    }
+}
+
+void ShowTemplates(const Document& doc, std::ostream& out) {
+    const PanelStore& store = doc.store;
+    out << "Button templates: " << store.templateCount << "\n";
+    for (int i = 0; i < store.templateCount; ++i) {
+        const ButtonTemplate* tmpl = Entry(store.buttonTemplates, i, store.templateCount);
+        const std::string* name = Entry(store.templateNames, i, store.templateCount);
+        if (tmpl == nullptr || name == nullptr) {
+            break;
+        }
+        out << "  [" << i << "] " << Quoted(*name) << " Template # " << tmpl->number << " ("
+            << tmpl->buttonCount << (tmpl->buttonCount == 1 ? " button)\n" : " buttons)\n");
+        for (int k = 0; k < tmpl->buttonCount; ++k) {
+            const PanelButton* b = Entry(tmpl->buttons, k, tmpl->buttonCount);
+            if (b == nullptr) {
+                break;
+            }
+            // A code outside the catalogue is listed by its number.
+            const ButtonFunction& row = ButtonFunctionOf(b->type);
+            const ButtonFunction* f = row.code == b->type ? &row : nullptr;
+            out << "        button " << k + 1 << ": "
+                << (f ? std::string(f->longName) : "unknown function " + std::to_string(b->type));
+            const auto channel = [&](const std::optional<SubType>& table, int16_t value) {
+                if (table) {
+                    return ChannelText(doc, *table, value);
+                }
+                return value == kNoChannel ? std::string("none") : std::to_string(value);
+            };
+            if (b->channel != kNoChannel || (f && f->channelSubType)) {
+                out << ", channel " << channel(f ? f->channelSubType : std::nullopt, b->channel);
+            }
+            if (b->channel2 != kNoChannel || (f && f->channel2SubType)) {
+                out << ", channel 2 "
+                    << channel(f ? f->channel2SubType : std::nullopt, b->channel2);
+            }
+            out << ", label " << Quoted(b->label)
+                << ((b->captionOption & 1) != 0 ? " (custom)" : "") << "\n";
+        }
+    }
+}
+
+} // namespace
+
+// show FILE [--json]
+int RunShow(const std::vector<std::string>& args) {
+    std::string path;
+    bool json = false;
+    for (const std::string& arg : args) {
+        if (arg == "--json") {
+            json = true;
+        } else if (!arg.empty() && arg[0] == '-') {
+            return UsageError("unknown option " + arg);
+        } else if (path.empty()) {
+            path = arg;
+        } else {
+            return UsageError("show takes one FILE");
+        }
+    }
+    if (path.empty()) {
+        return UsageError("show needs a FILE");
+    }
+
+    Document doc;
+    std::string error;
+    if (!LoadDocument(path, doc, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    if (json) {
+        std::string bytes;
+        if (!EncodeDocument(doc, Document::Form::Json, bytes, error)) {
+            return Error(ExitCode::BadInput, path + ": " + error);
+        }
+        std::cout << bytes;
+        return ToInt(ExitCode::Ok);
+    }
+
+    if (doc.form == Document::Form::PanelData) {
+        std::cout << path << ": panel data file, version " << doc.version << "\n";
+    } else {
+        std::cout << path << ": JSON document"
+                  << (doc.hasAlphas ? ", with channel names" : ", without channel names")
+                  << (doc.password ? ", with password" : "") << "\n";
+    }
+    std::cout << "\n";
+    ShowDisplayLists(doc, std::cout);
+    std::cout << "\n";
+    ShowUserGroups(doc, std::cout);
+    std::cout << "\n";
+    ShowTemplates(doc, std::cout);
+    return std::cout.good() ? ToInt(ExitCode::Ok) : ToInt(ExitCode::BadInput);
+}
+
+} // namespace lumeth::cli
