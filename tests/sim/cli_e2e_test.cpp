@@ -31,10 +31,17 @@ struct CliResult {
     QString out, err;
 };
 
+// The folder the command runs in; it keeps its Errorlog.txt there.
+QString& CliHome() {
+    static QString home;
+    return home;
+}
+
 CliResult RunCli(const QStringList& args, const QString& password = "studio",
                  const QString& newPassword = {}) {
     EnsureApp();
     QProcess cli;
+    cli.setWorkingDirectory(CliHome());
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("LUMETH_PASSWORD", password);
     if (!newPassword.isEmpty()) {
@@ -207,6 +214,12 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(m_dir.isValid());
         statePath = m_dir.filePath("state.json");
+        CliHome() = m_dir.path();
+    }
+    // What the administrator wrote to its error log.
+    QString ErrorLog() const {
+        QFile f(m_dir.filePath("Errorlog.txt"));
+        return f.open(QIODevice::ReadOnly) ? QString::fromLatin1(f.readAll()) : QString();
     }
     QString File(const QString& name) const { return m_dir.filePath(name); }
 
@@ -282,7 +295,9 @@ TEST_F(CliAgainstSim, SplitGarbageAndSlowDeliveryStillGiveTheExactState) {
         ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0", "--fault-split",
                                "--fault-garbage", "0.5", "--seed", "3"}));
         ExpectExactFetch(sim, LoadState(statePath), File("split.json"), "split + garbage");
-        EXPECT_TRUE(sim.Log().contains("fault injection on"));
+        EXPECT_TRUE(sim.WaitForLog("fault injection on"));
+        // The garbage did arrive and was dropped by the administrator's framing.
+        EXPECT_TRUE(ErrorLog().contains("Invalid Data")) << ErrorLog().toStdString();
     }
     const QString small = File("small.json");
     WriteSmallState(small);
@@ -336,6 +351,7 @@ TEST_F(CliAgainstSim, ABadChecksumOnTheButtonsIsNotAskedForAgain) {
         RunCli({"fetch", "--server", Server(sim), "-o", File("f.json"), "--timeout", "2"});
     EXPECT_EQ(r.exitCode, 5) << r.err.toStdString();
     EXPECT_FALSE(QFile::exists(File("f.json")));
+    EXPECT_TRUE(ErrorLog().contains("48QX Check Sum Error")) << ErrorLog().toStdString();
 }
 
 TEST_F(CliAgainstSim, ACutAnswerIsLostAndFetchTimesOut) {
@@ -356,6 +372,7 @@ TEST_F(CliAgainstSim, ACutAnswerIsLostAndFetchTimesOut) {
     const CliResult r =
         RunCli({"fetch", "--server", Server(sim), "-o", File("f.json"), "--timeout", "2"});
     EXPECT_EQ(r.exitCode, 5) << r.err.toStdString();
+    EXPECT_TRUE(ErrorLog().contains("Incomplete Message")) << ErrorLog().toStdString();
     EXPECT_EQ(DumpStore(LoadState(statePath).store()), before);
 }
 
