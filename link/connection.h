@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "files/error_log.h"
 #include "link/link_state.h"
@@ -19,6 +23,17 @@ namespace lumeth {
 // True when `ms` milliseconds have passed since the 32-bit tick `start`,
 // with the wrap-around rule of the tick counter.
 bool DeadlinePassed(int32_t start, double ms, int32_t now);
+
+// The system millisecond tick count as a wrapping signed 32-bit value.
+int32_t TickCount();
+
+// Largest piece a message is written in.
+inline constexpr size_t kTransmitChunkSize = 16384;
+
+// How Transmit cuts a message: pieces of 16384 bytes while more than 16384
+// remain, then the remainder in one piece. A message of exactly 16384 bytes is
+// one piece; an empty message gives no pieces.
+std::vector<std::string_view> TransmitChunks(std::string_view message);
 
 // The Qt side of the link: one socket, the decode and poll timers, the
 // transmitter and Wait. It moves bytes between the socket and the session and
@@ -37,6 +52,8 @@ public:
     // Close; connected false, buffer and entered password empty, password not received.
     void Disconnect();
     bool IsConnected() const { return m_state.connected; }
+    // True once the socket is fully closed (after Disconnect has sent what was queued).
+    bool SocketClosed() const { return m_socket->state() == QAbstractSocket::UnconnectedState; }
 
     // Write one whole message with the 16384-byte chunk rule.
     void Transmit(const std::string& message);
@@ -65,6 +82,8 @@ signals:
     void storeChanged(lumeth::StoreChange change, lumeth::SubType subType);
     void linkConnected();
     void linkDisconnected();
+    // A connect attempt failed or the socket reported an error (text from the socket).
+    void linkError(const QString& reason);
 
 private:
     void OnConnected();
@@ -72,6 +91,9 @@ private:
     void OnPeerClosed();
     void OnDecodeTick();
     void OnPollTick();
+    void OnSocketError(QAbstractSocket::SocketError error);
+    // Write one piece; false when the socket failed and the message is abandoned.
+    bool WritePiece(std::string_view piece, bool isLast);
 
     // SessionObserver
     void StoreChanged(StoreChange change, SubType subType) override;
@@ -88,6 +110,9 @@ private:
     QTimer m_pollTimer;
     std::function<void()> m_loginHook;
     bool m_inLoginHook = false;
+    bool m_disconnecting = false;        // we are closing the socket ourselves
+    bool m_connectFailureLogged = false; // one log line per outage, not one per poll
+    QElapsedTimer m_connectStarted;
 };
 
 } // namespace lumeth

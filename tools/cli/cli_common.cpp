@@ -47,6 +47,7 @@ void PrintUsage(std::ostream& out) {
         out << "  " << synopsis << std::string(synopsis.size() < 24 ? 24 - synopsis.size() : 1, ' ')
             << c.summary << "\n";
     }
+    out << CommandOptionsHelp();
     out << "\nFILE and IN may be a panel data file (.dat) or a JSON document (.json); the\n"
            "content tells which. The extension of OUT (.dat or .json) chooses its form.\n"
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"

@@ -30,6 +30,8 @@ struct Command {
 };
 
 const std::vector<Command>& Commands();
+// Help for options shared by several commands, printed after the command list.
+const char* CommandOptionsHelp();
 
 // Usage text built from the command table.
 void PrintUsage(std::ostream& out);

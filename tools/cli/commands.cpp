@@ -8,8 +8,26 @@ const std::vector<Command>& Commands() {
         {"show", "FILE [--json]", "list the configuration in FILE (--json: as a JSON document)",
          &RunShow},
         {"convert", "IN OUT", "convert IN to OUT (panel data file <-> JSON document)", &RunConvert},
+        {"fetch", "-o OUT [server options]",
+         "download everything from the server module into OUT (.json or .dat)", &RunFetch},
+        {"apply", "FILE [server options]",
+         "send FILE's display lists, user groups and templates to the server module", &RunApply},
+        {"set-password", "[--new-password-file FILE] [server options]",
+         "store a new panel password in the server module", &RunSetPassword},
     };
     return kCommands;
+}
+
+const char* CommandOptionsHelp() {
+    return "\nserver options (fetch, apply, set-password):\n"
+           "  --server HOST[:PORT]    the server module (default 127.0.0.1:1250)\n"
+           "  --timeout S             seconds to wait for the server module (default 10)\n"
+           "  --password-file FILE    the panel password is FILE's first line; without it\n"
+           "                          LUMETH_PASSWORD, or asked on the terminal. Passwords\n"
+           "                          are never given as arguments and never printed.\n"
+           "  --home DIR              folder for Errorlog.txt (default: the current folder)\n"
+           "  The new password of set-password comes from --new-password-file FILE,\n"
+           "  LUMETH_NEW_PASSWORD, or is asked on the terminal.\n";
 }
 
 } // namespace lumeth::cli

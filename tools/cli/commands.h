@@ -8,5 +8,8 @@ namespace lumeth::cli {
 
 int RunShow(const std::vector<std::string>& args);
 int RunConvert(const std::vector<std::string>& args);
+int RunFetch(const std::vector<std::string>& args);
+int RunApply(const std::vector<std::string>& args);
+int RunSetPassword(const std::vector<std::string>& args);
 
 } // namespace lumeth::cli

@@ -1,0 +1,99 @@
+// A full fetch from the emulator over loopback: the administrator's
+// Connection (decode timer and all) against lumeth-sim's server, in one
+// process. The administrator decodes one message per 10 ms tick, so eleven
+// answers after the identity exchange cannot take less than 110 ms; the
+// benchmark reports each set next to that floor.
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <chrono>
+
+#include "files/error_log.h"
+#include "link/connection.h"
+#include "tools/sim/demo_config.h"
+#include "tools/sim/sim_server.h"
+
+namespace {
+
+constexpr double kFloorMs = 11 * 10.0;
+constexpr int kAnswers = 11;
+
+QCoreApplication& App() {
+    static int argc = 1;
+    static char name[] = "bench_sim_fetch";
+    static char* argv[] = {name, nullptr};
+    static QCoreApplication app(argc, argv);
+    return app;
+}
+
+void BM_SimFetch(benchmark::State& st, const char* demoName) {
+    App();
+    lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo(demoName);
+    if (!demo.status) {
+        st.SkipWithError(demo.status.failure().detail.c_str());
+        return;
+    }
+    lumeth::sim::SimState state(std::move(demo.store), demo.password);
+    lumeth::sim::SimServerOptions options;
+    options.pollIntervalMs = 0;
+    lumeth::sim::SimServer server(state, options);
+    QString error;
+    bool inUse = false;
+    if (!server.Listen("127.0.0.1", 0, error, inUse)) {
+        st.SkipWithError(error.toStdString().c_str());
+        return;
+    }
+    QTemporaryDir folder;
+    lumeth::ErrorLog log(folder.path().toStdString() + "/");
+
+    double totalMs = 0;
+    for (auto _ : st) {
+        lumeth::PanelStore store;
+        lumeth::LinkState link;
+        link.serverAddress = "127.0.0.1";
+        link.serverPort = server.port();
+        lumeth::Connection connection(store, link, log);
+        int answers = 0;
+        QEventLoop loop;
+        QObject::connect(&connection, &lumeth::Connection::storeChanged, &loop, [&] {
+            if (++answers == kAnswers) {
+                loop.quit();
+            }
+        });
+        QTimer::singleShot(120000, &loop, &QEventLoop::quit);
+
+        const auto start = std::chrono::steady_clock::now();
+        connection.Connect();
+        loop.exec();
+        const auto end = std::chrono::steady_clock::now();
+        if (answers != kAnswers || link.AnyPending()) {
+            st.SkipWithError("the fetch did not complete");
+            break;
+        }
+        const double ms = std::chrono::duration<double, std::milli>(end - start).count();
+        st.SetIterationTime(ms / 1000.0);
+        totalMs += ms;
+        connection.Disconnect();
+        // Let the server see the close before the next connection.
+        QCoreApplication::processEvents();
+    }
+    const double meanMs = totalMs / static_cast<double>(st.iterations());
+    st.counters["fetch_ms"] = meanMs;
+    st.counters["floor_ms"] = kFloorMs;
+    st.counters["x_floor"] = meanMs / kFloorMs;
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(BM_SimFetch, max, "max")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);

@@ -1,0 +1,277 @@
+// The Qt connection against a peer on 127.0.0.1: connect and status texts,
+// moving bytes both ways through the session, the peer closing, the poll
+// timer's reconnect and login hook, and Wait.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTest>
+#include <QTimer>
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "files/error_log.h"
+#include "link/connection.h"
+#include "link/link_state.h"
+#include "model/panel_store.h"
+
+namespace lumeth {
+namespace {
+
+std::string Bytes(std::initializer_list<int> values) {
+    std::string out;
+    for (int v : values) {
+        out.push_back(static_cast<char>(v));
+    }
+    return out;
+}
+
+// One listening peer that keeps the bytes it receives.
+class Peer {
+public:
+    Peer() {
+        EXPECT_TRUE(m_server.listen(QHostAddress::LocalHost, 0));
+        QObject::connect(&m_server, &QTcpServer::newConnection, [this] {
+            m_socket = m_server.nextPendingConnection();
+            QObject::connect(m_socket, &QTcpSocket::readyRead,
+                             [this] { m_received += m_socket->readAll().toStdString(); });
+        });
+    }
+    int port() const { return m_server.serverPort(); }
+    bool Accepted(int timeoutMs = 5000) {
+        return QTest::qWaitFor([this] { return m_socket != nullptr; }, timeoutMs);
+    }
+    void Send(const std::string& bytes) {
+        m_socket->write(bytes.data(), static_cast<qint64>(bytes.size()));
+        m_socket->flush();
+    }
+    bool ReceivedAtLeast(size_t count, int timeoutMs = 5000) {
+        return QTest::qWaitFor([&] { return m_received.size() >= count; }, timeoutMs);
+    }
+    void Close() { m_socket->close(); }
+    std::string& received() { return m_received; }
+
+private:
+    QTcpServer m_server;
+    QTcpSocket* m_socket = nullptr;
+    std::string m_received;
+};
+
+class ConnectionTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_folder = std::filesystem::temp_directory_path() /
+                   ("lumeth-connection-" + std::to_string(::getpid()) + "-" +
+                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(m_folder);
+        std::filesystem::create_directories(m_folder);
+        m_log = std::make_unique<ErrorLog>(m_folder.string() + "/",
+                                           [] { return std::string("01/02/2024 10:00:00"); });
+        m_connection = std::make_unique<Connection>(m_store, m_state, *m_log);
+        QObject::connect(m_connection.get(), &Connection::statusTextChanged,
+                         [this](const QString& text) { m_status = text; });
+    }
+    void TearDown() override {
+        m_connection.reset();
+        std::filesystem::remove_all(m_folder);
+    }
+
+    bool ConnectTo(Peer& peer) {
+        m_state.serverAddress = "127.0.0.1";
+        m_state.serverPort = peer.port();
+        m_connection->Connect();
+        return peer.Accepted() &&
+               QTest::qWaitFor([this] { return m_connection->IsConnected(); }, 5000);
+    }
+
+    std::string ErrorLogText() const {
+        std::ifstream in(m_folder / "Errorlog.txt", std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+    std::filesystem::path m_folder;
+    PanelStore m_store;
+    LinkState m_state;
+    std::unique_ptr<ErrorLog> m_log;
+    std::unique_ptr<Connection> m_connection;
+    QString m_status;
+};
+
+int Occurrences(const std::string& text, const std::string& what) {
+    int count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST_F(ConnectionTest, ConnectsAndAnswersThePeerThroughTheSession) {
+    Peer peer;
+    ASSERT_TRUE(ConnectTo(peer));
+    EXPECT_EQ(m_status, "Server Module Connected");
+
+    // A poll is answered with exactly one poll answer.
+    peer.Send(Bytes({0xF5}));
+    ASSERT_TRUE(peer.ReceivedAtLeast(1));
+    QTest::qWait(50);
+    EXPECT_EQ(peer.received(), Bytes({0xF4}));
+    peer.received().clear();
+
+    // The identity query, split over two writes, is answered with the identity
+    // answer and the request for everything.
+    peer.Send(Bytes({0x81, 0x64}));
+    QTest::qWait(30);
+    peer.Send(Bytes({0x64, 0xFF}));
+    const std::string expected = Bytes({0x81, 0x11, 0x01, 0x12, 0xFF}) +
+                                 Bytes({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x7C,
+                                        0x01, 0x00, 0x00, 0x00, 0x00, 0x1D, 0xFF});
+    ASSERT_TRUE(peer.ReceivedAtLeast(expected.size()));
+    EXPECT_EQ(peer.received(), expected);
+    EXPECT_EQ(m_state.pendingA, request::kEverythingA);
+    EXPECT_EQ(m_state.pendingC, request::kEverythingC);
+
+    // The decode timer switches itself off once the buffer is drained.
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_connection->decodeTimer()->isActive(); }, 1000));
+    EXPECT_TRUE(m_state.receiveBuffer.empty());
+}
+
+TEST_F(ConnectionTest, PasswordArrivesAsAStoreChange) {
+    Peer peer;
+    ASSERT_TRUE(ConnectTo(peer));
+    int passwordChanges = 0;
+    QObject::connect(m_connection.get(), &Connection::storeChanged,
+                     [&](StoreChange change, SubType) {
+                         passwordChanges += change == StoreChange::Password ? 1 : 0;
+                     });
+    // 80 05 03 'a' 'b' 'c' checksum FF; checksum = (5 + 3 + 97 + 98 + 99) mod 128.
+    peer.Send(Bytes({0x80, 0x05, 0x03, 'a', 'b', 'c', (5 + 3 + 97 + 98 + 99) % 128, 0xFF}));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return m_state.passwordReceived; }, 2000));
+    EXPECT_EQ(m_state.serverPassword, "abc");
+    EXPECT_EQ(passwordChanges, 1);
+}
+
+TEST_F(ConnectionTest, PeerClosingDisconnectsAndForgetsTheLogin) {
+    Peer peer;
+    ASSERT_TRUE(ConnectTo(peer));
+    int disconnects = 0;
+    QObject::connect(m_connection.get(), &Connection::linkDisconnected, [&] { ++disconnects; });
+    m_state.enteredPassword = "abc";
+    m_state.passwordReceived = true;
+    // A partial frame is waiting in the buffer when the peer goes away.
+    peer.Send(Bytes({0xDF, 0x0B}));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_state.receiveBuffer.empty(); }, 2000));
+
+    peer.Close();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_connection->IsConnected(); }, 5000));
+    EXPECT_EQ(m_status, "Server Module Not Connected");
+    EXPECT_TRUE(m_state.receiveBuffer.empty());
+    EXPECT_TRUE(m_state.enteredPassword.empty());
+    EXPECT_FALSE(m_state.passwordReceived);
+    EXPECT_EQ(disconnects, 1);
+}
+
+TEST_F(ConnectionTest, DisconnectStillDeliversWhatWasWritten) {
+    Peer peer;
+    ASSERT_TRUE(ConnectTo(peer));
+    std::string message(40000, '\0');
+    for (size_t i = 0; i < message.size(); ++i) {
+        message[i] = static_cast<char>(i % 127);
+    }
+    m_connection->Transmit(message);
+    m_connection->Disconnect();
+    EXPECT_FALSE(m_connection->IsConnected());
+    EXPECT_EQ(m_status, "Server Module Not Connected");
+    ASSERT_TRUE(peer.ReceivedAtLeast(message.size()));
+    EXPECT_EQ(peer.received(), message);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->SocketClosed(); }, 5000));
+
+    // Nothing is written while the link is down.
+    m_connection->Transmit(Bytes({0xF4}));
+    QTest::qWait(50);
+    EXPECT_EQ(peer.received().size(), message.size());
+}
+
+TEST_F(ConnectionTest, PollReconnectsOnceTheServerIsUpAndLogsTheOutageOnce) {
+    // Find a free port, then leave it closed for a while.
+    quint16 port = 0;
+    {
+        QTcpServer probe;
+        ASSERT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
+        port = probe.serverPort();
+    }
+    m_state.serverAddress = "127.0.0.1";
+    m_state.serverPort = port;
+    m_state.enteredPassword = "logged in";
+    m_connection->StartPolling();
+    QTest::qWait(1300); // two or three refused attempts
+    EXPECT_FALSE(m_connection->IsConnected());
+    EXPECT_EQ(Occurrences(ErrorLogText(), "Error Connecting to Switcher"), 1);
+
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost, port));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->IsConnected(); }, 3000));
+    EXPECT_EQ(m_status, "Server Module Connected");
+    m_connection->StopPolling();
+}
+
+TEST_F(ConnectionTest, LoginHookRunsWhileNobodyIsLoggedInAndNeverNested) {
+    m_state.serverAddress = "127.0.0.1";
+    m_state.serverPort = 1; // nothing listens there; the hook does not care
+    int calls = 0;
+    int nestedCalls = 0;
+    bool inside = false;
+    m_connection->setLoginHook([&] {
+        ++calls;
+        nestedCalls += inside ? 1 : 0;
+        inside = true;
+        // Like a modal dialog: an event loop runs for a while and the poll
+        // timer keeps ticking inside it.
+        m_connection->Wait(1200, true);
+        inside = false;
+        m_state.enteredPassword = "abc";
+    });
+    m_connection->StartPolling();
+    QTest::qWait(2500);
+    m_connection->StopPolling();
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(nestedCalls, 0);
+}
+
+TEST_F(ConnectionTest, WaitKeepsEventsRunningWithoutSpinning) {
+    bool fired = false;
+    QTimer::singleShot(20, [&] { fired = true; });
+    QElapsedTimer wall;
+    wall.start();
+    const std::clock_t cpuStart = std::clock();
+    m_connection->Wait(300, true);
+    const double cpuMs = 1000.0 * double(std::clock() - cpuStart) / CLOCKS_PER_SEC;
+    EXPECT_GE(wall.elapsed(), 300);
+    EXPECT_TRUE(fired);
+    // A busy loop would burn about as much processor time as wall time.
+    EXPECT_LT(cpuMs, 100.0);
+
+    fired = false;
+    QTimer::singleShot(10, [&] { fired = true; });
+    wall.restart();
+    m_connection->Wait(60, false);
+    EXPECT_GE(wall.elapsed(), 60);
+    EXPECT_FALSE(fired); // no events without pumpEvents
+}
+
+} // namespace
+} // namespace lumeth
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

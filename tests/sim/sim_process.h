@@ -1,0 +1,151 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QTcpSocket>
+
+#include <string>
+#include <vector>
+
+#include "tools/sim/frame_reader.h"
+
+namespace lumeth::testing {
+
+inline QCoreApplication& EnsureApp() {
+    static int argc = 1;
+    static char name[] = "sim_e2e_tests";
+    static char* argv[] = {name, nullptr};
+    static QCoreApplication app(argc, argv);
+    return app;
+}
+
+inline QString SimBinary() {
+    return QStringLiteral(LUMETH_BINARY_DIR "/tools/sim/lumeth-sim");
+}
+inline QString CliBinary() {
+    return QStringLiteral(LUMETH_BINARY_DIR "/tools/cli/lumeth-cli");
+}
+
+// A lumeth-sim process on a free loopback port, stopped when the test ends.
+class SimProcess {
+public:
+    SimProcess() { EnsureApp(); }
+    ~SimProcess() { Stop(); }
+
+    // Start with `args` plus --listen 127.0.0.1:0 (unless given) and wait for
+    // the line that names the port. False when it exits or says nothing.
+    bool Start(QStringList args) {
+        if (!args.contains("--listen")) {
+            args << "--listen"
+                 << "127.0.0.1:0";
+        }
+        m_process.start(SimBinary(), args);
+        if (!m_process.waitForStarted(5000)) {
+            return false;
+        }
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 15000) {
+            if (m_process.canReadLine()) {
+                firstLine = QString::fromUtf8(m_process.readLine()).trimmed();
+                const auto match =
+                    QRegularExpression("listening on 127\\.0\\.0\\.1:(\\d+)").match(firstLine);
+                if (match.hasMatch()) {
+                    port = match.captured(1).toInt();
+                    return true;
+                }
+            }
+            if (m_process.state() == QProcess::NotRunning) {
+                return false;
+            }
+            m_process.waitForReadyRead(100);
+        }
+        return false;
+    }
+
+    bool Running() { return m_process.state() == QProcess::Running; }
+    // Everything the emulator wrote to stderr so far.
+    QString Log() {
+        m_log += QString::fromUtf8(m_process.readAllStandardError());
+        return m_log;
+    }
+    // Wait until the log holds `text`.
+    bool WaitForLog(const QString& text, int timeoutMs = 10000) {
+        QElapsedTimer timer;
+        timer.start();
+        while (!Log().contains(text)) {
+            if (timer.elapsed() > timeoutMs || !Running()) {
+                return Log().contains(text);
+            }
+            m_process.waitForReadyRead(50);
+        }
+        return true;
+    }
+    // Run to the end (for start-up failures); returns the exit code.
+    int WaitForExit(int timeoutMs = 10000) {
+        m_process.waitForFinished(timeoutMs);
+        Log();
+        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+    }
+    void Stop() {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.terminate();
+            if (!m_process.waitForFinished(3000)) {
+                m_process.kill();
+                m_process.waitForFinished(3000);
+            }
+        }
+    }
+
+    int port = 0;
+    QString firstLine;
+
+private:
+    QProcess m_process;
+    QString m_log;
+};
+
+// A bare TCP client that speaks bytes, for feeding the emulator bad input.
+class RawClient {
+public:
+    RawClient() { EnsureApp(); }
+
+    bool Connect(int port) {
+        m_socket.connectToHost("127.0.0.1", static_cast<quint16>(port));
+        return m_socket.waitForConnected(5000);
+    }
+    void Send(const std::string& bytes) {
+        m_socket.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        m_socket.waitForBytesWritten(5000);
+    }
+    // The next `count` frames from the emulator (polls skipped).
+    std::vector<std::string> Read(size_t count, int timeoutMs = 10000) {
+        std::vector<std::string> frames;
+        QElapsedTimer timer;
+        timer.start();
+        while (frames.size() < count && timer.elapsed() < timeoutMs) {
+            while (auto event = m_reader.Next()) {
+                if (event->kind == sim::FrameEvent::Kind::Frame && event->bytes != "\xF5") {
+                    frames.push_back(event->bytes);
+                }
+            }
+            if (frames.size() < count && !m_socket.waitForReadyRead(100) &&
+                m_socket.state() != QAbstractSocket::ConnectedState) {
+                break;
+            }
+            const QByteArray bytes = m_socket.readAll();
+            m_reader.Append(std::string_view(bytes.constData(), size_t(bytes.size())));
+        }
+        return frames;
+    }
+    bool Connected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
+
+private:
+    QTcpSocket m_socket;
+    sim::FrameReader m_reader;
+};
+
+} // namespace lumeth::testing

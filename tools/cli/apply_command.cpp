@@ -1,0 +1,102 @@
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "files/json_document.h"
+#include "files/panel_data_file.h"
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+#include "tools/cli/password_input.h"
+#include "tools/cli/server_client.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+// Load FILE into the live store the way the window's "Load All" does, so the
+// store keeps what a load keeps (the downloaded channel names, the template
+// index pair) and Apply sends exactly what the window would.
+bool LoadIntoStore(const std::string& path, Document::Form form, PanelStore& store,
+                   std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (!in && !in.eof()) {
+        error = path + ": cannot read";
+        return false;
+    }
+    if (form == Document::Form::PanelData) {
+        const LoadResult result = LoadPanelData(bytes, store);
+        if (result.outcome != LoadOutcome::Loaded) {
+            error = path + ": " + result.status.failure().detail;
+            return false;
+        }
+        return true;
+    }
+    store.ResetToDefaults();
+    const JsonReadResult result = ReadJsonDocument(bytes, store);
+    if (!result.status) {
+        error = path + ": " + result.status.failure().detail;
+        return false;
+    }
+    return true;
+}
+
+int ListTotal(const PanelStore& store) {
+    int total = 0;
+    for (SubType subType : kAllSubTypes) {
+        total += store.listCount(subType);
+    }
+    return total;
+}
+
+} // namespace
+
+// apply FILE: log in and download like the window, replace the display lists,
+// user groups and templates with FILE's, send them (six messages, 500 ms
+// apart), then close the link.
+int RunApply(const std::vector<std::string>& args) {
+    ServerOptions options;
+    std::vector<std::string> rest;
+    std::string error;
+    if (!ParseServerArguments(args, options, rest, error)) {
+        return UsageError(error);
+    }
+    if (rest.size() != 1 || rest[0].starts_with("-")) {
+        return UsageError("apply needs exactly one FILE");
+    }
+    const std::string& path = rest[0];
+    // Check FILE before going near the server module.
+    Document doc;
+    if (!LoadDocument(path, doc, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
+    if (!password.password) {
+        return UsageError(password.error);
+    }
+
+    ServerClient client(options);
+    if (const int code = client.LogIn(*password.password); code != 0) {
+        return code;
+    }
+    if (const int code = client.AwaitDownload(); code != 0) {
+        client.Close();
+        return code;
+    }
+    if (!LoadIntoStore(path, doc.form, client.store(), error)) {
+        client.Close();
+        return Error(ExitCode::BadInput, error);
+    }
+    const int code = client.Apply();
+    client.Close();
+    if (code != 0) {
+        return code;
+    }
+    const PanelStore& store = client.store();
+    std::cout << "applied " << path << " to " << options.host << ":" << options.port << ": "
+              << ListTotal(store) << " display lists, " << store.userGroupCount << " user groups, "
+              << store.templateCount << " button templates\n";
+    return ToInt(ExitCode::Ok);
+}
+
+} // namespace lumeth::cli

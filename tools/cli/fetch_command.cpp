@@ -1,0 +1,84 @@
+#include <iostream>
+
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+#include "tools/cli/password_input.h"
+#include "tools/cli/server_client.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+int ListTotal(const PanelStore& store) {
+    int total = 0;
+    for (SubType subType : kAllSubTypes) {
+        total += store.listCount(subType);
+    }
+    return total;
+}
+
+} // namespace
+
+// fetch -o OUT: log in, download everything, write OUT. OUT is written only
+// after the whole download has arrived, so a wrong password, a lost link or a
+// timeout leaves no file behind.
+int RunFetch(const std::vector<std::string>& args) {
+    ServerOptions options;
+    std::vector<std::string> rest;
+    std::string error;
+    if (!ParseServerArguments(args, options, rest, error)) {
+        return UsageError(error);
+    }
+    std::string out;
+    for (size_t i = 0; i < rest.size(); ++i) {
+        if ((rest[i] == "-o" || rest[i] == "--output") && i + 1 < rest.size() && out.empty()) {
+            out = rest[++i];
+        } else {
+            return UsageError("fetch: unexpected argument \"" + rest[i] + "\"");
+        }
+    }
+    if (out.empty()) {
+        return UsageError("fetch needs -o OUT");
+    }
+    const auto form = FormForPath(out);
+    if (!form) {
+        return UsageError("cannot tell the form of " + out + " (use .dat or .json)");
+    }
+    const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
+    if (!password.password) {
+        return UsageError(password.error);
+    }
+
+    ServerClient client(options);
+    if (const int code = client.LogIn(*password.password); code != 0) {
+        return code;
+    }
+    if (const int code = client.AwaitDownload(); code != 0) {
+        client.Close();
+        return code;
+    }
+    client.Close();
+
+    Document doc;
+    doc.form = *form;
+    doc.store = client.store();
+    doc.hasAlphas = true; // only the JSON document carries them
+    std::string bytes;
+    if (!EncodeDocument(doc, *form, bytes, error)) {
+        return Error(ExitCode::BadInput, out + ": " + error);
+    }
+    if (!WriteOutput(out, bytes, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+
+    const PanelStore& store = doc.store;
+    std::cout << "wrote " << out << ": ";
+    for (SubType subType : kAllSubTypes) {
+        std::cout << store.alpha(subType).count << " " << SubTypeName(subType) << ", ";
+    }
+    std::cout << "channel names; " << ListTotal(store) << " display lists, " << store.userGroupCount
+              << " user groups, " << store.templateCount << " button templates\n";
+    return ToInt(ExitCode::Ok);
+}
+
+} // namespace lumeth::cli

@@ -1,0 +1,77 @@
+#include "tools/cli/password_input.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include <termios.h>
+#include <unistd.h>
+
+namespace lumeth::cli {
+
+namespace {
+
+// The first line, without its line end (a file written by an editor usually
+// ends in a newline that is not part of the password).
+std::string FirstLine(const std::string& text) {
+    std::string line = text.substr(0, text.find('\n'));
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    return line;
+}
+
+std::optional<std::string> PromptWithoutEcho(const char* prompt) {
+    if (::isatty(STDIN_FILENO) == 0) {
+        return std::nullopt;
+    }
+    termios saved{};
+    const bool haveTerminal = ::tcgetattr(STDIN_FILENO, &saved) == 0;
+    if (haveTerminal) {
+        termios quiet = saved;
+        quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        quiet.c_lflag |= ECHONL;
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    std::cerr << prompt << std::flush;
+    std::string line;
+    const bool read = static_cast<bool>(std::getline(std::cin, line));
+    if (haveTerminal) {
+        ::tcsetattr(STDIN_FILENO, TCSAFLUSH, &saved);
+    }
+    if (!read) {
+        return std::nullopt;
+    }
+    return FirstLine(line);
+}
+
+} // namespace
+
+PasswordResult ReadPassword(const PasswordSource& source) {
+    PasswordResult result;
+    if (source.file) {
+        std::ifstream in(*source.file, std::ios::binary);
+        if (!in) {
+            result.error = *source.file + ": cannot read the password file";
+            return result;
+        }
+        const std::string text((std::istreambuf_iterator<char>(in)),
+                               std::istreambuf_iterator<char>());
+        result.password = FirstLine(text);
+        return result;
+    }
+    if (const char* value = std::getenv(source.environmentVariable)) {
+        result.password = std::string(value);
+        return result;
+    }
+    result.password = PromptWithoutEcho(source.prompt);
+    if (!result.password) {
+        result.error = std::string("no password: set ") + source.environmentVariable +
+                       ", give a password file, or run on a terminal";
+    }
+    return result;
+}
+
+} // namespace lumeth::cli

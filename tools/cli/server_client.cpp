@@ -1,0 +1,285 @@
+#include "tools/cli/server_client.h"
+
+#include <QObject>
+
+#include <charconv>
+#include <cmath>
+#include <iostream>
+
+#include "tools/cli/cli_common.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+// Each pass of a wait lets the event loop run this long before the
+// conditions are looked at again.
+constexpr int kWaitSliceMs = 20;
+// How long Close waits for the socket to finish sending and close.
+constexpr int kCloseLimitMs = 3000;
+
+struct PendingBit {
+    bool inMaskA;
+    uint32_t bit;
+    const char* name;
+};
+
+// Request order of the request for everything.
+constexpr PendingBit kPendingBits[] = {
+    {true, request::kPassword, "Password"},
+    {true, request::kInputAlphas, "Input Alphas"},
+    {true, request::kOutputAlphas, "Output Alphas"},
+    {true, request::kOptoAlphas, "Opto Alphas"},
+    {true, request::kRelayAlphas, "Relay Alphas"},
+    {false, request::kUserGroups, "User Groups"},
+    {false, request::kTemplates, "Button Templates"},
+    {false, request::kInputLists, "Input Display Lists"},
+    {false, request::kOutputLists, "Output Display Lists"},
+    {false, request::kOptoLists, "Opto Display Lists"},
+    {false, request::kRelayLists, "Relay Display Lists"},
+};
+
+std::string Joined(const std::vector<std::string>& parts) {
+    std::string text;
+    for (const std::string& part : parts) {
+        text += (text.empty() ? "" : ", ") + part;
+    }
+    return text;
+}
+
+} // namespace
+
+bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error) {
+    std::string_view hostPart = text;
+    int portValue = kDefaultServerPort;
+    const size_t colon = text.rfind(':');
+    if (colon != std::string_view::npos) {
+        hostPart = text.substr(0, colon);
+        const std::string_view portText = text.substr(colon + 1);
+        const char* end = portText.data() + portText.size();
+        const auto [stop, code] = std::from_chars(portText.data(), end, portValue);
+        if (portText.empty() || code != std::errc() || stop != end || portValue < 1 ||
+            portValue > 65535) {
+            error = "invalid port in --server " + std::string(text) + " (1 to 65535)";
+            return false;
+        }
+    }
+    if (hostPart.empty()) {
+        error = "no host in --server " + std::string(text);
+        return false;
+    }
+    host = std::string(hostPart);
+    port = portValue;
+    return true;
+}
+
+std::vector<std::string> PendingParts(const LinkState& state) {
+    std::vector<std::string> parts;
+    for (const PendingBit& pending : kPendingBits) {
+        const uint32_t mask = pending.inMaskA ? state.pendingA : state.pendingC;
+        if ((mask & pending.bit) != 0) {
+            parts.emplace_back(pending.name);
+        }
+    }
+    return parts;
+}
+
+bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
+                          std::vector<std::string>& rest, std::string& error) {
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        const bool shared =
+            arg == "--server" || arg == "--timeout" || arg == "--home" || arg == "--password-file";
+        if (!shared) {
+            rest.push_back(arg);
+            continue;
+        }
+        if (i + 1 >= args.size()) {
+            error = arg + " needs a value";
+            return false;
+        }
+        const std::string& value = args[++i];
+        if (arg == "--server") {
+            if (!ParseServer(value, options.host, options.port, error)) {
+                return false;
+            }
+        } else if (arg == "--timeout") {
+            double seconds = 0;
+            const char* end = value.data() + value.size();
+            const auto [stop, code] = std::from_chars(value.data(), end, seconds);
+            if (value.empty() || code != std::errc() || stop != end || !(seconds > 0) ||
+                seconds > 86400) {
+                error = "--timeout needs a number of seconds greater than 0";
+                return false;
+            }
+            options.timeoutSeconds = seconds;
+        } else if (arg == "--home") {
+            options.home = value;
+        } else {
+            options.passwordFile = value;
+        }
+    }
+    return true;
+}
+
+ServerClient::ServerClient(const ServerOptions& options)
+    : m_application(QCoreApplication::instance() != nullptr
+                        ? nullptr
+                        : std::make_unique<QCoreApplication>(m_argc, m_argv)),
+      m_options(options),
+      m_deadline(static_cast<qint64>(std::ceil(options.timeoutSeconds * 1000.0)),
+                 Qt::PreciseTimer) {
+    std::string folder = m_options.home.empty() ? std::string(".") : m_options.home;
+    if (folder.back() != '/') {
+        folder += '/';
+    }
+    m_log = std::make_unique<ErrorLog>(folder);
+    m_state.serverAddress = m_options.host;
+    m_state.serverPort = m_options.port;
+    m_connection = std::make_unique<Connection>(m_store, m_state, *m_log);
+    QObject::connect(m_connection.get(), &Connection::linkDisconnected, m_connection.get(),
+                     [this] { m_linkLost = true; });
+    QObject::connect(m_connection.get(), &Connection::linkError, m_connection.get(),
+                     [this](const QString& reason) {
+                         m_linkError = reason.toStdString();
+                         if (!m_state.connected) {
+                             m_linkLost = true; // the connect attempt failed
+                         }
+                     });
+}
+
+ServerClient::~ServerClient() = default;
+
+std::string ServerClient::Address() const {
+    return m_options.host + ":" + std::to_string(m_options.port);
+}
+
+ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done) {
+    for (;;) {
+        if (done()) {
+            return WaitResult::Done;
+        }
+        if (m_linkLost) {
+            return WaitResult::LinkLost;
+        }
+        if (m_deadline.hasExpired()) {
+            return WaitResult::TimedOut;
+        }
+        m_connection->Wait(kWaitSliceMs, true);
+    }
+}
+
+int ServerClient::LogIn(const std::string& password) {
+    std::cerr << "connecting to " << Address() << "\n";
+    m_connection->Connect();
+    switch (WaitFor([this] { return m_state.connected; })) {
+    case WaitResult::Done:
+        break;
+    case WaitResult::LinkLost:
+        std::cerr << "lumeth-cli: cannot reach the server module at " << Address() << ": "
+                  << m_linkError << "\n";
+        return ToInt(ExitCode::Unreachable);
+    case WaitResult::TimedOut:
+        std::cerr << "lumeth-cli: cannot reach the server module at " << Address()
+                  << ": no connection within " << m_options.timeoutSeconds << " s\n";
+        return ToInt(ExitCode::Unreachable);
+    }
+
+    std::cerr << "connected, waiting for the password\n";
+    switch (WaitFor([this] { return m_state.passwordReceived; })) {
+    case WaitResult::Done:
+        break;
+    case WaitResult::LinkLost:
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
+        return ToInt(ExitCode::Unreachable);
+    case WaitResult::TimedOut:
+        // Nothing asked for yet means the identity query never came.
+        std::cerr << "lumeth-cli: timed out waiting for: "
+                  << (m_state.AnyPending() ? "Password" : "identity query") << "\n";
+        return ToInt(ExitCode::Timeout);
+    }
+
+    if (password != m_state.serverPassword) {
+        std::cerr << "lumeth-cli: wrong password for the server module at " << Address() << "\n";
+        return ToInt(ExitCode::WrongPassword);
+    }
+    m_state.enteredPassword = password;
+    std::cerr << "logged in\n";
+    return 0;
+}
+
+void ServerClient::ReportProgress() {
+    const std::vector<std::string> pending = PendingParts(m_state);
+    const std::string text = Joined(pending);
+    if (text != m_lastProgress) {
+        m_lastProgress = text;
+        if (!text.empty()) {
+            std::cerr << "waiting for: " << text << "\n";
+        }
+    }
+}
+
+int ServerClient::AwaitDownload() {
+    const WaitResult result = WaitFor([this] {
+        ReportProgress();
+        return !m_state.AnyPending();
+    });
+    switch (result) {
+    case WaitResult::Done:
+        std::cerr << "download complete\n";
+        return 0;
+    case WaitResult::LinkLost:
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
+        return ToInt(ExitCode::Unreachable);
+    case WaitResult::TimedOut:
+        std::cerr << "lumeth-cli: timed out waiting for: " << Joined(PendingParts(m_state)) << "\n";
+        return ToInt(ExitCode::Timeout);
+    }
+    return ToInt(ExitCode::Timeout);
+}
+
+int ServerClient::ChangePassword(const std::string& newPassword) {
+    m_state.serverPassword = newPassword;
+    m_connection->SendPassword();
+    // The password that comes back with the next download confirms the change.
+    m_state.passwordReceived = false;
+    m_connection->RequestEverything();
+    std::cerr << "new password sent, waiting for the server module to confirm it\n";
+    switch (WaitFor([this] { return m_state.passwordReceived; })) {
+    case WaitResult::Done:
+        break;
+    case WaitResult::LinkLost:
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
+        return ToInt(ExitCode::Unreachable);
+    case WaitResult::TimedOut:
+        std::cerr << "lumeth-cli: timed out waiting for: Password\n";
+        return ToInt(ExitCode::Timeout);
+    }
+    if (m_state.serverPassword != newPassword) {
+        std::cerr << "lumeth-cli: the server module did not take the new password\n";
+        return ToInt(ExitCode::WrongPassword);
+    }
+    m_state.enteredPassword = newPassword;
+    return 0;
+}
+
+int ServerClient::Apply() {
+    std::cerr << "sending display lists, user groups and button templates\n";
+    m_connection->Apply();
+    if (!m_state.connected) {
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
+                  << " while sending\n";
+        return ToInt(ExitCode::Unreachable);
+    }
+    return 0;
+}
+
+void ServerClient::Close() {
+    m_connection->Disconnect();
+    QDeadlineTimer limit(kCloseLimitMs);
+    while (!m_connection->SocketClosed() && !limit.hasExpired()) {
+        m_connection->Wait(kWaitSliceMs, true);
+    }
+}
+
+} // namespace lumeth::cli

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "files/error_log.h"
+#include "link/connection.h"
+#include "link/link_state.h"
+#include "model/panel_store.h"
+
+namespace lumeth::cli {
+
+inline constexpr int kDefaultServerPort = 1250;
+inline constexpr double kDefaultTimeoutSeconds = 10.0;
+
+// HOST or HOST:PORT; the port defaults to 1250 and must be 1..65535.
+// Returns false with `error` set when the text is not usable.
+bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error);
+
+// The names of the parts still asked for in the pending masks, in request
+// order ("Password", "Input Alphas", ..., "Relay Display Lists").
+std::vector<std::string> PendingParts(const LinkState& state);
+
+// Options shared by the commands that talk to the server module.
+struct ServerOptions {
+    std::string host = "127.0.0.1";
+    int port = kDefaultServerPort;
+    double timeoutSeconds = kDefaultTimeoutSeconds;
+    std::string home = "."; // the folder that receives Errorlog.txt
+    std::optional<std::string> passwordFile;
+};
+
+// Take the shared options (--server, --timeout, --home, --password-file) out
+// of `args`; everything else is left in `rest` in its order. False with
+// `error` set on a missing or bad value.
+bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
+                          std::vector<std::string>& rest, std::string& error);
+
+// One headless session with the server module, built from the same
+// connection and session as the window: connect, log in, wait for the
+// download. Every step returns 0 or the command's exit code and has already
+// told the user (stderr) what went wrong. Needs a QCoreApplication.
+class ServerClient {
+public:
+    explicit ServerClient(const ServerOptions& options);
+    ~ServerClient();
+
+    // Connect, wait for the password answer and compare it with `password`.
+    int LogIn(const std::string& password);
+    // Wait until every part asked for has arrived.
+    int AwaitDownload();
+    // Send the new password, then ask for everything again and wait until the
+    // server module answers with the new password.
+    int ChangePassword(const std::string& newPassword);
+    // The six upload messages, 500 ms apart.
+    int Apply();
+    // Close the link after what was written has gone out.
+    void Close();
+
+    PanelStore& store() { return m_store; }
+    LinkState& state() { return m_state; }
+
+private:
+    enum class WaitResult { Done, LinkLost, TimedOut };
+    // Run the event loop until `done` holds, the link drops, or the deadline.
+    WaitResult WaitFor(const std::function<bool()>& done);
+    // Waiting for the download: print what is still pending when that changes.
+    void ReportProgress();
+    std::string Address() const;
+
+    // The connection's sockets and timers need an application object; the
+    // command makes it here unless one exists already.
+    int m_argc = 1;
+    char m_argv0[11] = "lumeth-cli";
+    char* m_argv[2] = {m_argv0, nullptr};
+    std::unique_ptr<QCoreApplication> m_application;
+
+    ServerOptions m_options;
+    PanelStore m_store;
+    LinkState m_state;
+    std::unique_ptr<ErrorLog> m_log;
+    std::unique_ptr<Connection> m_connection;
+    QDeadlineTimer m_deadline;
+    bool m_linkLost = false;
+    std::string m_linkError;
+    std::string m_lastProgress;
+};
+
+} // namespace lumeth::cli

@@ -1,0 +1,51 @@
+#include <iostream>
+
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+#include "tools/cli/password_input.h"
+#include "tools/cli/server_client.h"
+
+namespace lumeth::cli {
+
+// set-password: log in with the current password, store the new one in the
+// server module and ask for the data again; done when the server module
+// answers with the new password.
+int RunSetPassword(const std::vector<std::string>& args) {
+    ServerOptions options;
+    std::vector<std::string> rest;
+    std::string error;
+    if (!ParseServerArguments(args, options, rest, error)) {
+        return UsageError(error);
+    }
+    std::optional<std::string> newPasswordFile;
+    for (size_t i = 0; i < rest.size(); ++i) {
+        if (rest[i] == "--new-password-file" && i + 1 < rest.size() && !newPasswordFile) {
+            newPasswordFile = rest[++i];
+        } else {
+            return UsageError("set-password: unexpected argument \"" + rest[i] + "\"");
+        }
+    }
+    const PasswordResult current = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
+    if (!current.password) {
+        return UsageError(current.error);
+    }
+    const PasswordResult next =
+        ReadPassword({newPasswordFile, "LUMETH_NEW_PASSWORD", "New password: "});
+    if (!next.password) {
+        return UsageError(next.error);
+    }
+
+    ServerClient client(options);
+    if (const int code = client.LogIn(*current.password); code != 0) {
+        return code;
+    }
+    const int code = client.ChangePassword(*next.password);
+    client.Close();
+    if (code != 0) {
+        return code;
+    }
+    std::cout << "password changed on " << options.host << ":" << options.port << "\n";
+    return ToInt(ExitCode::Ok);
+}
+
+} // namespace lumeth::cli

@@ -1,0 +1,163 @@
+#include "tools/sim/demo_config.h"
+
+#include <cstdio>
+
+#include "files/json_document.h"
+
+namespace lumeth::sim {
+
+namespace {
+
+std::string Numbered(const char* format, int n) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, n);
+    return text;
+}
+
+// Channel names as a studio names them: a source kind and a number.
+std::vector<std::string> LargeAlphaNames(SubType s, int count) {
+    static const char* const kKinds[4][4] = {
+        {"MIC %d", "CD %d", "LINE %d", "SAT %d"},
+        {"SPK %d", "HP %d", "REC %d", "TX %d"},
+        {"ONAIR %d", "DOOR %d", "FADER %d", "GPI %d"},
+        {"LIGHT %d", "MUTE %d", "CUE %d", "GPO %d"},
+    };
+    std::vector<std::string> names;
+    names.reserve(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        names.push_back(Numbered(kKinds[static_cast<int>(s)][i % 4], i / 4 + 1));
+    }
+    return names;
+}
+
+// The largest tables the protocol carries, with the untidiness of a real
+// router: every seventh channel unnamed, every fifth a copy of an earlier name.
+std::vector<std::string> MaxAlphaNames(SubType s) {
+    constexpr int kCount = 16383;
+    std::vector<std::string> names = LargeAlphaNames(s, kCount);
+    for (int i = 1; i < kCount; ++i) {
+        if (i % 7 == 0) {
+            names[static_cast<size_t>(i)].clear();
+        } else if (i % 5 == 0) {
+            names[static_cast<size_t>(i)] = names[static_cast<size_t>(i / 2)];
+        }
+    }
+    return names;
+}
+
+void FillLargePanelData(PanelStore& store, int channelCount) {
+    static const char* const kListNames[4] = {"IN LIST %03d", "OUT LIST %03d", "OPTO LIST %03d",
+                                              "RELAY LIST %03d"};
+    constexpr int kLists = 500;
+    constexpr int kListLength = 64;
+    for (SubType s : kAllSubTypes) {
+        auto& lists = store.lists(s);
+        lists.assign(kLists, DisplayList{});
+        for (int l = 0; l < kLists; ++l) {
+            DisplayList& list = lists[static_cast<size_t>(l)];
+            list.name = Numbered(kListNames[static_cast<int>(s)], l + 1);
+            list.channelCount = kListLength;
+            list.channels.resize(kListLength);
+            for (int k = 0; k < kListLength; ++k) {
+                list.channels[static_cast<size_t>(k)] =
+                    static_cast<int16_t>((l * 37 + k * 13) % channelCount);
+            }
+        }
+        store.listCount(s) = kLists;
+    }
+
+    constexpr int kGroups = 200;
+    constexpr int kGroupLists = 40;
+    store.userGroupCount = kGroups;
+    store.ResizeUserGroups(kGroups);
+    for (int g = 0; g < kGroups; ++g) {
+        const auto i = static_cast<size_t>(g);
+        store.userGroupNames[i] = Numbered("GROUP %03d", g + 1);
+        store.userGroupIndex[i] = static_cast<int16_t>(g);
+        store.userGroupNumber[i] = static_cast<int16_t>(g);
+        UserGroup& group = store.userGroups[i];
+        group.listCount = kGroupLists;
+        group.listIndexes.resize(kGroupLists);
+        group.listTypes.resize(kGroupLists);
+        for (int k = 0; k < kGroupLists; ++k) {
+            group.listIndexes[static_cast<size_t>(k)] =
+                static_cast<int16_t>((g * 7 + k * 3) % kLists);
+            group.listTypes[static_cast<size_t>(k)] =
+                ListTypeCode(kAllSubTypes[static_cast<size_t>(k % 4)]);
+        }
+    }
+
+    // Every button function of the catalogue, in turn.
+    static const int16_t kTypes[] = {16383, 40,   150,  800,  810,  0,    1000, 1002,
+                                     1010,  1012, 1100, 1102, 1105, 1107, 1110, 1112};
+    constexpr int kTemplates = 500;
+    constexpr int kButtons = 32;
+    store.templateCount = kTemplates;
+    store.ResizeTemplates(kTemplates);
+    for (int t = 0; t < kTemplates; ++t) {
+        const auto i = static_cast<size_t>(t);
+        store.templateNames[i] = Numbered("TEMPLATE %03d", t + 1);
+        store.templateIndex[i] = static_cast<int16_t>(t);
+        store.templatePosition[i] = static_cast<int16_t>(t);
+        ButtonTemplate& tpl = store.buttonTemplates[i];
+        tpl.number = static_cast<int16_t>(t + 1);
+        tpl.buttonCount = kButtons;
+        tpl.buttons.assign(kButtons, PanelButton::Cleared());
+        for (int b = 0; b < kButtons; ++b) {
+            PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
+            button.type = kTypes[(t + b) % 16];
+            if (button.type == kNoChannel) {
+                continue;
+            }
+            button.channel = static_cast<int16_t>((t * 32 + b) % channelCount);
+            if ((b % 3) == 0) {
+                button.channel2 = static_cast<int16_t>((t + b * 5) % channelCount);
+            }
+            if ((b % 4) == 0) {
+                button.captionOption = 1;
+                button.label = Numbered("BTN %d", b + 1);
+            }
+        }
+    }
+}
+
+} // namespace
+
+DemoResult MakeDemo(std::string_view name) {
+    DemoResult result;
+    result.password = std::string(kDemoPassword);
+    if (name == "demo") {
+        const std::string_view text = BuiltInDemoDocument();
+        if (text.empty()) {
+            result.status = Status::Fail(ErrorCode::FileNotFound, "the bundled demo is empty");
+            return result;
+        }
+        result.store.ResetToDefaults();
+        JsonReadResult read = ReadJsonDocument(text, result.store);
+        if (!read.status) {
+            result.status = Status::Fail(read.status.failure().code,
+                                         "bundled demo: " + read.status.failure().detail);
+            return result;
+        }
+        if (read.password) {
+            result.password = *read.password;
+        }
+        return result;
+    }
+    if (name == "large" || name == "max") {
+        const bool max = name == "max";
+        const int channels = max ? 16383 : 1024;
+        for (SubType s : kAllSubTypes) {
+            SetChannelNames(result.store.alpha(s),
+                            max ? MaxAlphaNames(s) : LargeAlphaNames(s, channels));
+        }
+        FillLargePanelData(result.store, channels);
+        return result;
+    }
+    result.status =
+        Status::Fail(ErrorCode::InvalidProcedureCall,
+                     "unknown demo \"" + std::string(name) + "\" (expected demo, large or max)");
+    return result;
+}
+
+} // namespace lumeth::sim

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/sim/fault_injector.h"
+
+namespace lumeth::sim {
+
+// The command line of lumeth-sim.
+struct SimOptions {
+    std::string host = "127.0.0.1"; // never another interface unless told
+    int port = 1250;                // 0: any free port (printed on start)
+    std::optional<std::string> stateFile;
+    std::string demo = "demo";
+    int pollIntervalMs = 5000; // 0: never poll
+    bool trace = false;
+    int alphaWidth = 0; // 0: the longest name of each table
+    FaultOptions faults;
+    bool help = false;
+};
+
+// Parse argv[1..]; on error returns nullopt and sets `error` to one line.
+std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args, std::string& error);
+
+// The usage text.
+const char* SimUsage();
+
+} // namespace lumeth::sim
