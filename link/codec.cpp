@@ -23,6 +23,23 @@ size_t Usable(int count, size_t arraySize) {
     return std::min(static_cast<size_t>(count), arraySize);
 }
 
+// A stored 14-bit value: appended masked, and the first one outside 0..16383
+// is recorded in `status`. `describe` names the field, built only then.
+template <typename Describe>
+void AppendValue(std::string& out, int value, Status* status, Describe&& describe) {
+    if ((value < 0 || value > 16383) && status != nullptr && status->ok()) {
+        *status = Status::Fail(ErrorCode::Overflow,
+                               describe() + " " + std::to_string(value) + " does not fit 14 bits");
+    }
+    wire::Append14(out, value);
+}
+
+void ResetStatus(Status* status) {
+    if (status != nullptr) {
+        *status = Status::Ok();
+    }
+}
+
 constexpr size_t kListNameWidth = 16;
 constexpr size_t kGroupNameWidth = 16;
 constexpr size_t kTemplateNameWidth = 16;
@@ -108,7 +125,8 @@ std::string AlphaTableMessage(SubType subType, const std::vector<std::string>& c
     return m;
 }
 
-std::string DisplayListMessage(const PanelStore& store, SubType subType) {
+std::string DisplayListMessage(const PanelStore& store, SubType subType, Status* status) {
+    ResetStatus(status);
     const auto& lists = store.lists(subType);
     const size_t n = std::min(Usable(store.listCount(subType), lists.size()), kMax14);
 
@@ -123,7 +141,8 @@ std::string DisplayListMessage(const PanelStore& store, SubType subType) {
         const size_t k = std::min(Usable(list.channelCount, list.channels.size()), kMax14);
         wire::Append14(m, static_cast<int>(k));
         for (size_t c = 0; c < k; ++c) {
-            wire::Append14(m, list.channels[c]);
+            AppendValue(m, list.channels[c], status,
+                        [&] { return "display list " + std::to_string(i) + " channel"; });
         }
         m += FixedWidth(list.name, kListNameWidth);
     }
@@ -131,7 +150,8 @@ std::string DisplayListMessage(const PanelStore& store, SubType subType) {
     return m;
 }
 
-std::string GroupMessage(const PanelStore& store) {
+std::string GroupMessage(const PanelStore& store, Status* status) {
+    ResetStatus(status);
     const size_t g = std::min({Usable(store.userGroupCount, store.userGroupNames.size()),
                                store.userGroups.size(), kMax14});
 
@@ -148,15 +168,19 @@ std::string GroupMessage(const PanelStore& store) {
         m += FixedWidth(store.userGroupNames[i], kGroupNameWidth);
         wire::Append14(m, static_cast<int>(l));
         for (size_t e = 0; e < l; ++e) {
-            wire::Append14(m, group.listIndexes[e]);
-            wire::Append14(m, group.listTypes[e]);
+            const auto entry = [&](const char* field) {
+                return "user group " + std::to_string(i) + " entry " + std::to_string(e) + field;
+            };
+            AppendValue(m, group.listIndexes[e], status, [&] { return entry(" list position"); });
+            AppendValue(m, group.listTypes[e], status, [&] { return entry(" list type"); });
         }
     }
     wire::Finish(m);
     return m;
 }
 
-std::string ButtonMessage(const PanelStore& store) {
+std::string ButtonMessage(const PanelStore& store, Status* status) {
+    ResetStatus(status);
     const size_t t = std::min({Usable(store.templateCount, store.templateNames.size()),
                                store.buttonTemplates.size(), kMax14});
 
@@ -173,14 +197,20 @@ std::string ButtonMessage(const PanelStore& store) {
         const ButtonTemplate& tpl = store.buttonTemplates[i];
         const size_t b = std::min(Usable(tpl.buttonCount, tpl.buttons.size()), kMax14);
         m += FixedWidth(store.templateNames[i], kTemplateNameWidth);
-        wire::Append14(m, tpl.number);
+        const auto where = [&](const std::string& field) {
+            return "template " + std::to_string(i) + field;
+        };
+        AppendValue(m, tpl.number, status, [&] { return where(" number"); });
         wire::Append14(m, static_cast<int>(b));
         for (size_t k = 0; k < b; ++k) {
             const PanelButton& button = tpl.buttons[k];
-            wire::Append14(m, button.type);
-            wire::Append14(m, button.captionOption);
-            wire::Append14(m, button.channel);
-            wire::Append14(m, button.channel2);
+            const auto field = [&](const char* name) {
+                return where(" button " + std::to_string(k) + name);
+            };
+            AppendValue(m, button.type, status, [&] { return field(" type"); });
+            AppendValue(m, button.captionOption, status, [&] { return field(" caption option"); });
+            AppendValue(m, button.channel, status, [&] { return field(" channel"); });
+            AppendValue(m, button.channel2, status, [&] { return field(" channel 2"); });
             m += FixedWidth(button.label, kLabelWidth);
         }
     }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/failure.h"
 #include "model/panel_store.h"
 
 // Builders for every message of the protocol, in both directions. The tool's
@@ -25,12 +26,18 @@ std::string PasswordMessage(std::string_view password);
 // blank-padded to `width` bytes (width 0: the longest name), start index 0.
 std::string AlphaTableMessage(SubType subType, const std::vector<std::string>& channelNames,
                               int width = 0);
+// The three uploads. A stored value that a 14-bit field cannot carry (a
+// channel, position, code or number outside 0..16383) is still masked into
+// the message, but `status`, when given, is set to an Overflow failure naming
+// the first such value: the caller must not send that message, since the
+// server module would store a different value than the store holds.
+//
 // 0xDF display lists of one sub type, names as 16 bytes.
-std::string DisplayListMessage(const PanelStore& store, SubType subType);
+std::string DisplayListMessage(const PanelStore& store, SubType subType, Status* status = nullptr);
 // 0xCC user groups, names as 16 bytes.
-std::string GroupMessage(const PanelStore& store);
+std::string GroupMessage(const PanelStore& store, Status* status = nullptr);
 // 0xFD button templates: 7F 52, X = M = TemplateCount, F = 0, L = 8, W = 16.
-std::string ButtonMessage(const PanelStore& store);
+std::string ButtonMessage(const PanelStore& store, Status* status = nullptr);
 
 // Cut or blank-pad to exactly `width` bytes.
 std::string FixedWidth(std::string_view text, size_t width);

@@ -194,12 +194,18 @@ void Connection::SendPassword() {
 }
 
 void Connection::Apply() {
-    const std::vector<std::string> messages = m_session.BuildApplyMessages();
-    for (size_t i = 0; i < messages.size(); ++i) {
+    const std::vector<LinkSession::ApplyStep> steps = m_session.BuildApplySteps();
+    for (size_t i = 0; i < steps.size(); ++i) {
         if (i > 0) {
             Wait(kApplySpacingMs, true);
         }
-        Transmit(messages[i]);
+        if (!steps[i].status) {
+            // Masking the value would store something else in the server
+            // module; that upload is left out and the others still go.
+            ReportError(steps[i].failureLocation, "TCP Send Error", steps[i].status.failure());
+            continue;
+        }
+        Transmit(steps[i].message);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "link/message_reader.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "link/session.h"
 
@@ -31,12 +32,17 @@ int MessageReader::U14() {
     const auto low = static_cast<unsigned char>(m_message[m_position]);
     const auto high = static_cast<unsigned char>(m_message[m_position + 1]);
     m_position += 2;
-    if (low > 127 || high > 127) {
+    // The two bytes are joined as high * 128 + low into a signed 16-bit value.
+    // Only a sum past 32767 is an error: a count that runs into the end marker
+    // (checksum, 0xFF) reads as 32640 + checksum, and the short read that
+    // follows reports it.
+    const int value = high * 128 + low;
+    if (value > INT16_MAX) {
         m_observer.ReportError("Invalid data in Message", "Integer Conversion Error",
-                               Failure{ErrorCode::Overflow, "14-bit field with a top-bit byte"});
+                               Failure{ErrorCode::Overflow, "14-bit field overflows"});
         return 0;
     }
-    return high * 128 + low;
+    return value;
 }
 
 std::string MessageReader::Text(size_t width) {

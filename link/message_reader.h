@@ -15,9 +15,10 @@ class SessionObserver;
 //
 // A field that does not fit any more is a short read: the reader fails, every
 // later read returns 0 or nothing, and the handler reports it and stops. A
-// 14-bit field with a top-bit byte (only possible when the fields run into the
-// end marker) is reported as an integer conversion error and reads as 0, and
-// decoding goes on so that the length check decides.
+// 14-bit field is joined as high * 128 + low even when a byte has its top bit
+// set (only the end marker can have it): a field that runs into the end marker
+// reads as a large value, and only a sum beyond the signed 16-bit range is
+// reported, as an integer conversion error, reading as 0.
 class MessageReader {
 public:
     MessageReader(std::string_view message, size_t position, SessionObserver& observer);

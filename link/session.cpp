@@ -190,6 +190,19 @@ std::vector<std::string> LinkSession::BuildApplyMessages() const {
     return out;
 }
 
+std::vector<LinkSession::ApplyStep> LinkSession::BuildApplySteps() const {
+    std::vector<ApplyStep> steps(6);
+    for (size_t i = 0; i < kAllSubTypes.size(); ++i) {
+        steps[i].message = codec::DisplayListMessage(m_store, kAllSubTypes[i], &steps[i].status);
+        steps[i].failureLocation = "Error Sending Panel Display Lists";
+    }
+    steps[4].message = codec::GroupMessage(m_store, &steps[4].status);
+    steps[4].failureLocation = "Error Sending Panel Group Data";
+    steps[5].message = codec::ButtonMessage(m_store, &steps[5].status);
+    steps[5].failureLocation = "Error Sending Panel Button Data";
+    return steps;
+}
+
 void LinkSession::Queue(std::string message) {
     m_outgoing.push_back(std::move(message));
 }

@@ -72,6 +72,16 @@ public:
     // The six Apply messages in order: display lists 11, 21, 31, 41, groups, buttons.
     std::vector<std::string> BuildApplyMessages() const;
 
+    // One Apply message with the location its failure is reported under
+    // ("Error Sending Panel Display Lists", ...). A message whose status is a
+    // failure holds a value the wire cannot carry and must not be sent.
+    struct ApplyStep {
+        std::string message;
+        std::string_view failureLocation;
+        Status status;
+    };
+    std::vector<ApplyStep> BuildApplySteps() const;
+
     // Queue one message for sending (the handlers' answers go this way).
     void Queue(std::string message);
 

@@ -212,6 +212,23 @@ TEST(DisplayListDownload, CountsRunningPastTheMessageAreReported) {
     EXPECT_EQ(h.store.lists(SubType::Opto)[0].name, "First Opto List");
 }
 
+TEST(DisplayListDownload, CountReadFromTheEndMarkerIsAShortRead) {
+    // Two lists announced, one carried: the second list's count is read from
+    // the checksum and the end marker, 32640 + checksum channels. No integer
+    // conversion error (the sum fits 16 bits) and no length check: the
+    // channels run past the message.
+    Harness h;
+    h.store.ResetToDefaults();
+    Layout l(0xDF);
+    l.Byte(31).U14(2).U14(0).Byte(4).U14(1).U14(7).Text("abcd");
+    h.Feed(l.Finish());
+    ASSERT_EQ(h.observer.reports.size(), 1u);
+    EXPECT_EQ(h.observer.reports[0].location, "Error Receiving Display Lists");
+    EXPECT_EQ(h.observer.reports[0].failure.code, ErrorCode::InvalidProcedureCall);
+    EXPECT_TRUE(h.observer.logLines.empty());
+    EXPECT_EQ(h.store.lists(SubType::Opto)[0].name, "First Opto List");
+}
+
 TEST(DisplayListDownload, ChecksumErrorRequestsTheSubTypeAgain) {
     Harness h;
     h.store.ResetToDefaults();

@@ -114,6 +114,43 @@ TEST(Apply, SixMessagesInOrderWithoutTouchingTheMasks) {
     EXPECT_FALSE(h.session.HasOutgoing()); // the connection sends them, 500 ms apart
 }
 
+TEST(Apply, ValuesTheWireCannotCarryFailTheirUploadOnly) {
+    // A channel of -1 would go out as 16383 ("no channel") and one of 16384
+    // as 0 if masked: those uploads fail under their own locations, the
+    // others are clean.
+    Harness h;
+    h.store = EditedStore();
+    auto steps = h.session.BuildApplySteps();
+    ASSERT_EQ(steps.size(), 6u);
+    for (const auto& step : steps) {
+        EXPECT_TRUE(step.status.ok()) << step.status.failure().detail;
+    }
+
+    h.store.lists(SubType::Output)[0].channelCount = 1;
+    h.store.lists(SubType::Output)[0].channels = {-1};
+    h.store.userGroups[0].listCount = 1;
+    h.store.userGroups[0].listIndexes = {0};
+    h.store.userGroups[0].listTypes = {-21};
+    h.store.buttonTemplates[0].buttons[0].channel2 = 16384;
+    steps = h.session.BuildApplySteps();
+    const char* const locations[6] = {
+        "Error Sending Panel Display Lists", "Error Sending Panel Display Lists",
+        "Error Sending Panel Display Lists", "Error Sending Panel Display Lists",
+        "Error Sending Panel Group Data",    "Error Sending Panel Button Data"};
+    const bool fails[6] = {false, true, false, false, true, true};
+    for (size_t i = 0; i < 6; ++i) {
+        EXPECT_EQ(steps[i].failureLocation, locations[i]) << i;
+        EXPECT_EQ(!steps[i].status.ok(), fails[i]) << i;
+        if (fails[i]) {
+            EXPECT_EQ(steps[i].status.failure().code, ErrorCode::Overflow) << i;
+        }
+    }
+    EXPECT_NE(steps[5].status.failure().detail.find("channel 2 16384"), std::string::npos)
+        << steps[5].status.failure().detail;
+    // The clean messages are the ones BuildApplyMessages gives.
+    EXPECT_EQ(steps[0].message, h.session.BuildApplyMessages()[0]);
+}
+
 TEST(Apply, UploadsReadBackIntoAnEqualStore) {
     // The uploads use the download layouts, so a session fed the Apply
     // messages must end up with the same lists, groups and templates (names
