@@ -352,7 +352,8 @@ JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
     Json doc;
     try {
         doc = Json::parse(text.begin(), text.end());
-    } catch (const Json::parse_error& e) {
+    } catch (const Json::exception& e) {
+        // A syntax error or a number too large to hold (out_of_range.406).
         // what() is "[json.exception.parse_error.101] parse error at line 1, ...".
         std::string message = e.what();
         const auto bracket = message.find("] ");
