@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "files/json_document.h"
+#include "files/panel_data_file.h"
 #include "link/codec.h"
 #include "model/panel_store.h"
 
@@ -397,6 +398,22 @@ TEST_F(ServerFlowsTest, ApplyOfABadFileExits2WithoutConnecting) {
     const CliResult result =
         Run({"apply", Path("bad.json"), "--server", Server(server.port())}, Environment("studio"));
     EXPECT_EQ(result.exitCode, 2) << result.err;
+    EXPECT_TRUE(server.frames().empty());
+}
+
+// A panel data file can hold values no upload field can carry (a negative
+// channel); apply refuses it up front instead of leaving a message out.
+TEST_F(ServerFlowsTest, ApplyOfAFileTheUploadCannotCarryExits2WithoutConnecting) {
+    PanelStore store;
+    store.ResetToDefaults();
+    store.lists(SubType::Output)[0].channelCount = 1;
+    store.lists(SubType::Output)[0].channels = {-4};
+    std::ofstream(m_folder / "negative.dat", std::ios::binary) << EncodePanelData(store);
+    ScriptedServer server("studio");
+    const CliResult result = Run({"apply", Path("negative.dat"), "--server", Server(server.port())},
+                                 Environment("studio"));
+    EXPECT_EQ(result.exitCode, 2) << result.err;
+    EXPECT_NE(result.err.find("negative.dat"), std::string::npos) << result.err;
     EXPECT_TRUE(server.frames().empty());
 }
 

@@ -4,6 +4,7 @@
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "link/codec.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
@@ -41,6 +42,29 @@ bool LoadIntoStore(const std::string& path, Document::Form form, PanelStore& sto
     return true;
 }
 
+// Every value FILE holds must fit the 14-bit fields of the upload; a value
+// that does not would make Apply leave that message out, so refuse the file
+// before connecting instead.
+bool CheckUploadable(const std::string& path, Document::Form form, std::string& error) {
+    PanelStore scratch;
+    if (!LoadIntoStore(path, form, scratch, error)) {
+        return false;
+    }
+    std::vector<Status> results(6);
+    for (SubType subType : kAllSubTypes) {
+        codec::DisplayListMessage(scratch, subType, &results[static_cast<size_t>(subType)]);
+    }
+    codec::GroupMessage(scratch, &results[4]);
+    codec::ButtonMessage(scratch, &results[5]);
+    for (const Status& status : results) {
+        if (!status) {
+            error = path + ": cannot be sent: " + status.failure().detail;
+            return false;
+        }
+    }
+    return true;
+}
+
 int ListTotal(const PanelStore& store) {
     int total = 0;
     for (SubType subType : kAllSubTypes) {
@@ -67,7 +91,7 @@ int RunApply(const std::vector<std::string>& args) {
     const std::string& path = rest[0];
     // Check FILE before going near the server module.
     Document doc;
-    if (!LoadDocument(path, doc, error)) {
+    if (!LoadDocument(path, doc, error) || !CheckUploadable(path, doc.form, error)) {
         return Error(ExitCode::BadInput, error);
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
