@@ -64,17 +64,6 @@ private slots:
         QCOMPARE(FileFilterText("dat"), QString("(*.dat)|*.dat|All Files (*.*)|*.*"));
         QCOMPARE(FileFilterText(""), QString("All Files (*.*)|*.*"));
         QCOMPARE(FileNameFilters("dat"), QStringList({"(*.dat)", "All Files (*.*)"}));
-
-        FileDialog::setNextFileName("/tmp/x.dat");
-        QCOMPARE(ChooseFileName(nullptr, "/srv/lumeth/", "LumethEX.dat", "dat"),
-                 QString("/tmp/x.dat"));
-        const auto request = FileDialog::lastRequest();
-        QVERIFY(request.has_value());
-        QCOMPARE(request->title, QString("Specify File Name"));
-        QCOMPARE(request->folder, QString("/srv/lumeth/"));
-        QCOMPARE(request->presetName, QString("LumethEX.dat"));
-        FileDialog::setNextFileName(QString()); // cancel
-        QVERIFY(ChooseFileName(nullptr, "/srv/", "LumethEX.dat", "dat").isEmpty());
     }
 
     void programFolder() {

@@ -2,26 +2,23 @@
 
 #include <string>
 
+#include "tests/link/layout.h"
 #include "tools/sim/fault_injector.h"
 
 using lumeth::sim::Delivery;
 using lumeth::sim::FaultInjector;
 using lumeth::sim::FaultOptions;
+using lumeth::testing::Layout;
 
 namespace {
 
-// A framed answer: command, body, checksum, end marker.
+// A framed display-list answer with a body of `bodyLength` bytes.
 std::string Answer(size_t bodyLength) {
-    std::string m(1, static_cast<char>(0xDF));
-    unsigned sum = 0;
+    Layout l(0xDF);
     for (size_t i = 0; i < bodyLength; ++i) {
-        const char b = static_cast<char>(i % 128);
-        m.push_back(b);
-        sum = (sum + static_cast<unsigned>(b)) & 127u;
+        l.Byte(int(i % 128));
     }
-    m.push_back(static_cast<char>(sum));
-    m.push_back(static_cast<char>(0xFF));
-    return m;
+    return l.Finish();
 }
 
 std::string Joined(const Delivery& d) {
@@ -34,16 +31,24 @@ std::string Joined(const Delivery& d) {
 
 } // namespace
 
-TEST(FaultInjector, WithoutFaultsEveryMessageGoesOutWhole) {
-    FaultInjector faults(FaultOptions{}, 1);
+TEST(FaultInjector, WithoutFaultsOrForNonAnswersEveryMessageGoesOutWhole) {
+    FaultInjector none(FaultOptions{}, 1);
     const std::string m = Answer(40);
     for (int i = 0; i < 100; ++i) {
-        const Delivery d = faults.Shape(m, true);
+        const Delivery d = none.Shape(m, true);
         ASSERT_EQ(d.chunks.size(), 1u);
         EXPECT_EQ(d.chunks[0].bytes, m);
         EXPECT_EQ(d.chunks[0].delayMs, 0);
         EXPECT_FALSE(d.closeAfter);
     }
+    // Only answers are corrupted or cut; neither the identity query nor a poll.
+    FaultOptions options;
+    options.checksum = 1.0;
+    options.cut = 1.0;
+    FaultInjector faults(options, 1);
+    const std::string identity = "\x81\x64\x64\xFF";
+    EXPECT_EQ(Joined(faults.Shape(identity, false)), identity);
+    EXPECT_EQ(Joined(faults.Shape("\xF5", true)), "\xF5");
 }
 
 TEST(FaultInjector, TheSameSeedAndConnectionGiveTheSameFaults) {
@@ -69,58 +74,39 @@ TEST(FaultInjector, TheSameSeedAndConnectionGiveTheSameFaults) {
     EXPECT_TRUE(differs) << "another connection should draw other faults";
 }
 
-TEST(FaultInjector, AWrongChecksumIsStillASevenBitByte) {
-    FaultOptions options;
-    options.checksum = 1.0;
-    FaultInjector faults(options, 1);
+// Each spoiling fault at certainty, checked over many draws.
+TEST(FaultInjector, SpoiledMessagesKeepTheirShape) {
+    FaultOptions checksum, cut, garbage;
+    checksum.checksum = 1.0;
+    cut.cut = 1.0;
+    garbage.garbage = 1.0;
+    FaultInjector checksums(checksum, 1), cuts(cut, 7), noise(garbage, 1);
     const std::string m = Answer(30);
+    const size_t sum = m.size() - 2;
     for (int i = 0; i < 200; ++i) {
-        const std::string sent = Joined(faults.Shape(m, true));
+        // A wrong checksum is still a seven-bit byte; all else is as it was.
+        std::string sent = Joined(checksums.Shape(m, true));
         ASSERT_EQ(sent.size(), m.size());
-        EXPECT_EQ(sent.substr(0, m.size() - 2), m.substr(0, m.size() - 2));
-        EXPECT_NE(sent[m.size() - 2], m[m.size() - 2]);
-        EXPECT_EQ(static_cast<uint8_t>(sent[m.size() - 2]) & 0x80u, 0u);
+        EXPECT_EQ(sent.substr(0, sum), m.substr(0, sum));
+        EXPECT_NE(sent[sum], m[sum]);
+        EXPECT_EQ(static_cast<uint8_t>(sent[sum]) & 0x80u, 0u);
         EXPECT_EQ(sent.back(), m.back());
-    }
-}
 
-TEST(FaultInjector, OnlyAnswersAreCorruptedOrCut) {
-    FaultOptions options;
-    options.checksum = 1.0;
-    options.cut = 1.0;
-    FaultInjector faults(options, 1);
-    const std::string identity = "\x81\x64\x64\xFF";
-    EXPECT_EQ(Joined(faults.Shape(identity, false)), identity);
-    EXPECT_EQ(Joined(faults.Shape("\xF5", true)), "\xF5");
-}
-
-TEST(FaultInjector, ACutAnswerKeepsItsCommandByteAndLosesTheEndMarker) {
-    FaultOptions options;
-    options.cut = 1.0;
-    FaultInjector faults(options, 7);
-    const std::string m = Answer(20);
-    for (int i = 0; i < 200; ++i) {
-        const std::string sent = Joined(faults.Shape(m, true));
+        // A cut answer keeps its command byte and loses the end marker.
+        sent = Joined(cuts.Shape(m, true));
         ASSERT_GE(sent.size(), 1u);
         ASSERT_LE(sent.size(), m.size() - 1);
         EXPECT_EQ(sent, m.substr(0, sent.size()));
-    }
-}
 
-TEST(FaultInjector, GarbageIsSevenBitBytesBeforeTheMessage) {
-    FaultOptions options;
-    options.garbage = 1.0;
-    FaultInjector faults(options, 1);
-    const std::string m = Answer(5);
-    for (int i = 0; i < 100; ++i) {
-        const std::string sent = Joined(faults.Shape(m, false));
+        // Garbage is up to eight seven-bit bytes before the whole message.
+        sent = Joined(noise.Shape(m, false));
         ASSERT_GT(sent.size(), m.size());
         ASSERT_LE(sent.size(), m.size() + 8);
-        const size_t noise = sent.size() - m.size();
-        for (size_t k = 0; k < noise; ++k) {
+        const size_t extra = sent.size() - m.size();
+        for (size_t k = 0; k < extra; ++k) {
             EXPECT_EQ(static_cast<uint8_t>(sent[k]) & 0x80u, 0u);
         }
-        EXPECT_EQ(sent.substr(noise), m);
+        EXPECT_EQ(sent.substr(extra), m);
     }
 }
 
@@ -128,8 +114,7 @@ TEST(FaultInjector, SplitAndSlowKeepTheBytesAndAddPauses) {
     const std::string m = Answer(100);
     FaultOptions split;
     split.split = true;
-    FaultInjector splitter(split, 1);
-    const Delivery d = splitter.Shape(m, true);
+    const Delivery d = FaultInjector(split, 1).Shape(m, true);
     EXPECT_GT(d.chunks.size(), 5u);
     EXPECT_EQ(Joined(d), m);
     for (const auto& c : d.chunks) {
@@ -139,8 +124,7 @@ TEST(FaultInjector, SplitAndSlowKeepTheBytesAndAddPauses) {
 
     FaultOptions slow;
     slow.slowMs = 3;
-    FaultInjector slower(slow, 1);
-    const Delivery s = slower.Shape(m, true);
+    const Delivery s = FaultInjector(slow, 1).Shape(m, true);
     ASSERT_EQ(s.chunks.size(), m.size());
     EXPECT_EQ(Joined(s), m);
     for (const auto& c : s.chunks) {
@@ -159,6 +143,5 @@ TEST(FaultInjector, DropClosesAfterTheNthMessageAndSendsNothingMore) {
     EXPECT_TRUE(third.closeAfter);
     EXPECT_EQ(Joined(third), m);
     EXPECT_TRUE(faults.Closed());
-    const Delivery after = faults.Shape(m, true);
-    EXPECT_TRUE(after.chunks.empty());
+    EXPECT_TRUE(faults.Shape(m, true).chunks.empty());
 }

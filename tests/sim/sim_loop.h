@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,27 +14,21 @@ namespace lumeth::testing {
 class SimRecorder : public sim::SimSessionObserver {
 public:
     std::vector<std::string> lines;
-    std::vector<std::string> framesIn;
 
     void Log(std::string_view line) override { lines.emplace_back(line); }
-    void FrameIn(std::string_view frame) override { framesIn.emplace_back(frame); }
+    void FrameIn(std::string_view) override {}
     bool Logged(std::string_view text) const {
-        for (const auto& l : lines) {
-            if (l.find(text) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](const std::string& l) { return l.find(text) != std::string::npos; });
     }
 };
 
 // Records what the administrator's session reports.
 class ClientRecorder : public SessionObserver {
 public:
-    std::vector<StoreChange> changes;
     std::vector<std::string> errors;
 
-    void StoreChanged(StoreChange change, SubType) override { changes.push_back(change); }
+    void StoreChanged(StoreChange, SubType) override {}
     void WriteErrorLog(std::string_view message, std::string_view) override {
         errors.emplace_back(message);
     }

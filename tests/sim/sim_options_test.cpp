@@ -4,15 +4,9 @@
 
 using lumeth::sim::ParseSimOptions;
 
-namespace {
-std::optional<lumeth::sim::SimOptions> Parse(std::vector<std::string> args, std::string& error) {
-    return ParseSimOptions(args, error);
-}
-} // namespace
-
 TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
     std::string error;
-    const auto o = Parse({}, error);
+    const auto o = ParseSimOptions({}, error);
     ASSERT_TRUE(o);
     EXPECT_EQ(o->host, "127.0.0.1");
     EXPECT_EQ(o->port, 1250);
@@ -24,31 +18,31 @@ TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
 
 TEST(SimOptions, ParsesEverySwitch) {
     std::string error;
-    const auto o = Parse({"--listen",
-                          "[::1]:0",
-                          "--state",
-                          "s.json",
-                          "--demo",
-                          "max",
-                          "--poll-interval",
-                          "0",
-                          "--trace",
-                          "--seed",
-                          "9",
-                          "--fault-split",
-                          "--fault-garbage",
-                          "0.25",
-                          "--fault-checksum",
-                          "1",
-                          "--fault-cut",
-                          "0.5",
-                          "--fault-drop",
-                          "4",
-                          "--fault-slow",
-                          "2",
-                          "--alpha-width",
-                          "12"},
-                         error);
+    const auto o = ParseSimOptions({"--listen",
+                                    "[::1]:0",
+                                    "--state",
+                                    "s.json",
+                                    "--demo",
+                                    "max",
+                                    "--poll-interval",
+                                    "0",
+                                    "--trace",
+                                    "--seed",
+                                    "9",
+                                    "--fault-split",
+                                    "--fault-garbage",
+                                    "0.25",
+                                    "--fault-checksum",
+                                    "1",
+                                    "--fault-cut",
+                                    "0.5",
+                                    "--fault-drop",
+                                    "4",
+                                    "--fault-slow",
+                                    "2",
+                                    "--alpha-width",
+                                    "12"},
+                                   error);
     ASSERT_TRUE(o) << error;
     EXPECT_EQ(o->host, "::1");
     EXPECT_EQ(o->port, 0);
@@ -76,7 +70,7 @@ TEST(SimOptions, RejectsBadValuesWithOneLine) {
     };
     for (const auto& args : bad) {
         std::string error;
-        EXPECT_FALSE(Parse(args, error)) << args[0];
+        EXPECT_FALSE(ParseSimOptions(args, error)) << args[0];
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(error.find('\n'), std::string::npos);
     }

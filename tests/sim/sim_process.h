@@ -43,25 +43,17 @@ public:
                  << "127.0.0.1:0";
         }
         m_process.start(SimBinary(), args);
-        if (!m_process.waitForStarted(5000)) {
-            return false;
-        }
         QElapsedTimer timer;
         timer.start();
-        while (timer.elapsed() < 15000) {
+        while (m_process.waitForStarted(5000) && timer.elapsed() < 15000 &&
+               (m_process.canReadLine() || m_process.waitForReadyRead(100) || Running())) {
             if (m_process.canReadLine()) {
                 firstLine = QString::fromUtf8(m_process.readLine()).trimmed();
                 const auto match =
                     QRegularExpression("listening on 127\\.0\\.0\\.1:(\\d+)").match(firstLine);
-                if (match.hasMatch()) {
-                    port = match.captured(1).toInt();
-                    return true;
-                }
+                port = match.captured(1).toInt();
+                return match.hasMatch();
             }
-            if (m_process.state() == QProcess::NotRunning) {
-                return false;
-            }
-            m_process.waitForReadyRead(100);
         }
         return false;
     }
@@ -141,7 +133,6 @@ public:
         }
         return frames;
     }
-    bool Connected() const { return m_socket.state() == QAbstractSocket::ConnectedState; }
 
 private:
     QTcpSocket m_socket;
