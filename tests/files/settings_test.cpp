@@ -60,30 +60,27 @@ TEST(Settings, NumberRules) {
         Field field;
         int64_t expected;
     };
-    const Case cases[] = {
-        // Packet size: 16383 outside the open range 1024..16384.
-        {"Packet Size", "1024", packet, 16383},
-        {"Packet Size", "1025", packet, 1025},
-        {"Packet Size", "16382", packet, 16382},
-        {"Packet Size", "20000", packet, 16383},
-        {"Packet Size", "70000", packet, 16383},
-        {"Packet Size", "-4096", packet, 16383},
-        {"Packet Size", "abc", packet, 16383},
-        {"Packet Size", "  2048 bytes", packet, 2048},
-        // Port: anything not positive becomes 1250.
-        {"Server IP Port", "0", port, 1250},
-        {"Server IP Port", "-5", port, 1250},
-        {"Server IP Port", "port", port, 1250},
-        {"Server IP Port", "1", port, 1},
-        {"Server IP Port", "70000", port, 70000},
-        {"Server IP Port", "\"1300\"", port, 1300},
-        // Log limits: only zero becomes 5000.
-        {"Maximum Log File Size", "0", logSize, 5000},
-        {"Maximum Log File Size", "-1", logSize, -1},
-        {"Maximum Log File Size", "123456", logSize, 123456},
-        {"Maximum Error Log", "none", errorLog, 5000},
-        {"Maximum Error Log", "9000", errorLog, 9000},
-    };
+    // Packet size: 16383 outside the open range 1024..16384. Port: anything not
+    // positive becomes 1250. Log limits: only zero becomes 5000.
+    const Case cases[] = {{"Packet Size", "1024", packet, 16383},
+                          {"Packet Size", "1025", packet, 1025},
+                          {"Packet Size", "16382", packet, 16382},
+                          {"Packet Size", "20000", packet, 16383},
+                          {"Packet Size", "70000", packet, 16383},
+                          {"Packet Size", "-4096", packet, 16383},
+                          {"Packet Size", "abc", packet, 16383},
+                          {"Packet Size", "  2048 bytes", packet, 2048},
+                          {"Server IP Port", "0", port, 1250},
+                          {"Server IP Port", "-5", port, 1250},
+                          {"Server IP Port", "port", port, 1250},
+                          {"Server IP Port", "1", port, 1},
+                          {"Server IP Port", "70000", port, 70000},
+                          {"Server IP Port", "\"1300\"", port, 1300},
+                          {"Maximum Log File Size", "0", logSize, 5000},
+                          {"Maximum Log File Size", "-1", logSize, -1},
+                          {"Maximum Log File Size", "123456", logSize, 123456},
+                          {"Maximum Error Log", "none", errorLog, 5000},
+                          {"Maximum Error Log", "9000", errorLog, 9000}};
     for (const Case& c : cases) {
         EXPECT_EQ(c.field(ReadKey(c.key, c.text)), c.expected) << c.key << "=" << c.text;
     }
@@ -182,21 +179,19 @@ TEST(Settings, WriteFailureIsReported) {
 }
 
 TEST(LeadingNumber, ReadsTheLeadingDecimalNumberAndSaturates) {
-    const std::pair<const char*, int32_t> cases[] = {
-        {"1250", 1250},
-        {"   42abc", 42},
-        {"\t7", 7},
-        {"-17x", -17},
-        {"+9", 9},
-        {"12 34", 12},
-        {"", 0},
-        {"x12", 0},
-        {"-", 0},
-        {"2147483648", INT32_MAX},
-        {"-2147483648", INT32_MIN},
-        {"99999999999999999999999", INT32_MAX},
-        {"-99999999999999999999999", INT32_MIN},
-    };
+    const std::pair<const char*, int32_t> cases[] = {{"1250", 1250},
+                                                     {"   42abc", 42},
+                                                     {"\t7", 7},
+                                                     {"-17x", -17},
+                                                     {"+9", 9},
+                                                     {"12 34", 12},
+                                                     {"", 0},
+                                                     {"x12", 0},
+                                                     {"-", 0},
+                                                     {"2147483648", INT32_MAX},
+                                                     {"-2147483648", INT32_MIN},
+                                                     {"99999999999999999999999", INT32_MAX},
+                                                     {"-99999999999999999999999", INT32_MIN}};
     for (const auto& [text, value] : cases) {
         EXPECT_EQ(LeadingNumber(text), value) << text;
     }
