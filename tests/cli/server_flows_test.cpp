@@ -1,21 +1,12 @@
 // lumeth-cli fetch, apply and set-password against a scripted server module
 // on 127.0.0.1: the bytes the CLI sends, the spacing of the upload, and the
 // exit codes for a wrong password, an unreachable server and missing data.
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,41 +14,16 @@
 #include "files/panel_data_file.h"
 #include "link/codec.h"
 #include "model/panel_store.h"
+#include "tests/cli/cli_run.h"
+#include "tests/link/messages.h"
 
 namespace lumeth {
 namespace {
 
-namespace fs = std::filesystem;
+using namespace lumeth::testing;
 
-std::string Bytes(std::initializer_list<int> values) {
-    std::string out;
-    for (int v : values) {
-        out.push_back(static_cast<char>(v));
-    }
-    return out;
-}
-
-// Body bytes summed modulo 128, then the checksum and end marker appended.
-std::string Framed(std::string message) {
-    int sum = 0;
-    for (size_t i = 1; i < message.size(); ++i) {
-        sum = (sum + static_cast<unsigned char>(message[i])) % 128;
-    }
-    message.push_back(static_cast<char>(sum));
-    message.push_back(static_cast<char>(0xFF));
-    return message;
-}
-
-std::string Padded(const std::string& text, size_t width) {
-    std::string out = text.substr(0, width);
-    out.resize(width, ' ');
-    return out;
-}
-
-const std::string kIdentityQuery = Bytes({0x81, 0x64, 0x64, 0xFF});
-const std::string kIdentityAnswer = Bytes({0x81, 0x11, 0x01, 0x12, 0xFF});
-const std::string kRequestEverything = Bytes({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00,
-                                              0x7C, 0x01, 0x00, 0x00, 0x00, 0x00, 0x1D, 0xFF});
+const std::string kIdentityAnswer = Raw({0x81, 0x11, 0x01, 0x12, 0xFF});
+const std::string kRequestEverything = Request(0x03000302, 0, 0xFC);
 
 // The configuration the scripted server module holds.
 PanelStore ServerConfiguration() {
@@ -115,7 +81,7 @@ private:
         QObject::connect(m_client, &QTcpSocket::readyRead, [this] { Read(); });
         QObject::connect(m_client, &QTcpSocket::disconnected, [this] { m_clientClosed = true; });
         if (!m_omit.identityQuery) {
-            Send(kIdentityQuery);
+            Send(codec::IdentityQuery());
         }
     }
 
@@ -172,65 +138,10 @@ private:
     bool m_clientClosed = false;
 };
 
-struct CliResult {
-    int exitCode = -1;
-    std::string out;
-    std::string err;
-};
+using ServerFlowsTest = CliTest;
 
-class ServerFlowsTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_folder = fs::temp_directory_path() /
-                   ("lumeth-cli-flows-" + std::to_string(QCoreApplication::applicationPid()) + "-" +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
-    // Run lumeth-cli while this process's event loop serves the scripted server.
-    CliResult Run(const QStringList& args, const QProcessEnvironment& env) {
-        QProcess process;
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(QString::fromStdString(m_folder.string()));
-        process.start(QStringLiteral(LUMETH_CLI_PATH), args);
-        EXPECT_TRUE(process.waitForStarted(5000));
-        const bool finished =
-            QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 30000);
-        EXPECT_TRUE(finished);
-        if (!finished) {
-            process.kill();
-            process.waitForFinished(2000);
-        }
-        CliResult result;
-        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        result.out = process.readAllStandardOutput().toStdString();
-        result.err = process.readAllStandardError().toStdString();
-        return result;
-    }
-
-    static QProcessEnvironment Environment(const QString& password) {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("LUMETH_PASSWORD", password);
-        env.remove("LUMETH_NEW_PASSWORD");
-        return env;
-    }
-
-    QString Path(const std::string& name) const {
-        return QString::fromStdString((m_folder / name).string());
-    }
-
-    static QString Server(int port) { return QStringLiteral("127.0.0.1:%1").arg(port); }
-
-    fs::path m_folder;
-};
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+QString Server(int port) {
+    return QStringLiteral("127.0.0.1:%1").arg(port);
 }
 
 TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
@@ -247,24 +158,14 @@ TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
     EXPECT_EQ(server.frames().size(), 2u);
 
     PanelStore fetched;
-    const JsonReadResult read = ReadJsonDocument(ReadFile(m_folder / "out.json"), fetched);
+    const JsonReadResult read = ReadJsonDocument(m_dir.Read("out.json"), fetched);
     ASSERT_TRUE(read.status.ok()) << read.status.failure().detail;
     EXPECT_TRUE(read.hasAlphas);
     EXPECT_FALSE(read.password.has_value()); // the password is never written out
-    // The server sends each table's names at the width of its longest name,
-    // and the names are kept as they came, padding included.
-    for (SubType subType : kAllSubTypes) {
-        const std::vector<std::string>& sent = kServerAlphas[size_t(subType)];
-        size_t width = 0;
-        for (const std::string& name : sent) {
-            width = std::max(width, name.size());
-        }
-        std::vector<std::string> expected;
-        for (const std::string& name : sent) {
-            expected.push_back(Padded(name, width));
-        }
-        EXPECT_EQ(fetched.alpha(subType).channelNames, expected) << SubTypeName(subType);
-    }
+    // Names come at the width of the table's longest and are kept as they came.
+    EXPECT_EQ(fetched.alpha(SubType::Input).channelNames,
+              (std::vector<std::string>{"Mic 1", "Mic 2", "CD 1 "}));
+    EXPECT_EQ(fetched.alpha(SubType::Relay).channelNames, std::vector<std::string>{"On Air"});
     ASSERT_EQ(fetched.listCount(SubType::Input), 1);
     EXPECT_EQ(fetched.lists(SubType::Input)[0].name.substr(0, 6), "Studio");
     ASSERT_EQ(fetched.lists(SubType::Input)[0].channelCount, 2);
@@ -282,14 +183,11 @@ TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
 
 TEST_F(ServerFlowsTest, FetchWritesAPanelDataFileAndReadsThePasswordFromAFile) {
     ScriptedServer server("s3cret");
-    std::ofstream(m_folder / "password.txt") << "s3cret\n";
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("LUMETH_PASSWORD");
+    m_dir.Write("password.txt", "s3cret\n");
     const CliResult result = Run({"fetch", "--server", Server(server.port()), "--password-file",
-                                  Path("password.txt"), "-o", Path("out.dat")},
-                                 env);
+                                  Path("password.txt"), "-o", Path("out.dat")});
     ASSERT_EQ(result.exitCode, 0) << result.err;
-    const std::string bytes = ReadFile(m_folder / "out.dat");
+    const std::string bytes = m_dir.Read("out.dat");
     ASSERT_GE(bytes.size(), 2u);
     // A panel data file starts with its marker 140 as a little-endian 16-bit value.
     EXPECT_EQ(static_cast<unsigned char>(bytes[0]), 140);
@@ -302,7 +200,7 @@ TEST_F(ServerFlowsTest, WrongPasswordExits4AndWritesNothing) {
         Run({"fetch", "--server", Server(server.port()), "-o", Path("out.json")},
             Environment("Studio"));
     EXPECT_EQ(result.exitCode, 4) << result.err;
-    EXPECT_FALSE(fs::exists(m_folder / "out.json"));
+    EXPECT_FALSE(m_dir.Exists("out.json"));
     EXPECT_EQ(result.err.find("Studio"), std::string::npos);
 }
 
@@ -316,36 +214,33 @@ TEST_F(ServerFlowsTest, UnreachableServerExits3) {
     const CliResult result =
         Run({"fetch", "--server", Server(port), "-o", Path("out.json")}, Environment("x"));
     EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_FALSE(fs::exists(m_folder / "out.json"));
+    EXPECT_FALSE(m_dir.Exists("out.json"));
     // The failed connect is in the error log of the current folder.
-    EXPECT_NE(ReadFile(m_folder / "Errorlog.txt").find("Error Connecting to Switcher"),
-              std::string::npos);
+    EXPECT_NE(m_dir.Read("Errorlog.txt").find("Error Connecting to Switcher"), std::string::npos);
 }
 
 TEST_F(ServerFlowsTest, MissingPartsTimeOutWithExit5NamingThem) {
-    ScriptedServer server("studio", Omissions{false, true, true});
-    const CliResult result =
-        Run({"fetch", "--server", Server(server.port()), "--timeout", "1", "-o", Path("out.json")},
-            Environment("studio"));
-    EXPECT_EQ(result.exitCode, 5) << result.err;
-    EXPECT_NE(result.err.find("timed out waiting for: Input Alphas, User Groups\n"),
-              std::string::npos)
-        << result.err;
-    EXPECT_FALSE(fs::exists(m_folder / "out.json"));
-}
-
-TEST_F(ServerFlowsTest, NoIdentityQueryTimesOutNamingIt) {
-    ScriptedServer server("studio", Omissions{true, false, false});
-    const CliResult result = Run(
-        {"fetch", "--server", Server(server.port()), "--timeout", "0.5", "-o", Path("out.json")},
-        Environment("studio"));
-    EXPECT_EQ(result.exitCode, 5) << result.err;
-    EXPECT_NE(result.err.find("timed out waiting for: identity query"), std::string::npos)
-        << result.err;
+    struct Case {
+        Omissions omit;
+        QString timeout;
+        std::string message;
+    };
+    const Case cases[] = {
+        {{false, true, true}, "1", "timed out waiting for: Input Alphas, User Groups\n"},
+        {{true, false, false}, "0.5", "timed out waiting for: identity query"}};
+    for (const Case& c : cases) {
+        ScriptedServer server("studio", c.omit);
+        const CliResult result = Run({"fetch", "--server", Server(server.port()), "--timeout",
+                                      c.timeout, "-o", Path("out.json")},
+                                     Environment("studio"));
+        EXPECT_EQ(result.exitCode, 5) << result.err;
+        EXPECT_NE(result.err.find(c.message), std::string::npos) << result.err;
+        EXPECT_FALSE(m_dir.Exists("out.json"));
+    }
 }
 
 TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
-    std::ofstream(m_folder / "late.json") << R"({
+    m_dir.Write("late.json", R"({
   "format": "lumeth-panel-data",
   "version": 1,
   "display_lists": {
@@ -355,7 +250,7 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
   "user_groups": [{"name": "Late Show", "lists": [{"type": 11, "index": 0}]}],
   "templates": [{"name": "Host", "number": 3, "buttons": [
     {"type": 40, "caption_option": 1, "label": "MIC", "channel": 1, "channel2": 16383}]}]
-})";
+})");
     ScriptedServer server("studio");
     const CliResult result =
         Run({"apply", Path("late.json"), "--server", Server(server.port())}, Environment("studio"));
@@ -366,19 +261,13 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
     EXPECT_EQ(frames[0].bytes, kIdentityAnswer);
     EXPECT_EQ(frames[1].bytes, kRequestEverything);
 
-    // Display lists: code, count, 0, 0, name width 16, then the records.
-    const std::string input =
-        Framed(Bytes({0xDF, 11, 1, 0, 0, 0, 16, 2, 0, 1, 0, 2, 0}) + Padded("Mix", 16));
-    const std::string output = Framed(Bytes({0xDF, 21, 0, 0, 0, 0, 16}));
-    const std::string opto = Framed(Bytes({0xDF, 31, 0, 0, 0, 0, 16}));
-    const std::string relay = Framed(Bytes({0xDF, 41, 0, 0, 0, 0, 16}));
-    // Groups: 0, count, 0, 0, 16, then name, list count, (position, type) pairs.
-    const std::string groups = Framed(Bytes({0xCC, 0, 1, 0, 0, 0, 16}) + Padded("Late Show", 16) +
-                                      Bytes({1, 0, 0, 0, 11, 0}));
-    // Buttons: 7F 52, X, M, F, L = 8, W = 16, the template, then its buttons.
+    const std::string input = ListBody(11, 16, {{"Mix", {1, 2}}}).Finish();
+    const std::string output = ListBody(21, 16, {}).Finish();
+    const std::string opto = ListBody(31, 16, {}).Finish();
+    const std::string relay = ListBody(41, 16, {}).Finish();
+    const std::string groups = GroupBody(16, {{"Late Show", {{0, 11}}}}).Finish();
     const std::string buttons =
-        Framed(Bytes({0xFD, 0x7F, 0x52, 1, 0, 1, 0, 0, 0, 8, 16}) + Padded("Host", 16) +
-               Bytes({3, 0, 1, 0, 40, 0, 1, 0, 1, 0, 0x7F, 0x7F}) + Padded("MIC", 8));
+        ButtonBody(1, 0, 8, 16, {{"Host", 3, {{40, 1, 1, 16383, "MIC"}}}}).Finish();
     const std::vector<std::string> expected{input, output, opto, relay, groups, buttons};
     for (size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(frames[2 + i].bytes, expected[i]) << "upload message " << i;
@@ -392,8 +281,8 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
 }
 
 TEST_F(ServerFlowsTest, ApplyOfABadFileExits2WithoutConnecting) {
-    std::ofstream(m_folder / "bad.json") << R"({"format": "lumeth-panel-data", "version": 1,
-        "display_lists": {"input": [{"name": "A name of twenty chr", "channels": []}]}})";
+    m_dir.Write("bad.json", R"({"format": "lumeth-panel-data", "version": 1,
+        "display_lists": {"input": [{"name": "A name of twenty chr", "channels": []}]}})");
     ScriptedServer server("studio");
     const CliResult result =
         Run({"apply", Path("bad.json"), "--server", Server(server.port())}, Environment("studio"));
@@ -425,7 +314,7 @@ TEST_F(ServerFlowsTest, SetPasswordSendsTheNewPasswordThenTheRequest) {
     ASSERT_EQ(result.exitCode, 0) << result.err;
 
     ASSERT_EQ(server.frames().size(), 4u);
-    EXPECT_EQ(server.frames()[2].bytes, Framed(Bytes({0x80, 0x05, 6}) + "on air"));
+    EXPECT_EQ(server.frames()[2].bytes, PasswordAnswer("on air"));
     EXPECT_EQ(server.frames()[3].bytes, kRequestEverything);
     EXPECT_EQ(server.password(), "on air");
     for (const std::string& text : {result.out, result.err}) {
@@ -435,10 +324,8 @@ TEST_F(ServerFlowsTest, SetPasswordSendsTheNewPasswordThenTheRequest) {
 }
 
 TEST_F(ServerFlowsTest, PasswordIsNotACommandLineArgument) {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("LUMETH_PASSWORD");
     // No terminal, no variable, no file: a usage error before any connection.
-    const CliResult missing = Run({"fetch", "-o", Path("out.json")}, env);
+    const CliResult missing = Run({"fetch", "-o", Path("out.json")});
     EXPECT_EQ(missing.exitCode, 1);
     const CliResult asArgument =
         Run({"fetch", "--password", "studio", "-o", Path("out.json")}, Environment("x"));

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "files/organisation.h"
-#include "temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace lumeth {
 namespace {
@@ -45,36 +45,23 @@ std::string CrLfLines(const std::vector<std::string>& lines) {
     return out;
 }
 
-TEST(ErrorLog, HeaderHasElevenLinesInTheFixedLayout) {
-    EXPECT_EQ(ErrorLog::HeaderLines(), ExpectedHeader());
-    EXPECT_EQ(ErrorLog::HeaderLines()[10].size(), 80u);
-}
-
 TEST(ErrorLog, FirstRecordCreatesFileWithHeaderLaterRecordsAppend) {
     test::TempFolder dir;
     ErrorLog log(dir.path(), FixedClock);
     EXPECT_EQ(log.path(), dir.path() + "Errorlog.txt");
-
     log.WriteErrorLog("Message Length Error", "Alpha Download");
     log.WriteErrorLog("Invalid Data ", "Group Download");
+    const std::string pad(60 - 24 - 14, ' ');
+    EXPECT_EQ(dir.Read("Errorlog.txt"), CrLfLines(ExpectedHeader()) + kTime + "   Alpha Download" +
+                                            pad + "Message Length Error\r\n" + kTime +
+                                            "   Group Download" + pad + "Invalid Data \r\n");
 
-    const std::string r1 = std::string(kTime) + "   " + "Alpha Download" +
-                           std::string(60 - 24 - 14, ' ') + "Message Length Error";
-    const std::string r2 = std::string(kTime) + "   " + "Group Download" +
-                           std::string(60 - 24 - 14, ' ') + "Invalid Data ";
-    EXPECT_EQ(dir.Read("Errorlog.txt"), CrLfLines(ExpectedHeader()) + r1 + "\r\n" + r2 + "\r\n");
-}
-
-TEST(ErrorLog, DeletedLogIsRecreatedWithHeader) {
-    test::TempFolder dir;
-    ErrorLog log(dir.path(), FixedClock);
-    log.WriteErrorLog("one", "first");
+    // A deleted log is created again, header first.
     std::filesystem::remove(dir.file("Errorlog.txt"));
     log.WriteErrorLog("two", "second");
-    const std::string text = dir.Read("Errorlog.txt");
-    EXPECT_EQ(text.rfind(CrLfLines(ExpectedHeader()), 0), 0u);
-    EXPECT_EQ(text.find("one"), std::string::npos);
-    EXPECT_NE(text.find("two"), std::string::npos);
+    EXPECT_EQ(dir.Read("Errorlog.txt"), CrLfLines(ExpectedHeader()) +
+                                            ErrorLog::FormatRecord(kTime, "second", "two") +
+                                            "\r\n");
 }
 
 TEST(ErrorLog, RecordColumns) {
@@ -161,24 +148,23 @@ TEST(ErrorLog, ReportFromInsideARecordIsDroppedNotLooped) {
 }
 
 TEST(ErrorLog, ShortDateTimeFormat) {
-    std::tm t{};
-    t.tm_year = 2026 - 1900;
-    t.tm_mon = 10;
-    t.tm_mday = 22;
-    t.tm_hour = 7;
-    t.tm_min = 52;
-    t.tm_sec = 18;
-    EXPECT_EQ(ErrorLog::FormatShortDateTime(t), "11/22/2026 7:52:18 AM");
-    t.tm_mon = 0;
-    t.tm_mday = 5;
-    t.tm_hour = 0;
-    t.tm_min = 5;
-    t.tm_sec = 9;
-    EXPECT_EQ(ErrorLog::FormatShortDateTime(t), "1/5/2026 12:05:09 AM");
-    t.tm_hour = 12;
-    EXPECT_EQ(ErrorLog::FormatShortDateTime(t), "1/5/2026 12:05:09 PM");
-    t.tm_hour = 23;
-    EXPECT_EQ(ErrorLog::FormatShortDateTime(t), "1/5/2026 11:05:09 PM");
+    struct Case {
+        int month, day, hour, minute, second;
+        const char* text;
+    };
+    for (const Case& c :
+         {Case{11, 22, 7, 52, 18, "11/22/2026 7:52:18 AM"},
+          Case{1, 5, 0, 5, 9, "1/5/2026 12:05:09 AM"}, Case{1, 5, 12, 5, 9, "1/5/2026 12:05:09 PM"},
+          Case{1, 5, 23, 5, 9, "1/5/2026 11:05:09 PM"}}) {
+        std::tm t{};
+        t.tm_year = 2026 - 1900;
+        t.tm_mon = c.month - 1;
+        t.tm_mday = c.day;
+        t.tm_hour = c.hour;
+        t.tm_min = c.minute;
+        t.tm_sec = c.second;
+        EXPECT_EQ(ErrorLog::FormatShortDateTime(t), c.text);
+    }
 }
 
 TEST(ErrorLog, DefaultClockStampsRecords) {

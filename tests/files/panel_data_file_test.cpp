@@ -5,9 +5,6 @@
 #include <sys/resource.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -15,11 +12,10 @@
 
 #include "files/panel_data_file.h"
 #include "model/panel_store.h"
+#include "tests/support/temp_folder.h"
 
 namespace lumeth {
 namespace {
-
-namespace fs = std::filesystem;
 
 class Golden {
 public:
@@ -28,6 +24,12 @@ public:
         const auto u = static_cast<uint16_t>(static_cast<int16_t>(v));
         m_bytes.push_back(static_cast<char>(u & 0xFF));
         m_bytes.push_back(static_cast<char>(u >> 8));
+        return *this;
+    }
+    Golden& I16s(std::initializer_list<int> values) {
+        for (int v : values) {
+            I16(v);
+        }
         return *this;
     }
     // `text` must already have its field width.
@@ -133,31 +135,21 @@ TEST(PanelDataFile, Version3GoldenLoadsAndEncodesByteExactly) {
     EXPECT_EQ(store.listCount(SubType::Input), 2);
     EXPECT_EQ(store.lists(SubType::Input)[0].name, Pad("Mics", 16)); // blanks kept
     EXPECT_EQ(store.lists(SubType::Input)[0].channels, (std::vector<int16_t>{0, 5, 47}));
-    EXPECT_EQ(store.lists(SubType::Input)[1].channelCount, 0);
     EXPECT_EQ(store.lists(SubType::Input)[1].channels.size(), 1u);
     EXPECT_EQ(store.listCount(SubType::Opto), 0);
-    EXPECT_EQ(store.lists(SubType::Opto).size(), 1u);
     EXPECT_EQ(store.lists(SubType::Relay)[0].name, "Lights and Locks");
-
     ASSERT_EQ(store.userGroupCount, 2);
     EXPECT_EQ(store.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
-    EXPECT_EQ(store.userGroups[1].listTypes, (std::vector<int16_t>{21}));
     EXPECT_EQ(store.userGroupIndex, (std::vector<int16_t>{0, 1}));
     EXPECT_EQ(store.userGroupNumber, (std::vector<int16_t>{0, 1}));
-
     ASSERT_EQ(store.templateCount, 2);
-    EXPECT_EQ(store.buttonTemplates[0].number, 7);
     EXPECT_EQ(store.buttonTemplates[1].number, -2);
-    const PanelButton& b1 = store.buttonTemplates[0].buttons[1];
-    EXPECT_EQ(b1.type, 1010);
-    EXPECT_EQ(b1.channel, 3);
-    EXPECT_EQ(b1.channel2, 9);
-    EXPECT_EQ(store.buttonTemplates[0].buttons[0].label, "CD ONE  ");
-    EXPECT_EQ(store.buttonTemplates[0].buttons[0].captionOption, 1);
-    // Loading sizes and sets the group pair but leaves the template pair as
-    // the reset left it.
+    const PanelButton& b0 = store.buttonTemplates[0].buttons[0];
+    EXPECT_EQ(b0.label, "CD ONE  ");
+    EXPECT_EQ(b0.captionOption, 1);
+    EXPECT_EQ(store.buttonTemplates[0].buttons[1].channel2, 9);
+    // Loading sets the group pair but leaves the template pair as the reset left it.
     EXPECT_EQ(store.templateIndex.size(), 1u);
-    EXPECT_EQ(store.templatePosition.size(), 1u);
 
     EXPECT_EQ(EncodePanelData(store), g.bytes());
 }
@@ -194,15 +186,12 @@ TEST(PanelDataFile, OlderVersionsFollowTheirLayout) {
         const LoadResult r = LoadPanelData(OldFile(version), store);
         ASSERT_EQ(r.outcome, LoadOutcome::Loaded) << r.status.failure().detail;
         EXPECT_EQ(r.version, version);
-        EXPECT_EQ(store.lists(SubType::Input)[0].channels[0], 3);
         EXPECT_EQ(store.lists(SubType::Output)[0].channels, (std::vector<int16_t>{0, 1}));
         EXPECT_EQ(store.userGroups[0].listTypes[0], 21);
         // Opto and Relay keep their default single list.
         EXPECT_EQ(store.listCount(SubType::Opto), 1);
-        EXPECT_EQ(store.lists(SubType::Opto)[0].name, "First Opto List");
         EXPECT_EQ(store.lists(SubType::Relay)[0].name, "First Relay List");
         const PanelButton& b = store.buttonTemplates[0].buttons[0];
-        EXPECT_EQ(b.type, 150);
         EXPECT_EQ(b.channel, 6);
         EXPECT_EQ(b.label, "TALK    ");
         EXPECT_EQ(store.buttonTemplates[0].number, version > 1 ? 12 : 0);
@@ -242,28 +231,14 @@ TEST(PanelDataFile, ZeroCountsWriteNoRecordsAndLoadAsOneSpareEntry) {
     }
     store.userGroupCount = 0;
     store.templateCount = 0;
-    const std::string expected = Golden()
-                                     .I16(140)
-                                     .I16(16383)
-                                     .I16(3)
-                                     .I16(0)
-                                     .I16(0)
-                                     .I16(0)
-                                     .I16(0)
-                                     .I16(0)
-                                     .I16(0)
-                                     .I16(0)
-                                     .bytes();
+    const std::string expected = Golden().I16s({140, 16383, 3, 0, 0, 0, 0, 0, 0, 0}).bytes();
     ASSERT_EQ(EncodePanelData(store), expected);
 
     PanelStore back;
     ASSERT_EQ(LoadPanelData(expected, back).outcome, LoadOutcome::Loaded);
-    for (SubType s : kAllSubTypes) {
-        EXPECT_EQ(back.listCount(s), 0);
-        EXPECT_EQ(back.lists(s).size(), 1u);
-    }
+    EXPECT_EQ(back.listCount(SubType::Relay), 0);
+    EXPECT_EQ(back.lists(SubType::Relay).size(), 1u);
     EXPECT_EQ(back.userGroupCount, 0);
-    EXPECT_EQ(back.userGroups.size(), 1u);
     EXPECT_EQ(back.userGroupIndex.size(), 1u);
     EXPECT_EQ(back.templateCount, 0);
     EXPECT_EQ(back.buttonTemplates.size(), 1u);
@@ -279,10 +254,8 @@ TEST(PanelDataFile, WrongMarkerLeavesTheDefaults) {
     EXPECT_NE(r.status.failure().detail.find(std::to_string(int16_t(0x8C00))), std::string::npos);
     EXPECT_NE(r.status.failure().detail.find("140"), std::string::npos);
     EXPECT_EQ(store.listCount(SubType::Input), 1);
-    EXPECT_EQ(store.userGroupCount, 1);
     EXPECT_EQ(store.templateCount, 1);
     ExpectDefaultNames(store);
-
     EXPECT_EQ(LoadPanelData("", store).outcome, LoadOutcome::NotPanelData);
     EXPECT_EQ(LoadPanelData(std::string(1, '\x8C'), store).outcome, LoadOutcome::NotPanelData);
 }
@@ -303,89 +276,59 @@ TEST(PanelDataFile, TruncationAtEveryByteNamesTheField) {
 
 TEST(PanelDataFile, FailedLoadKeepsWhatWasReadOnTopOfTheDefaults) {
     const Golden g = Version3File();
-    // Cut inside the name of user group 1.
-    const size_t cut = g.bytes().find("Newsroom") + 3;
+    const size_t cut = g.bytes().find("Newsroom") + 3; // inside the name of user group 1
     PanelStore store;
     ASSERT_EQ(LoadPanelData(std::string_view(g.bytes()).substr(0, cut), store).outcome,
               LoadOutcome::Failed);
     EXPECT_EQ(store.listCount(SubType::Input), 2);
-    EXPECT_EQ(store.lists(SubType::Relay)[0].name, "Lights and Locks");
     EXPECT_EQ(store.userGroupCount, 2);
-    EXPECT_EQ(store.userGroupNames[0], Pad("Studio A", 16));
     EXPECT_EQ(store.userGroups[0].listCount, 2);
-    EXPECT_EQ(store.userGroupNames.size(), 2u);
     EXPECT_EQ(store.userGroupIndex.size(), 2u);
-    // Templates were never reached.
-    EXPECT_EQ(store.templateCount, 1);
-    EXPECT_EQ(store.templateNames[0], "None");
+    EXPECT_EQ(store.templateNames, std::vector<std::string>{"None"}); // never reached
 }
 
 TEST(PanelDataFile, NegativeCountsAreAnErrorNotACrash) {
     // A damaged count: the load stops there, the section keeps its default.
-    const std::string badListCount =
-        Golden().I16(140).I16(16383).I16(3).I16(0).I16(-1).bytes() + std::string(64, '\0');
     PanelStore store;
-    LoadResult r = LoadPanelData(badListCount, store);
+    LoadResult r =
+        LoadPanelData(Golden().I16s({140, 16383, 3, 0, -1}).bytes() + std::string(64, '\0'), store);
     EXPECT_EQ(r.outcome, LoadOutcome::Failed);
     EXPECT_EQ(r.status.failure().detail, "negative Input display list count -1 at byte 8");
     EXPECT_EQ(store.listCount(SubType::Input), 1);
     ExpectDefaultNames(store);
 
-    const std::string badChannels =
-        Golden().I16(140).I16(16383).I16(3).I16(0).I16(1).Text(Pad("L", 16)).I16(-32768).bytes();
-    r = LoadPanelData(badChannels, store);
+    r = LoadPanelData(Golden().I16s({140, 16383, 3, 0, 1}).Text(Pad("L", 16)).I16(-32768).bytes(),
+                      store);
     EXPECT_EQ(r.outcome, LoadOutcome::Failed);
     EXPECT_NE(r.status.failure().detail.find("negative Input display list 0 channel count"),
               std::string::npos);
-
-    const std::string badHeader = Golden().I16(140).I16(-3).bytes();
-    EXPECT_EQ(LoadPanelData(badHeader, store).outcome, LoadOutcome::Failed);
+    EXPECT_EQ(LoadPanelData(Golden().I16s({140, -3}).bytes(), store).outcome, LoadOutcome::Failed);
 }
 
 // ---- files on disk ----------------------------------------------------------
 
-class PanelDataFileOnDisk : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "lumeth-pdf-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        m_dir = pattern;
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-
-    static std::string ReadAll(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-    static void WriteAll(const fs::path& p, const std::string& bytes) {
-        std::ofstream(p, std::ios::binary) << bytes;
-    }
-    size_t FilesInDir() const {
-        return static_cast<size_t>(std::distance(fs::directory_iterator(m_dir), {}));
-    }
-
-    fs::path m_dir;
-};
-
-TEST_F(PanelDataFileOnDisk, SaveReplacesAnExistingFileEntirely) {
-    const fs::path path = m_dir / kDefaultPanelDataFileName;
-    WriteAll(path, std::string(5000, 'x'));
+TEST(PanelDataFileOnDisk, SaveReplacesAnExistingFileEntirelyOrFailsCleanly) {
+    test::TempFolder dir;
+    dir.Write(kDefaultPanelDataFileName, std::string(5000, 'x'));
     PanelStore store;
     ASSERT_EQ(LoadPanelData(Version3File().bytes(), store).outcome, LoadOutcome::Loaded);
-    ASSERT_TRUE(SavePanelDataFile(path.string(), store).ok());
-    EXPECT_EQ(ReadAll(path), Version3File().bytes());
-    EXPECT_EQ(FilesInDir(), 1u); // no temporary file left behind
+    ASSERT_TRUE(SavePanelDataFile(dir.file(kDefaultPanelDataFileName), store).ok());
+    EXPECT_EQ(dir.Read(kDefaultPanelDataFileName), Version3File().bytes());
+    EXPECT_EQ(dir.EntryCount(), 1u); // no temporary file left behind
 
     PanelStore back;
-    const LoadResult r = LoadPanelDataFile(path.string(), back);
-    EXPECT_EQ(r.outcome, LoadOutcome::Loaded);
+    EXPECT_EQ(LoadPanelDataFile(dir.file(kDefaultPanelDataFileName), back).outcome,
+              LoadOutcome::Loaded);
     EXPECT_EQ(EncodePanelData(back), Version3File().bytes());
+
+    EXPECT_FALSE(SavePanelDataFile(dir.file("no-such-folder/panel.dat"), store).ok());
+    EXPECT_EQ(dir.EntryCount(), 1u);
 }
 
-TEST_F(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
-    const fs::path path = m_dir / "panel.dat";
+TEST(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
+    test::TempFolder dir;
     const std::string old = Version3File().bytes();
-    WriteAll(path, old);
+    dir.Write("panel.dat", old);
 
     PanelStore big;
     big.ResetToDefaults();
@@ -399,34 +342,24 @@ TEST_F(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
     rlimit limited = saved;
     limited.rlim_cur = 1024;
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const Status status = SavePanelDataFile(path.string(), big);
+    const Status status = SavePanelDataFile(dir.file("panel.dat"), big);
     setrlimit(RLIMIT_FSIZE, &saved);
     std::signal(SIGXFSZ, previousHandler);
 
     EXPECT_FALSE(status.ok());
-    EXPECT_EQ(ReadAll(path), old);
-    EXPECT_EQ(FilesInDir(), 1u);
+    EXPECT_EQ(dir.Read("panel.dat"), old);
+    EXPECT_EQ(dir.EntryCount(), 1u);
 }
 
-TEST_F(PanelDataFileOnDisk, SaveIntoAMissingFolderFailsCleanly) {
-    const fs::path path = m_dir / "no-such-folder" / "panel.dat";
-    PanelStore store;
-    store.ResetToDefaults();
-    EXPECT_FALSE(SavePanelDataFile(path.string(), store).ok());
-    EXPECT_FALSE(fs::exists(path));
-}
-
-TEST_F(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouched) {
+TEST(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouchedAFolderResetsIt) {
+    test::TempFolder dir;
     PanelStore store;
     store.ResetToDefaults();
     store.userGroupNames[0] = "Mine";
-    const LoadResult r = LoadPanelDataFile((m_dir / "absent.dat").string(), store);
-    EXPECT_EQ(r.outcome, LoadOutcome::NoFile);
+    EXPECT_EQ(LoadPanelDataFile(dir.file("absent.dat"), store).outcome, LoadOutcome::NoFile);
     EXPECT_EQ(store.userGroupNames[0], "Mine");
 
-    // A folder where the file should be is a failure after the reset.
-    const LoadResult folder = LoadPanelDataFile(m_dir.string(), store);
-    EXPECT_EQ(folder.outcome, LoadOutcome::Failed);
+    EXPECT_EQ(LoadPanelDataFile(dir.path(), store).outcome, LoadOutcome::Failed);
     ExpectDefaultNames(store);
 }
 

@@ -11,27 +11,20 @@
 #include <QTimer>
 
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "files/error_log.h"
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "model/panel_store.h"
+#include "tests/link/messages.h"
+#include "tests/support/temp_folder.h"
 
 namespace lumeth {
 namespace {
 
-std::string Bytes(std::initializer_list<int> values) {
-    std::string out;
-    for (int v : values) {
-        out.push_back(static_cast<char>(v));
-    }
-    return out;
-}
+using testing::Raw;
 
 // One listening peer that keeps the bytes it receives.
 class Peer {
@@ -67,20 +60,11 @@ private:
 class ConnectionTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_folder = std::filesystem::temp_directory_path() /
-                   ("lumeth-connection-" + std::to_string(::getpid()) + "-" +
-                    ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
-        m_log = std::make_unique<ErrorLog>(m_folder.string() + "/",
+        m_log = std::make_unique<ErrorLog>(m_folder.path(),
                                            [] { return std::string("01/02/2024 10:00:00"); });
         m_connection = std::make_unique<Connection>(m_store, m_state, *m_log);
         QObject::connect(m_connection.get(), &Connection::statusTextChanged,
                          [this](const QString& text) { m_status = text; });
-    }
-    void TearDown() override {
-        m_connection.reset();
-        std::filesystem::remove_all(m_folder);
     }
 
     bool ConnectTo(Peer& peer) {
@@ -91,14 +75,7 @@ protected:
                QTest::qWaitFor([this] { return m_connection->IsConnected(); }, 5000);
     }
 
-    std::string ErrorLogText() const {
-        std::ifstream in(m_folder / "Errorlog.txt", std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-
-    std::filesystem::path m_folder;
+    test::TempFolder m_folder;
     PanelStore m_store;
     LinkState m_state;
     std::unique_ptr<ErrorLog> m_log;
@@ -114,26 +91,25 @@ int Occurrences(const std::string& text, const std::string& what) {
     return count;
 }
 
-TEST_F(ConnectionTest, ConnectsAndAnswersThePeerThroughTheSession) {
+TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
     Peer peer;
     ASSERT_TRUE(ConnectTo(peer));
     EXPECT_EQ(m_status, "Server Module Connected");
 
     // A poll is answered with exactly one poll answer.
-    peer.Send(Bytes({0xF5}));
+    peer.Send(Raw({0xF5}));
     ASSERT_TRUE(peer.ReceivedAtLeast(1));
     QTest::qWait(50);
-    EXPECT_EQ(peer.received(), Bytes({0xF4}));
+    EXPECT_EQ(peer.received(), Raw({0xF4}));
     peer.received().clear();
 
     // The identity query, split over two writes, is answered with the identity
     // answer and the request for everything.
-    peer.Send(Bytes({0x81, 0x64}));
+    peer.Send(Raw({0x81, 0x64}));
     QTest::qWait(30);
-    peer.Send(Bytes({0x64, 0xFF}));
-    const std::string expected = Bytes({0x81, 0x11, 0x01, 0x12, 0xFF}) +
-                                 Bytes({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x7C,
-                                        0x01, 0x00, 0x00, 0x00, 0x00, 0x1D, 0xFF});
+    peer.Send(Raw({0x64, 0xFF}));
+    const std::string expected =
+        Raw({0x81, 0x11, 0x01, 0x12, 0xFF}) + testing::Request(0x03000302, 0, 0xFC);
     ASSERT_TRUE(peer.ReceivedAtLeast(expected.size()));
     EXPECT_EQ(peer.received(), expected);
     EXPECT_EQ(m_state.pendingA, request::kEverythingA);
@@ -142,18 +118,14 @@ TEST_F(ConnectionTest, ConnectsAndAnswersThePeerThroughTheSession) {
     // The decode timer switches itself off once the buffer is drained.
     ASSERT_TRUE(QTest::qWaitFor([this] { return !m_connection->decodeTimer()->isActive(); }, 1000));
     EXPECT_TRUE(m_state.receiveBuffer.empty());
-}
 
-TEST_F(ConnectionTest, PasswordArrivesAsAStoreChange) {
-    Peer peer;
-    ASSERT_TRUE(ConnectTo(peer));
+    // What the session stores is announced as a store change.
     int passwordChanges = 0;
     QObject::connect(m_connection.get(), &Connection::storeChanged,
                      [&](StoreChange change, SubType) {
                          passwordChanges += change == StoreChange::Password ? 1 : 0;
                      });
-    // 80 05 03 'a' 'b' 'c' checksum FF; checksum = (5 + 3 + 97 + 98 + 99) mod 128.
-    peer.Send(Bytes({0x80, 0x05, 0x03, 'a', 'b', 'c', (5 + 3 + 97 + 98 + 99) % 128, 0xFF}));
+    peer.Send(testing::PasswordAnswer("abc"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return m_state.passwordReceived; }, 2000));
     EXPECT_EQ(m_state.serverPassword, "abc");
     EXPECT_EQ(passwordChanges, 1);
@@ -167,7 +139,7 @@ TEST_F(ConnectionTest, PeerClosingDisconnectsAndForgetsTheLogin) {
     m_state.enteredPassword = "abc";
     m_state.passwordReceived = true;
     // A partial frame is waiting in the buffer when the peer goes away.
-    peer.Send(Bytes({0xDF, 0x0B}));
+    peer.Send(Raw({0xDF, 0x0B}));
     ASSERT_TRUE(QTest::qWaitFor([this] { return !m_state.receiveBuffer.empty(); }, 2000));
 
     peer.Close();
@@ -195,7 +167,7 @@ TEST_F(ConnectionTest, DisconnectStillDeliversWhatWasWritten) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->SocketClosed(); }, 5000));
 
     // Nothing is written while the link is down.
-    m_connection->Transmit(Bytes({0xF4}));
+    m_connection->Transmit(Raw({0xF4}));
     QTest::qWait(50);
     EXPECT_EQ(peer.received().size(), message.size());
 }
@@ -214,7 +186,7 @@ TEST_F(ConnectionTest, PollReconnectsOnceTheServerIsUpAndLogsTheOutageOnce) {
     m_connection->StartPolling();
     QTest::qWait(1300); // two or three refused attempts
     EXPECT_FALSE(m_connection->IsConnected());
-    EXPECT_EQ(Occurrences(ErrorLogText(), "Error Connecting to Switcher"), 1);
+    EXPECT_EQ(Occurrences(m_folder.Read("Errorlog.txt"), "Error Connecting to Switcher"), 1);
 
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost, port));

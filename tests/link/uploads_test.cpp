@@ -15,11 +15,8 @@ TEST(Identity, QueryIsAnsweredWithTheRequestForEverything) {
     Harness h;
     h.state.pendingC = 0x4;
     h.Feed(Raw({0x81, 0x64, 0x64, 0xFF}));
-    const std::vector<std::string> expected = {
-        Raw({0x81, 0x11, 0x01, 0x12, 0xFF}),
-        Raw({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x7C, 0x01, 0x00, 0x00, 0x00,
-             0x00, 0x1D, 0xFF})};
-    EXPECT_EQ(h.Sent(), expected);
+    EXPECT_EQ(h.Sent(), (std::vector<std::string>{Raw({0x81, 0x11, 0x01, 0x12, 0xFF}),
+                                                  Request(0x03000302, 0, 0xFC)}));
     EXPECT_EQ(h.state.pendingA, 0x03000302u);
     EXPECT_EQ(h.state.pendingB, 0u);
     EXPECT_EQ(h.state.pendingC, 0xFCu);
@@ -41,7 +38,7 @@ TEST(Identity, OtherIdentityFramesAreIgnored) {
     }
 }
 
-TEST(Requests, EachRequestReplacesAllThreeMasks) {
+TEST(Requests, EachRequestReplacesAllThreeMasksAndPasswordIsSentAsItIs) {
     Harness h;
     h.session.RequestEverything();
     h.session.RequestData(0, 0, request::kUserGroups);
@@ -56,17 +53,12 @@ TEST(Requests, EachRequestReplacesAllThreeMasks) {
     EXPECT_EQ(sent[1], Request(0, 0, 4));
     EXPECT_EQ(sent[2], Request(request::kRelayAlphas, 5, 0));
     EXPECT_FALSE(h.session.HasOutgoing());
-}
 
-TEST(Requests, SetPassword) {
-    Harness h;
+    // Setting the password sends the server password as it stands.
     h.session.SendPassword();
     h.state.serverPassword = "New pw";
     h.session.SendPassword();
-    const auto sent = h.Sent();
-    ASSERT_EQ(sent.size(), 2u);
-    EXPECT_EQ(sent[0], Raw({0x80, 0x05, 0x00, 0x05, 0xFF}));
-    EXPECT_EQ(sent[1], Layout(0x80).Bytes({0x05, 6}).Text("New pw").Finish());
+    EXPECT_EQ(h.Sent(), (std::vector<std::string>{PasswordAnswer(""), PasswordAnswer("New pw")}));
 }
 
 PanelStore EditedStore() {
@@ -94,24 +86,6 @@ PanelStore EditedStore() {
     s.buttonTemplates[0].buttons = {PanelButton{1012, 1, "Door relay", 3, 4},
                                     PanelButton::Cleared()};
     return s;
-}
-
-TEST(Apply, SixMessagesInOrderWithoutTouchingTheMasks) {
-    Harness h;
-    h.store = EditedStore();
-    h.state.pendingC = 0x8;
-    const auto messages = h.session.BuildApplyMessages();
-    ASSERT_EQ(messages.size(), 6u);
-    const int heads[6][2] = {{0xDF, 11}, {0xDF, 21}, {0xDF, 31},
-                             {0xDF, 41}, {0xCC, 0},  {0xFD, 0x7F}};
-    for (size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(static_cast<unsigned char>(messages[i][0]), heads[i][0]) << i;
-        EXPECT_EQ(static_cast<unsigned char>(messages[i][1]), heads[i][1]) << i;
-        EXPECT_EQ(static_cast<unsigned char>(messages[i].back()), 0xFF);
-    }
-    EXPECT_EQ(messages[4], codec::GroupMessage(h.store));
-    EXPECT_EQ(h.state.pendingC, 0x8u);
-    EXPECT_FALSE(h.session.HasOutgoing()); // the connection sends them, 500 ms apart
 }
 
 TEST(Apply, ValuesTheWireCannotCarryFailTheirUploadOnly) {
@@ -158,13 +132,27 @@ TEST(Apply, UploadsReadBackIntoAnEqualStore) {
     const PanelStore edited = EditedStore();
     Harness sender;
     sender.store = edited;
+    sender.state.pendingC = request::kTemplates;
     Harness receiver;
     receiver.store.ResetToDefaults();
-    for (const std::string& m : sender.session.BuildApplyMessages()) {
+    const auto messages = sender.session.BuildApplyMessages();
+    ASSERT_EQ(messages.size(), 6u);
+    for (const std::string& m : messages) {
         receiver.Feed(m);
     }
     EXPECT_TRUE(receiver.observer.Quiet());
-    EXPECT_EQ(receiver.observer.changes.size(), 6u);
+    // In order: the four sub-types' lists, the groups, the templates.
+    using C = StoreChange;
+    EXPECT_EQ(receiver.observer.changes,
+              (std::vector<std::pair<StoreChange, SubType>>{{C::DisplayLists, SubType::Input},
+                                                            {C::DisplayLists, SubType::Output},
+                                                            {C::DisplayLists, SubType::Opto},
+                                                            {C::DisplayLists, SubType::Relay},
+                                                            {C::UserGroups, SubType::Input},
+                                                            {C::Templates, SubType::Input}}));
+    // The connection sends them, 500 ms apart; the masks are left alone.
+    EXPECT_FALSE(sender.session.HasOutgoing());
+    EXPECT_EQ(sender.state.pendingC, request::kTemplates);
 
     PanelStore expected = edited;
     for (SubType st : kAllSubTypes) {
@@ -182,23 +170,6 @@ TEST(Apply, UploadsReadBackIntoAnEqualStore) {
         b.label = codec::FixedWidth(b.label, 8);
     }
     EXPECT_EQ(Dump(receiver.store), Dump(expected));
-}
-
-TEST(ServerSide, AlphaTableFromTheCodecIsSortedOnArrival) {
-    Harness h;
-    const std::vector<std::string> names = {"Studio", "air", "AIR", "", "Booth"};
-    h.Feed(codec::AlphaTableMessage(SubType::Opto, names));
-    EXPECT_TRUE(h.observer.Quiet());
-    const AlphaTable& t = h.store.alpha(SubType::Opto);
-    EXPECT_EQ(t.count, 5);
-    // Worked through by hand: the two equal "air" names swap places, the
-    // exchange sort is not stable.
-    EXPECT_EQ(t.names,
-              (std::vector<std::string>{"      ", "AIR   ", "air   ", "Booth ", "Studio"}));
-    EXPECT_EQ(t.numbers, (std::vector<int16_t>{3, 2, 1, 4, 0}));
-    for (size_t k = 0; k < t.numbers.size(); ++k) {
-        EXPECT_EQ(t.positionOf[static_cast<size_t>(t.numbers[k])], static_cast<int16_t>(k));
-    }
 }
 
 } // namespace

@@ -9,51 +9,42 @@ namespace {
 
 using testing::Raw;
 
-TEST(Wire, JoinSeptets) {
+TEST(Wire, SeptetsJoinAndStayInsideTheMessage) {
     EXPECT_EQ(wire::JoinSeptets(0x7F, 0x7F), 16383);
     EXPECT_EQ(wire::JoinSeptets(5, 1), 133);
-    EXPECT_EQ(wire::JoinSeptets(0, 0), 0);
     EXPECT_FALSE(wire::JoinSeptets(0x80, 0).has_value());
     EXPECT_FALSE(wire::JoinSeptets(0, 0xFF).has_value());
-}
 
-TEST(Wire, Read14StaysInsideTheMessage) {
     const std::string m = Raw({0xDF, 0x05, 0x01, 0x7F});
     EXPECT_EQ(wire::Read14(m, 1), 133);
     EXPECT_EQ(wire::Read14(m, 2), 1 + 127 * 128);
-    EXPECT_FALSE(wire::Read14(m, 3).has_value());
-    EXPECT_FALSE(wire::Read14(m, 4).has_value());
-    EXPECT_FALSE(wire::Read14(m, static_cast<size_t>(-1)).has_value());
-    EXPECT_FALSE(wire::Read14(m, 0).has_value()); // command byte has its top bit set
+    for (size_t at : {size_t{0}, size_t{3}, size_t{4}, static_cast<size_t>(-1)}) {
+        EXPECT_FALSE(wire::Read14(m, at).has_value()) << at; // 0: the command's top bit
+    }
     EXPECT_FALSE(wire::Read14("", 0).has_value());
 }
 
-TEST(Wire, AppendRoundTripsThroughTheLayout) {
+TEST(Wire, AppendFollowsTheLayout) {
     for (int v : {0, 1, 127, 128, 133, 8191, 16383}) {
         std::string out;
         wire::Append14(out, v);
-        ASSERT_EQ(out.size(), 2u);
-        EXPECT_EQ(static_cast<unsigned char>(out[0]), v % 128);
-        EXPECT_EQ(static_cast<unsigned char>(out[1]), v / 128);
+        EXPECT_EQ(out, Raw({v % 128, v / 128}));
         EXPECT_EQ(wire::Read14(out, 0), v);
     }
     std::string out;
     wire::Append28(out, 0x0FFFFFFF);
-    EXPECT_EQ(out, Raw({0x7F, 0x7F, 0x7F, 0x7F}));
-    out.clear();
     wire::Append28(out, 0x03000302);
-    EXPECT_EQ(out, Raw({0x02, 0x06, 0x00, 0x18}));
+    EXPECT_EQ(out, Raw({0x7F, 0x7F, 0x7F, 0x7F, 0x02, 0x06, 0x00, 0x18}));
 }
 
-TEST(Wire, ChecksumTails) {
+TEST(Wire, ChecksumAndFinish) {
     // Command byte and end marker only: an empty sum.
     EXPECT_EQ(wire::Checksum(Raw({0xF2, 0xFF}), 2), 0);
     EXPECT_EQ(wire::Checksum(Raw({0xF2}), 2), 0);
     EXPECT_EQ(wire::Checksum("", 0), 0);
-    // The identity answer's worked example.
+    // The identity answer's worked example, with and without its tail.
     EXPECT_EQ(wire::Checksum(Raw({0x81, 0x11, 0x01}), 0), 0x12);
     EXPECT_EQ(wire::Checksum(Raw({0x81, 0x11, 0x01, 0x12, 0xFF}), 2), 0x12);
-    // Reduced to 7 bits as it goes.
     EXPECT_EQ(wire::Checksum(Raw({0xDF, 0x7F, 0x7F, 0x7F}), 0), (3 * 127) % 128);
 
     std::string m = Raw({0x80, 0x05, 0x00});
@@ -64,8 +55,7 @@ TEST(Wire, ChecksumTails) {
 TEST(Wire, SplitBytes) {
     std::string text(40000, 'x');
     text[16384] = 'y';
-    const std::string first = wire::SplitBytes(text, 16384);
-    EXPECT_EQ(first.size(), 16384u);
+    EXPECT_EQ(wire::SplitBytes(text, 16384).size(), 16384u);
     EXPECT_EQ(text.size(), 40000u - 16384u);
     EXPECT_EQ(text[0], 'y');
     std::string shortText = "abc";

@@ -10,9 +10,7 @@ PanelStore FilledStore() {
     PanelStore s;
     for (size_t t = 0; t < 4; ++t) {
         s.displayListCount[t] = 3;
-        s.displayLists[t].assign(3, DisplayList{});
-        s.displayLists[t][2].channelCount = 2;
-        s.displayLists[t][2].channels = {4, 9};
+        s.displayLists[t].assign(3, DisplayList{2, "L", {4, 9}});
     }
     s.userGroupCount = 2;
     s.ResizeUserGroups(2);
@@ -20,14 +18,12 @@ PanelStore FilledStore() {
     s.templateCount = 3;
     s.ResizeTemplates(3);
     s.buttonTemplates[2].number = 7;
-    s.buttonTemplates[2].buttonCount = 2;
-    s.buttonTemplates[2].buttons.assign(2, PanelButton::Cleared());
     s.alpha(SubType::Input).count = 2;
     s.alpha(SubType::Input).channelNames = {"MIC 1", "MIC 2"};
     return s;
 }
 
-TEST(PanelStore, ResetToDefaultsLeavesOneDefaultEntryOfEach) {
+TEST(PanelStore, ResetToDefaultsLeavesOneDefaultEntryOfEachButKeepsAlphas) {
     PanelStore s = FilledStore();
     s.ResetToDefaults();
 
@@ -42,23 +38,14 @@ TEST(PanelStore, ResetToDefaultsLeavesOneDefaultEntryOfEach) {
     }
     EXPECT_EQ(s.userGroupCount, 1);
     EXPECT_EQ(s.userGroupNames, std::vector<std::string>{"No Users"});
-    ASSERT_EQ(s.userGroups.size(), 1u);
-    EXPECT_EQ(s.userGroups[0].listCount, 0);
-    EXPECT_EQ(s.userGroups[0].listIndexes.size(), 1u);
+    EXPECT_EQ(s.userGroups.at(0).listCount, 0);
     EXPECT_EQ(s.userGroupIndex.size(), 1u);
-    EXPECT_EQ(s.userGroupNumber.size(), 1u);
-
     EXPECT_EQ(s.templateCount, 1);
     EXPECT_EQ(s.templateNames, std::vector<std::string>{"None"});
-    ASSERT_EQ(s.buttonTemplates.size(), 1u);
-    EXPECT_EQ(s.buttonTemplates[0].number, 0);
+    EXPECT_EQ(s.buttonTemplates.at(0).number, 0);
     EXPECT_EQ(s.buttonTemplates[0].buttonCount, 0);
-    EXPECT_EQ(s.buttonTemplates[0].buttons.size(), 1u);
-    EXPECT_EQ(s.templateIndex.size(), 1u);
     EXPECT_EQ(s.templatePosition.size(), 1u);
-
-    // Alpha tables come from the server module only; a reset keeps them.
-    EXPECT_EQ(s.alpha(SubType::Input).count, 2);
+    // Alpha tables come from the server module only.
     EXPECT_EQ(s.alpha(SubType::Input).channelNames[1], "MIC 2");
 }
 
@@ -66,34 +53,22 @@ TEST(PanelStore, ResizeKeepsAtLeastOneElementAndParallelArraysAligned) {
     PanelStore s = FilledStore();
     for (int count : {0, -1, 1, 5, 2}) {
         s.ResizeUserGroups(count);
-        const size_t n = count < 1 ? 1u : static_cast<size_t>(count);
-        EXPECT_EQ(s.userGroupNames.size(), n);
-        EXPECT_EQ(s.userGroups.size(), n);
-        EXPECT_EQ(s.userGroupIndex.size(), n);
-        EXPECT_EQ(s.userGroupNumber.size(), n);
-
         s.ResizeTemplates(count);
-        EXPECT_EQ(s.templateNames.size(), n);
-        EXPECT_EQ(s.buttonTemplates.size(), n);
-        EXPECT_EQ(s.templateIndex.size(), n);
-        EXPECT_EQ(s.templatePosition.size(), n);
+        const size_t n = ArraySizeFor(count);
+        EXPECT_EQ(n, count < 1 ? 1u : static_cast<size_t>(count));
+        for (size_t size :
+             {s.userGroupNames.size(), s.userGroups.size(), s.userGroupIndex.size(),
+              s.userGroupNumber.size(), s.templateNames.size(), s.buttonTemplates.size(),
+              s.templateIndex.size(), s.templatePosition.size()}) {
+            EXPECT_EQ(size, n) << count;
+        }
     }
     // Growing keeps what was there.
     PanelStore g = FilledStore();
     g.ResizeUserGroups(4);
-    EXPECT_EQ(g.userGroupNames[1], "News");
     g.ResizeTemplates(6);
+    EXPECT_EQ(g.userGroupNames[1], "News");
     EXPECT_EQ(g.buttonTemplates[2].number, 7);
-    EXPECT_EQ(ArraySizeFor(0), 1u);
-    EXPECT_EQ(ArraySizeFor(-7), 1u);
-    EXPECT_EQ(ArraySizeFor(32767), 32767u);
-}
-
-TEST(PanelStore, ClearedButtonHasNoChannels) {
-    const PanelButton b = PanelButton::Cleared();
-    EXPECT_EQ(b.channel, 16383);
-    EXPECT_EQ(b.channel2, 16383);
-    EXPECT_EQ(b.captionOption, 0);
 }
 
 TEST(PanelStore, SubTypeCodeFamiliesAreDistinct) {
@@ -107,7 +82,6 @@ TEST(PanelStore, SubTypeCodeFamiliesAreDistinct) {
     EXPECT_EQ(ListTypeCode(SubType::Relay), 41);
     EXPECT_EQ(AlphaTypeCode(SubType::Opto), 30);
     EXPECT_EQ(SubTypeFromListCode(83), std::nullopt);
-    EXPECT_STREQ(SubTypeName(SubType::Opto), "Opto");
 }
 
 } // namespace

@@ -8,6 +8,12 @@
 
 namespace lumeth::test {
 
+// The whole content of a file; empty when it cannot be read.
+inline std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
 // A fresh, empty folder under the system temp directory, removed afterwards.
 // path() ends in a separator, as the program's folder does.
 class TempFolder {
@@ -35,10 +41,7 @@ public:
         std::ofstream out(file(name), std::ios::binary);
         out << bytes;
     }
-    std::string Read(const std::string& name) const {
-        std::ifstream in(file(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    std::string Read(const std::string& name) const { return ReadFile(file(name)); }
     bool Exists(const std::string& name) const { return std::filesystem::exists(file(name)); }
     size_t EntryCount() const {
         return static_cast<size_t>(std::distance(std::filesystem::directory_iterator(m_dir),

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QEventLoop>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/temp_folder.h"
+
+namespace lumeth::testing {
+
+struct CliResult {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs the real lumeth-cli in a fresh folder. This process's event loop keeps
+// running meanwhile, so a scripted server in the test can serve it.
+class CliTest : public ::testing::Test {
+protected:
+    // The inherited environment without the password variables.
+    static QProcessEnvironment Environment(const QString& password = {}) {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove("LUMETH_PASSWORD");
+        env.remove("LUMETH_NEW_PASSWORD");
+        if (!password.isEmpty()) {
+            env.insert("LUMETH_PASSWORD", password);
+        }
+        return env;
+    }
+
+    CliResult Run(const QStringList& args, const QProcessEnvironment& env = Environment()) {
+        QProcess process;
+        process.setProcessEnvironment(env);
+        process.setWorkingDirectory(QString::fromStdString(m_dir.path()));
+        process.start(QStringLiteral(LUMETH_CLI_PATH), args);
+        EXPECT_TRUE(process.waitForStarted(5000));
+        QEventLoop loop;
+        QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
+        QTimer::singleShot(30000, &loop, &QEventLoop::quit);
+        if (process.state() != QProcess::NotRunning) {
+            loop.exec();
+        }
+        if (process.state() != QProcess::NotRunning) {
+            ADD_FAILURE() << "lumeth-cli did not finish";
+            process.kill();
+            process.waitForFinished(2000);
+        }
+        CliResult result;
+        result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        result.out = process.readAllStandardOutput().toStdString();
+        result.err = process.readAllStandardError().toStdString();
+        return result;
+    }
+
+    QString Path(const std::string& name) const { return QString::fromStdString(m_dir.file(name)); }
+
+    test::TempFolder m_dir;
+};
+
+} // namespace lumeth::testing
