@@ -297,7 +297,7 @@ TEST_F(ServerFlowsTest, ApplyOfAFileTheUploadCannotCarryExits2WithoutConnecting)
     store.ResetToDefaults();
     store.lists(SubType::Output)[0].channelCount = 1;
     store.lists(SubType::Output)[0].channels = {-4};
-    std::ofstream(m_folder / "negative.dat", std::ios::binary) << EncodePanelData(store);
+    m_dir.Write("negative.dat", EncodePanelData(store));
     ScriptedServer server("studio");
     const CliResult result = Run({"apply", Path("negative.dat"), "--server", Server(server.port())},
                                  Environment("studio"));

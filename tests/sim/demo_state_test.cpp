@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "tests/files/temp_folder.h"
+#include "tests/support/temp_folder.h"
 #include "tests/sim/sim_loop.h"
 #include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
