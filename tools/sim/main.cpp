@@ -22,6 +22,12 @@ constexpr int kExitUsage = 1;
 constexpr int kExitBadState = 2;
 constexpr int kExitCannotListen = 3;
 
+// "demo configuration" for the radio-facility demo, "large demo" for the
+// generated sets.
+std::string DemoTitle(const std::string& name) {
+    return name == "demo" ? std::string("demo configuration") : name + " demo";
+}
+
 void Error(const std::string& line) {
     std::cerr << "lumeth-sim: " << line << std::endl;
 }
@@ -69,8 +75,8 @@ int main(int argc, char** argv) {
                 Error("state file " + path + ": " + written);
                 return kExitBadState;
             }
-            passwordSource = "new state file " + path + " from the " + options.demo +
-                             " demo, password: " + demo.password;
+            passwordSource = "new state file " + path + " from the " + DemoTitle(options.demo) +
+                             ", password: " + demo.password;
         }
         state.setChangeListener([path](const SimState& s) { return SaveStateFile(path, s); });
     } else {
@@ -80,7 +86,7 @@ int main(int argc, char** argv) {
             return kExitUsage;
         }
         state.Reset(std::move(demo.store), demo.password);
-        passwordSource = "built-in " + options.demo + " demo, password: " + demo.password;
+        passwordSource = "built-in " + DemoTitle(options.demo) + ", password: " + demo.password;
     }
 
     SimServerOptions serverOptions;
