@@ -44,8 +44,12 @@ void PrintUsage(std::ostream& out) {
     out << "usage: lumeth-cli <command> [arguments]\n\ncommands:\n";
     for (const Command& c : Commands()) {
         const std::string synopsis = std::string(c.name) + " " + c.arguments;
-        out << "  " << synopsis << std::string(synopsis.size() < 24 ? 24 - synopsis.size() : 1, ' ')
-            << c.summary << "\n";
+        // A synopsis too long for the column puts its summary on the next line.
+        if (synopsis.size() < 24) {
+            out << "  " << synopsis << std::string(24 - synopsis.size(), ' ') << c.summary << "\n";
+        } else {
+            out << "  " << synopsis << "\n" << std::string(26, ' ') << c.summary << "\n";
+        }
     }
     out << CommandOptionsHelp();
     out << "\nFILE and IN may be a panel data file (.dat) or a JSON document (.json); the\n"
