@@ -65,14 +65,6 @@ bool CheckUploadable(const std::string& path, Document::Form form, std::string& 
     return true;
 }
 
-int ListTotal(const PanelStore& store) {
-    int total = 0;
-    for (SubType subType : kAllSubTypes) {
-        total += store.listCount(subType);
-    }
-    return total;
-}
-
 } // namespace
 
 // apply FILE: log in and download like the window, replace the display lists,
@@ -118,8 +110,8 @@ int RunApply(const std::vector<std::string>& args) {
     }
     const PanelStore& store = client.store();
     std::cout << "applied " << path << " to " << options.host << ":" << options.port << ": "
-              << ListTotal(store) << " display lists, " << store.userGroupCount << " user groups, "
-              << store.templateCount << " button templates\n";
+              << DisplayListTotal(store) << " display lists, " << store.userGroupCount
+              << " user groups, " << store.templateCount << " button templates\n";
     return ToInt(ExitCode::Ok);
 }
 

@@ -155,4 +155,12 @@ bool WriteOutput(const std::string& path, const std::string& bytes, std::string&
     return true;
 }
 
+int DisplayListTotal(const PanelStore& store) {
+    int total = 0;
+    for (SubType subType : kAllSubTypes) {
+        total += store.listCount(subType);
+    }
+    return total;
+}
+
 } // namespace lumeth::cli

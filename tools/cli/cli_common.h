@@ -68,4 +68,7 @@ bool EncodeDocument(const Document& doc, Document::Form form, std::string& bytes
 // Write `bytes` to `path` atomically (temporary file + rename).
 bool WriteOutput(const std::string& path, const std::string& bytes, std::string& error);
 
+// Display lists of all four sub types, for one-line summaries.
+int DisplayListTotal(const PanelStore& store);
+
 } // namespace lumeth::cli

@@ -7,18 +7,6 @@
 
 namespace lumeth::cli {
 
-namespace {
-
-int ListTotal(const PanelStore& store) {
-    int total = 0;
-    for (SubType subType : kAllSubTypes) {
-        total += store.listCount(subType);
-    }
-    return total;
-}
-
-} // namespace
-
 // fetch -o OUT: log in, download everything, write OUT. OUT is written only
 // after the whole download has arrived, so a wrong password, a lost link or a
 // timeout leaves no file behind.
@@ -76,8 +64,9 @@ int RunFetch(const std::vector<std::string>& args) {
     for (SubType subType : kAllSubTypes) {
         std::cout << store.alpha(subType).count << " " << SubTypeName(subType) << ", ";
     }
-    std::cout << "channel names; " << ListTotal(store) << " display lists, " << store.userGroupCount
-              << " user groups, " << store.templateCount << " button templates\n";
+    std::cout << "channel names; " << DisplayListTotal(store) << " display lists, "
+              << store.userGroupCount << " user groups, " << store.templateCount
+              << " button templates\n";
     return ToInt(ExitCode::Ok);
 }
 
