@@ -19,7 +19,7 @@ struct JsonDocumentOptions {
 std::string WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions& options = {});
 
 struct JsonReadResult {
-    Status status;                       // detail names the JSON path on error
+    Status status; // detail names the JSON path on error
     bool hasAlphas = false;
     std::optional<std::string> password; // bytes
 };

@@ -11,8 +11,8 @@ namespace lumeth {
 // The four kinds of channel. The enum value is the index into the store's
 // per-sub-type arrays.
 enum class SubType : int { Input = 0, Output = 1, Opto = 2, Relay = 3 };
-inline constexpr std::array<SubType, 4> kAllSubTypes{SubType::Input, SubType::Output,
-                                                     SubType::Opto, SubType::Relay};
+inline constexpr std::array<SubType, 4> kAllSubTypes{SubType::Input, SubType::Output, SubType::Opto,
+                                                     SubType::Relay};
 
 // 16383 in a button channel field means "no channel"; it is also the code of
 // the "Inactive" button function.
@@ -22,8 +22,12 @@ inline constexpr int16_t kUserGroupListType = 83;
 
 // Alpha tables and alpha downloads use 10/20/30/40; display lists inside user
 // groups and the current selection use 11/21/31/41.
-constexpr int16_t AlphaTypeCode(SubType s) { return static_cast<int16_t>(10 * (int(s) + 1)); }
-constexpr int16_t ListTypeCode(SubType s) { return static_cast<int16_t>(10 * (int(s) + 1) + 1); }
+constexpr int16_t AlphaTypeCode(SubType s) {
+    return static_cast<int16_t>(10 * (int(s) + 1));
+}
+constexpr int16_t ListTypeCode(SubType s) {
+    return static_cast<int16_t>(10 * (int(s) + 1) + 1);
+}
 std::optional<SubType> SubTypeFromAlphaCode(int code);
 std::optional<SubType> SubTypeFromListCode(int code);
 const char* SubTypeName(SubType s); // "Input", "Output", "Opto", "Relay"
@@ -39,8 +43,8 @@ struct AlphaTable {
 
 struct DisplayList {
     int16_t channelCount = 0;
-    std::string name;                    // at most 16 characters when saved or sent
-    std::vector<int16_t> channels{0};    // at least one element; channelCount are valid
+    std::string name;                 // at most 16 characters when saved or sent
+    std::vector<int16_t> channels{0}; // at least one element; channelCount are valid
 };
 
 struct UserGroup {
@@ -121,6 +125,8 @@ struct PanelStore {
 };
 
 // Size an array for `count` entries: max(count, 1) elements.
-inline size_t ArraySizeFor(int count) { return count < 1 ? 1u : static_cast<size_t>(count); }
+inline size_t ArraySizeFor(int count) {
+    return count < 1 ? 1u : static_cast<size_t>(count);
+}
 
 } // namespace lumeth

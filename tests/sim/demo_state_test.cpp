@@ -5,9 +5,9 @@
 #include <set>
 #include <string>
 
-#include "tests/support/temp_folder.h"
 #include "tests/sim/sim_loop.h"
 #include "tests/sim/store_dump.h"
+#include "tests/support/temp_folder.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/state_file.h"
 
