@@ -16,6 +16,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <utility>
+
 #include "app/main_views.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
@@ -377,8 +379,14 @@ void MainWindow::EditButtons() {
 }
 
 void MainWindow::EditFromPopup() {
+    // The menu has already closed and queued its refresh; the editor keeps
+    // events flowing, so that refresh would run while it is still open. Take
+    // it over and run it once the editor has committed.
+    QObject* source = std::exchange(m_popupSource, nullptr);
     ShowListEditor();
     m_views->DisplayUserGroups();
+    m_popupSource = source;
+    RefreshAfterPopup();
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -486,6 +486,31 @@ private slots:
         popup->hide();
         QVERIFY(m_window->statusBar()->currentMessage().contains("not available"));
         QTRY_COMPARE(Groups()->topLevelItemCount(), Demo().userGroupCount);
+
+        // "Edit List" chosen with the mouse: the menu closes before its action
+        // runs, and an editor keeps events flowing while it is open. The views
+        // are refreshed after the editor has committed, not while it is open.
+        PanelStore& store = m_window->store();
+        ClickItem(Lists(), 0);
+        const int position = m_window->store().currentList;
+        const SubType subType = *SubTypeFromListCode(store.currentListType);
+        int editorShown = 0;
+        m_window->setListEditor([&] {
+            ++editorShown;
+            QTest::qWait(50);
+            store.lists(subType)[static_cast<size_t>(position)].name = "Edited In Editor";
+            store.userGroupNames[static_cast<size_t>(store.currentUserGroup)] = "Group Edited";
+        });
+        ClickItem(Lists(), 0, Qt::RightButton);
+        QTRY_VERIFY(popup->isVisible());
+        auto* edit = Child<QAction>(m_window, "mnuEdit");
+        QTest::mouseClick(popup, Qt::LeftButton, {}, popup->actionGeometry(edit).center());
+        QTRY_COMPARE(editorShown, 1);
+        QTest::qWait(20);
+        QCOMPARE(Lists()->topLevelItem(0)->text(0).trimmed(), QString("Edited In Editor"));
+        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text(),
+                 QString("Display Lists in Group Edited"));
+        QCOMPARE(Groups()->topLevelItem(store.currentUserGroup)->text(0), QString("Group Edited"));
     }
 
     void exitDisconnectsAndWritesTheSettings() {
