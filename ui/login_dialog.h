@@ -43,6 +43,7 @@ private:
     QPushButton* m_ok = nullptr;
     QPushButton* m_cancel = nullptr;
     bool m_checking = false;
+    bool m_cancelled = false; // Cancel pressed while OK was waiting
 };
 
 } // namespace lumeth

@@ -262,6 +262,39 @@ private slots:
         QVERIFY(text.contains("Maintain Log Files="));
     }
 
+    void cancellingWhileWaitingForThePasswordEndsTheLoginQuietly_data() {
+        QTest::addColumn<bool>("closeBox");
+        QTest::newRow("Cancel button") << false;
+        QTest::newRow("close box") << true;
+    }
+    void cancellingWhileWaitingForThePasswordEndsTheLoginQuietly() {
+        // A service that accepts the connection but never sends a password:
+        // OK waits without a time limit, and Cancel or the close box is the
+        // way out. The abandoned check must not go on to report anything.
+        QFETCH(bool, closeBox);
+        QTcpServer silent;
+        QVERIFY(silent.listen(QHostAddress::LocalHost, 0));
+        StartWindow();
+        // Answered, should one come up after all, so the check can fail.
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        Child<QLineEdit>(Login(), "txtPort")->setText(QString::number(silent.serverPort()));
+        // Past the reconnect's one-second wait, inside the wait for the password.
+        QTimer::singleShot(1300, Login(), [this, closeBox] {
+            if (closeBox)
+                Login()->reject();
+            else
+                QTest::mouseClick(Child<QPushButton>(Login(), "cmdCancel"), Qt::LeftButton);
+        });
+        TypeAndOk("studio");
+        QVERIFY(!Login()->isVisible());
+        QVERIFY(!m_window->isVisible());
+        QVERIFY(m_window->link().enteredPassword.empty());
+        QVERIFY2(MessageBox::history().empty(),
+                 qPrintable(MessageBox::history().empty() ? QString()
+                                                          : MessageBox::history().back().text));
+    }
+
     void drillDownFromGroupToChannels() {
         StartWindow();
         LogIn();
