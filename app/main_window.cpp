@@ -220,8 +220,10 @@ void MainWindow::Start() {
     m_store.currentListType = 11;
     m_settings = Settings{};
     m_settings.packetSize = 16383;
-    // A failed read leaves the values read so far; nothing is shown.
-    (void)ReadSettings(m_folder, m_settings);
+    // A failed read leaves the values read so far; it is logged, not shown.
+    const Status read = ReadSettings(m_folder, m_settings);
+    if (!read)
+        ReportError("Error Reading ini file", "File Error", read.failure());
     m_linkPanel->setText("Server Module Not Connected");
     if (m_settings.serverPort == 0)
         m_settings.serverPort = 1250;

@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -293,6 +294,29 @@ private slots:
         QVERIFY2(MessageBox::history().empty(),
                  qPrintable(MessageBox::history().empty() ? QString()
                                                           : MessageBox::history().back().text));
+    }
+
+    void settingsThatCannotBeReadOrWrittenAreLogged() {
+        // kovadmin.ini is a folder with something in it: it can be neither
+        // read nor replaced. Start-up and shut-down carry on and say so in the
+        // error log only.
+        QVERIFY(QFile::remove(Folder() + "kovadmin.ini"));
+        QVERIFY(QDir(Folder()).mkpath("kovadmin.ini/keep"));
+        QFile stale(Folder() + "udpserve.ini");
+        QVERIFY(stale.open(QIODevice::WriteOnly));
+        stale.close();
+        m_window = new MainWindow(Folder().toStdString());
+        m_window->setAttribute(Qt::WA_DeleteOnClose, false);
+        m_window->Start();
+        QCOMPARE(m_window->link().serverPort, 1250);
+        QVERIFY(!QFile::exists(Folder() + "udpserve.ini"));
+        m_window->close();
+        QFile log(Folder() + "Errorlog.txt");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QString text = QString::fromLatin1(log.readAll());
+        QVERIFY2(text.contains("Error Reading ini file"), qPrintable(text));
+        QVERIFY2(text.contains("Error Writing ini file"), qPrintable(text));
+        QVERIFY(text.indexOf("Error Reading ini file") < text.indexOf("Error Writing ini file"));
     }
 
     void drillDownFromGroupToChannels() {
