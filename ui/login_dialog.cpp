@@ -82,6 +82,9 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
 void LoginDialog::LoadFromState() {
     m_address->setText(ToQt(m_state.serverAddress));
     m_port->setText(QString::number(m_state.serverPort));
+    // Each login asks for the password afresh: after a reconnect the last
+    // one typed must not be waiting in the box.
+    m_password->clear();
 }
 
 void LoginDialog::showEvent(QShowEvent* event) {

@@ -23,7 +23,8 @@ public:
     LoginDialog(LinkState& state, Connection& connection, std::string& normalisedAddress,
                 QWidget* parent = nullptr);
 
-    // Load: the address and port boxes show the link's current values.
+    // Load: the address and port boxes show the link's current values and
+    // the password box is empty.
     void LoadFromState();
     // cmdOk's steps; the dialog closes only on a matching password.
     void Ok();

@@ -487,6 +487,9 @@ private slots:
         QCOMPARE(m_window->link().serverAddress, std::string("127.0.0.1"));
         QTRY_VERIFY(Login()->isVisible());
         QVERIFY(!m_window->isEnabled());
+        // Logged out means the password is asked for again, not filled in.
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->text(), QString());
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPort")->text(), QString::number(second.port()));
         QTRY_COMPARE(second.server->clientCount(), 1);
         TypeAndOk("studio");
         QTRY_VERIFY(m_window->isEnabled());
