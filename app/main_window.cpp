@@ -16,6 +16,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <utility>
+
 #include "app/main_views.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
@@ -218,8 +220,10 @@ void MainWindow::Start() {
     m_store.currentListType = 11;
     m_settings = Settings{};
     m_settings.packetSize = 16383;
-    // A failed read leaves the values read so far; nothing is shown.
-    (void)ReadSettings(m_folder, m_settings);
+    // A failed read leaves the values read so far; it is logged, not shown.
+    const Status read = ReadSettings(m_folder, m_settings);
+    if (!read)
+        ReportError("Error Reading ini file", "File Error", read.failure());
     m_linkPanel->setText("Server Module Not Connected");
     if (m_settings.serverPort == 0)
         m_settings.serverPort = 1250;
@@ -377,8 +381,14 @@ void MainWindow::EditButtons() {
 }
 
 void MainWindow::EditFromPopup() {
+    // The menu has already closed and queued its refresh; the editor keeps
+    // events flowing, so that refresh would run while it is still open. Take
+    // it over and run it once the editor has committed.
+    QObject* source = std::exchange(m_popupSource, nullptr);
     ShowListEditor();
     m_views->DisplayUserGroups();
+    m_popupSource = source;
+    RefreshAfterPopup();
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

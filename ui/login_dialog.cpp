@@ -82,6 +82,9 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
 void LoginDialog::LoadFromState() {
     m_address->setText(ToQt(m_state.serverAddress));
     m_port->setText(QString::number(m_state.serverPort));
+    // Each login asks for the password afresh: after a reconnect the last
+    // one typed must not be waiting in the box.
+    m_password->clear();
 }
 
 void LoginDialog::showEvent(QShowEvent* event) {
@@ -114,8 +117,10 @@ void LoginDialog::Ok() {
         changed = true;
     }
 
-    // Waiting below keeps events flowing; a second OK meanwhile is ignored.
+    // Waiting below keeps events flowing; a second OK meanwhile is ignored,
+    // and Cancel (or the close box) abandons the check.
     m_checking = true;
+    m_cancelled = false;
     m_ok->setEnabled(false);
     const auto done = [this] {
         m_checking = false;
@@ -126,11 +131,19 @@ void LoginDialog::Ok() {
         m_connection.Disconnect();
         m_connection.Connect();
         m_connection.Wait(1000, true);
+        if (m_cancelled) {
+            done();
+            return;
+        }
     }
 
     m_state.enteredPassword = FromQt(m_password->text());
     while (!m_state.passwordReceived) {
         m_connection.Wait(100, true);
+        if (m_cancelled) {
+            done();
+            return;
+        }
         if (!m_state.connected) {
             MessageBox::Show(this,
                              "Server not connected.\nPlease verify IP Address and Port of KOV "
@@ -154,15 +167,15 @@ void LoginDialog::Ok() {
 }
 
 void LoginDialog::Cancel() {
+    m_cancelled = true;
     m_state.enteredPassword.clear();
     QDialog::reject();
 }
 
 void LoginDialog::reject() {
-    // Escape and the close box end the login like Cancel, but not in the
-    // middle of a password check.
-    if (m_checking)
-        return;
+    // Escape and the close box end the login like Cancel, also while OK is
+    // waiting for the server's password: there is no other way out of a
+    // server that never sends one.
     Cancel();
 }
 

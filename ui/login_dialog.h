@@ -23,7 +23,8 @@ public:
     LoginDialog(LinkState& state, Connection& connection, std::string& normalisedAddress,
                 QWidget* parent = nullptr);
 
-    // Load: the address and port boxes show the link's current values.
+    // Load: the address and port boxes show the link's current values and
+    // the password box is empty.
     void LoadFromState();
     // cmdOk's steps; the dialog closes only on a matching password.
     void Ok();
@@ -43,6 +44,7 @@ private:
     QPushButton* m_ok = nullptr;
     QPushButton* m_cancel = nullptr;
     bool m_checking = false;
+    bool m_cancelled = false; // Cancel pressed while OK was waiting
 };
 
 } // namespace lumeth
