@@ -206,7 +206,10 @@ void SetupDialog::Ok() {
     if (password != m_state.serverPassword) {
         m_state.serverPassword = password;
         m_connection.SendPassword();
-        m_connection.RequestEverything();
+        // Ask for the stored password only, so the server confirms the change
+        // without a full download replacing edits that are not applied yet.
+        m_connection.session().RequestData(request::kPassword, 0, 0);
+        m_connection.FlushSession();
     }
     accept();
 }

@@ -463,7 +463,9 @@ private slots:
         QVERIFY(m_window->link().connected);
         QVERIFY(!m_window->link().enteredPassword.empty()); // still logged in
 
-        // A new password is stored in the emulator.
+        // A new password is stored in the emulator and read back; an edit not
+        // yet applied survives it (only the password is asked for again).
+        m_window->store().lists(SubType::Input)[0].name = "LOCAL EDIT";
         WhenModal("frmSetup", [&](QWidget* dialog) {
             QCOMPARE(Child<QLineEdit>(dialog, "txtPassword")->text(), QString("studio"));
             Child<QLineEdit>(dialog, "txtPassword")->setText("onair");
@@ -471,6 +473,9 @@ private slots:
         });
         setup->trigger();
         QTRY_COMPARE(QString::fromStdString(m_sim.state.password()), QString("onair"));
+        QTRY_VERIFY(!m_window->link().AnyPending());
+        QCOMPARE(m_window->link().serverPassword, std::string("onair"));
+        QCOMPARE(m_window->store().lists(SubType::Input)[0].name, std::string("LOCAL EDIT"));
         QVERIFY(!m_window->link().enteredPassword.empty());
 
         // A second emulator on another port: changing the port reconnects, which
