@@ -1,13 +1,12 @@
 #include "files/error_log.h"
 
 #include <cctype>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <initializer_list>
 #include <utility>
 
+#include "files/file_io.h"
 #include "files/organisation.h"
 
 namespace lumeth {
@@ -48,35 +47,6 @@ std::string SystemNow() {
     localtime_r(&t, &local);
 #endif
     return ErrorLog::FormatShortDateTime(local);
-}
-
-Failure ErrnoFailure(int err, ErrorCode fallback, const std::string& what) {
-    ErrorCode code = fallback;
-    if (err == ENOENT || err == ENOTDIR) {
-        code = ErrorCode::PathNotFound;
-    } else if (err == EACCES || err == EPERM) {
-        code = ErrorCode::PermissionDenied;
-    } else if (err == ENOSPC) {
-        code = ErrorCode::DiskFull;
-    }
-    return Failure{code, what + ": " + std::strerror(err)};
-}
-
-// Open, write, close; nothing stays open between records.
-Failure WriteBytes(const std::string& path, const char* mode, const std::string& bytes) {
-    std::FILE* f = std::fopen(path.c_str(), mode);
-    if (f == nullptr) {
-        return ErrnoFailure(errno, ErrorCode::PathFileAccessError, path);
-    }
-    const size_t written = std::fwrite(bytes.data(), 1, bytes.size(), f);
-    int err = written == bytes.size() ? 0 : errno;
-    if (std::fclose(f) != 0 && err == 0) {
-        err = errno;
-    }
-    if (written != bytes.size() || err != 0) {
-        return ErrnoFailure(err, ErrorCode::DeviceIoError, path);
-    }
-    return {};
 }
 
 } // namespace
@@ -160,14 +130,16 @@ void ErrorLog::WriteErrorLog(std::string_view message, std::string_view location
             header += h;
             header += kCrLf;
         }
-        if (Failure f = WriteBytes(file, "wb", header); f.code != ErrorCode::None) {
+        if (Status written = WriteFileBytes(file, "wb", header); !written) {
+            const Failure& f = written.failure();
             m_lastWriteFailure = f;
             ReportError("Error creating Error file", "File Error", f);
             m_writing = false;
             return;
         }
     }
-    if (Failure f = WriteBytes(file, "ab", line); f.code != ErrorCode::None) {
+    if (Status written = WriteFileBytes(file, "ab", line); !written) {
+        const Failure& f = written.failure();
         m_lastWriteFailure = f;
         ReportError("Error Writing to Error Log", "File Error", f);
     }

@@ -1,8 +1,7 @@
 #include "files/ini_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include "files/file_io.h"
+
 #include <filesystem>
 #include <utility>
 
@@ -35,28 +34,6 @@ std::string StripQuotes(std::string_view v) {
 
 char LowerAscii(char c) {
     return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-ErrorCode CodeFromErrno(int err, ErrorCode fallback) {
-    switch (err) {
-    case ENOENT:
-        return ErrorCode::FileNotFound;
-    case EACCES:
-    case EPERM:
-        return ErrorCode::PermissionDenied;
-    case EISDIR:
-        return ErrorCode::PathFileAccessError;
-    case ENOSPC:
-        return ErrorCode::DiskFull;
-    case ENAMETOOLONG:
-        return ErrorCode::BadFileName;
-    default:
-        return fallback;
-    }
-}
-
-Status ErrnoFailure(int err, ErrorCode fallback, const std::string& what) {
-    return Status::Fail(CodeFromErrno(err, fallback), what + ": " + std::strerror(err));
 }
 
 } // namespace
@@ -116,21 +93,9 @@ Status IniFile::Load(const std::string& path, IniFile& out) {
     if (std::filesystem::is_directory(path, ec)) {
         return Status::Fail(ErrorCode::PathFileAccessError, path + ": is a directory");
     }
-    std::FILE* f = std::fopen(path.c_str(), "rb");
-    if (f == nullptr) {
-        return ErrnoFailure(errno, ErrorCode::PathFileAccessError, path);
-    }
     std::string bytes;
-    char buf[4096];
-    size_t n = 0;
-    while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) {
-        bytes.append(buf, n);
-    }
-    const bool failed = std::ferror(f) != 0;
-    const int err = errno;
-    std::fclose(f);
-    if (failed) {
-        return ErrnoFailure(err, ErrorCode::DeviceIoError, path);
+    if (Status read = ReadFileBytes(path, bytes); !read) {
+        return read;
     }
     out = Parse(bytes);
     return Status::Ok();
@@ -205,20 +170,7 @@ std::string IniFile::Serialize() const {
 }
 
 Status IniFile::Save(const std::string& path) const {
-    const std::string bytes = Serialize();
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (f == nullptr) {
-        return ErrnoFailure(errno, ErrorCode::PathFileAccessError, path);
-    }
-    const size_t written = std::fwrite(bytes.data(), 1, bytes.size(), f);
-    int err = written == bytes.size() ? 0 : errno;
-    if (std::fclose(f) != 0 && err == 0) {
-        err = errno;
-    }
-    if (written != bytes.size() || err != 0) {
-        return ErrnoFailure(err, ErrorCode::DeviceIoError, path);
-    }
-    return Status::Ok();
+    return WriteFileBytes(path, "wb", Serialize());
 }
 
 } // namespace lumeth
