@@ -12,8 +12,8 @@
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "ui/key_filter.h"
-#include "ui/message_box.h"
 #include "ui/normalise_address.h"
+#include "ui/message_box.h"
 #include "ui/port_check.h"
 #include "ui/qt_text.h"
 
@@ -99,23 +99,12 @@ void LoginDialog::showEvent(QShowEvent* event) {
 void LoginDialog::Ok() {
     if (m_checking)
         return;
-    bool changed = false;
-
-    NormaliseAddress(FromQt(m_address->text()), m_normalisedAddress);
-    if (m_normalisedAddress != m_state.serverAddress) {
-        m_state.serverAddress = m_normalisedAddress;
-        changed = true;
-    }
-
-    const int32_t port = LeadingNumber(FromQt(m_port->text()));
-    if (!PortInRange(port)) {
-        ShowPortError(this);
+    const std::optional<bool> fields =
+        ApplyServerFields(this, m_address->text(), m_port->text(), m_normalisedAddress, m_state);
+    if (!fields) {
         return;
     }
-    if (port != m_state.serverPort) {
-        m_state.serverPort = port;
-        changed = true;
-    }
+    const bool changed = *fields;
 
     // Waiting below keeps events flowing; a second OK meanwhile is ignored,
     // and Cancel (or the close box) abandons the check.

@@ -169,28 +169,14 @@ void SetupDialog::LoadFromSettings() {
 }
 
 void SetupDialog::Ok() {
-    bool linkChanged = false;
-
-    // An address without three dots leaves the last normalised one in force.
-    NormaliseAddress(FromQt(m_address->text()), m_normalisedAddress);
-    if (m_normalisedAddress != m_state.serverAddress) {
-        m_state.serverAddress = m_normalisedAddress;
-        m_settings.serverAddress = m_normalisedAddress;
-        linkChanged = true;
-    }
-
-    const int32_t port = LeadingNumber(FromQt(m_port->text()));
-    if (!PortInRange(port)) {
-        ShowPortError(this);
+    // The settings take the address and port from the link when they are written.
+    const std::optional<bool> linkChanged =
+        ApplyServerFields(this, m_address->text(), m_port->text(), m_normalisedAddress, m_state);
+    if (!linkChanged) {
         return;
     }
-    if (port != m_state.serverPort) {
-        m_state.serverPort = port;
-        m_settings.serverPort = port;
-        linkChanged = true;
-    }
 
-    if (linkChanged) {
+    if (*linkChanged) {
         m_connection.Disconnect();
         m_connection.Connect();
     }
