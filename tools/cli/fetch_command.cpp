@@ -38,11 +38,7 @@ int RunFetch(const std::vector<std::string>& args) {
     }
 
     ServerClient client(options);
-    if (const int code = client.LogIn(*password.password); code != 0) {
-        return code;
-    }
-    if (const int code = client.AwaitDownload(); code != 0) {
-        client.Close();
+    if (const int code = client.LogInAndDownload(*password.password); code != 0) {
         return code;
     }
     client.Close();

@@ -238,6 +238,17 @@ int ServerClient::AwaitDownload() {
     return ToInt(ExitCode::Timeout);
 }
 
+int ServerClient::LogInAndDownload(const std::string& password) {
+    if (const int code = LogIn(password); code != 0) {
+        return code;
+    }
+    if (const int code = AwaitDownload(); code != 0) {
+        Close();
+        return code;
+    }
+    return 0;
+}
+
 int ServerClient::ChangePassword(const std::string& newPassword) {
     m_state.serverPassword = newPassword;
     m_connection->SendPassword();

@@ -56,6 +56,8 @@ public:
     int LogIn(const std::string& password);
     // Wait until every part asked for has arrived.
     int AwaitDownload();
+    // Both of the above; the link is closed again when the download fails.
+    int LogInAndDownload(const std::string& password);
     // Send the new password, then ask for everything again and wait until the
     // server module answers with the new password.
     int ChangePassword(const std::string& newPassword);
