@@ -11,6 +11,7 @@
 #include "link/session.h"
 #include "model/alpha_sort.h"
 #include "tests/link/alpha_sort_reference.h"
+#include "tools/sim/demo_config.h"
 
 namespace lumeth {
 namespace {
@@ -143,46 +144,10 @@ void BM_DecodeSmallFrames(benchmark::State& state) {
 }
 BENCHMARK(BM_DecodeSmallFrames)->Unit(benchmark::kMillisecond);
 
-// 4 x 500 lists of 64 channels, 200 groups of 40 lists, 500 templates of 32 buttons.
+// 4 x 500 lists of 64 channels, 200 groups of 40 lists, 500 templates of 32
+// buttons: the emulator's generated "large" set.
 PanelStore LargeConfiguration() {
-    PanelStore s;
-    s.ResetToDefaults();
-    for (SubType st : kAllSubTypes) {
-        auto& lists = s.lists(st);
-        lists.assign(500, DisplayList{});
-        s.listCount(st) = 500;
-        for (size_t i = 0; i < lists.size(); ++i) {
-            lists[i].name = "List " + std::to_string(i);
-            lists[i].channelCount = 64;
-            lists[i].channels.resize(64);
-            for (size_t c = 0; c < 64; ++c) {
-                lists[i].channels[c] = static_cast<int16_t>((i * 64 + c) % 16383);
-            }
-        }
-    }
-    s.ResizeUserGroups(200);
-    s.userGroupCount = 200;
-    for (size_t g = 0; g < 200; ++g) {
-        s.userGroupNames[g] = "Group " + std::to_string(g);
-        UserGroup& group = s.userGroups[g];
-        group.listCount = 40;
-        group.listIndexes.resize(40);
-        group.listTypes.resize(40);
-        for (size_t e = 0; e < 40; ++e) {
-            group.listIndexes[e] = static_cast<int16_t>((g + e) % 500);
-            group.listTypes[e] = ListTypeCode(kAllSubTypes[e % 4]);
-        }
-    }
-    s.ResizeTemplates(500);
-    s.templateCount = 500;
-    for (size_t t = 0; t < 500; ++t) {
-        s.templateNames[t] = "Template " + std::to_string(t);
-        ButtonTemplate& tpl = s.buttonTemplates[t];
-        tpl.number = static_cast<int16_t>(t);
-        tpl.buttonCount = 32;
-        tpl.buttons.assign(32, PanelButton{810, 1, "Label", 12, 34});
-    }
-    return s;
+    return sim::MakeDemo("large").store;
 }
 
 void BM_BuildApplyMessages(benchmark::State& state) {

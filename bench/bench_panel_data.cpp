@@ -10,49 +10,13 @@
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "tools/sim/demo_config.h"
 
 namespace {
 
+// The emulator's generated "large" set.
 lumeth::PanelStore LargeStore() {
-    using namespace lumeth;
-    PanelStore s;
-    s.ResetToDefaults();
-    for (SubType t : kAllSubTypes) {
-        s.listCount(t) = 500;
-        s.lists(t).assign(500, DisplayList{});
-        for (int i = 0; i < 500; ++i) {
-            DisplayList& list = s.lists(t)[static_cast<size_t>(i)];
-            list.name = "List " + std::to_string(i);
-            list.channelCount = 64;
-            list.channels.resize(64);
-            for (int k = 0; k < 64; ++k) {
-                list.channels[static_cast<size_t>(k)] = static_cast<int16_t>((i + k) % 1000);
-            }
-        }
-    }
-    s.userGroupCount = 200;
-    s.ResizeUserGroups(200);
-    for (size_t g = 0; g < 200; ++g) {
-        s.userGroupNames[g] = "Group " + std::to_string(g);
-        UserGroup& group = s.userGroups[g];
-        group.listCount = 40;
-        group.listIndexes.resize(40);
-        group.listTypes.resize(40);
-        for (size_t k = 0; k < 40; ++k) {
-            group.listIndexes[k] = static_cast<int16_t>((g + k) % 500);
-            group.listTypes[k] = ListTypeCode(kAllSubTypes[k % 4]);
-        }
-    }
-    s.templateCount = 500;
-    s.ResizeTemplates(500);
-    for (size_t t = 0; t < 500; ++t) {
-        s.templateNames[t] = "Template " + std::to_string(t);
-        ButtonTemplate& tmpl = s.buttonTemplates[t];
-        tmpl.number = static_cast<int16_t>(t);
-        tmpl.buttonCount = 32;
-        tmpl.buttons.assign(32, PanelButton{40, 1, "LABEL", 1, kNoChannel});
-    }
-    return s;
+    return lumeth::sim::MakeDemo("large").store;
 }
 
 std::string TempPath() {
