@@ -387,12 +387,15 @@ void ButtonEditor::DisplayCurrentTemplate() {
     if (!FillButtonTemplate(m_store, m_current))
         throw std::out_of_range("template " + std::to_string(m_current) + " is missing");
 
+    // A channel without a name (say, before the channel names have been
+    // downloaded) is reported, but only after the rest has been shown.
+    Status unnamed;
     for (int p = 0; p < 16; ++p) {
         const int b = m_offset + p;
         Status status;
         const std::string label = GetButtonLabel(m_store, m_current, b, &status);
-        if (!status)
-            throw std::out_of_range(status.failure().detail);
+        if (!status && unnamed)
+            unnamed = status;
         m_buttons[p]->setText(ToQt(label));
         const PanelButton& button =
             m_store.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
@@ -403,6 +406,8 @@ void ButtonEditor::DisplayCurrentTemplate() {
     m_templateName->setText(ToQt(m_store.templateNames.at(static_cast<size_t>(m_current))));
     m_templateName->setCursorPosition(0);
     DisplayCurrentButton();
+    if (!unnamed)
+        throw std::out_of_range(unnamed.failure().detail);
 }
 
 void ButtonEditor::LoadChannelCombos(int code) {
