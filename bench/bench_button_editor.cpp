@@ -1,0 +1,106 @@
+// The button template editor on the largest configuration the emulator
+// generates (16383 channels per sub type, 500 templates): showing another
+// button (both channel lists switched to another sub type's list), moving to
+// another template, and the label sheet of all 500 templates. Each editor
+// iteration includes the paint that follows, as the operator sees it.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QPushButton>
+
+#include <memory>
+
+#include "model/alpha_sort.h"
+#include "tools/sim/demo_config.h"
+#include "ui/button_editor.h"
+#include "ui/channel_list_models.h"
+#include "ui/label_sheet_pdf.h"
+
+using namespace lumeth;
+
+namespace {
+
+struct Fixture {
+    std::unique_ptr<QApplication> app;
+    PanelStore store;
+    std::unique_ptr<ChannelListModels> models;
+    std::unique_ptr<ButtonEditor> editor;
+};
+
+Fixture& Shared() {
+    static Fixture* fixture = [] {
+        auto* f = new Fixture;
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "bench_button_editor";
+        static char* argv[] = {name, nullptr};
+        f->app = std::make_unique<QApplication>(argc, argv);
+
+        sim::DemoResult demo = sim::MakeDemo("max");
+        f->store = std::move(demo.store);
+        for (SubType s : kAllSubTypes) {
+            AlphaTable& table = f->store.alpha(s);
+            BuildAlphaTable(table, table.channelNames);
+        }
+        f->models = std::make_unique<ChannelListModels>();
+        f->models->RebuildAll(f->store);
+        f->editor = std::make_unique<ButtonEditor>(f->store, *f->models, nullptr, "/tmp/");
+        f->editor->resize(1100, 620);
+        f->editor->show();
+        QApplication::processEvents();
+        return f;
+    }();
+    return *fixture;
+}
+
+void Settle() {
+    QApplication::processEvents();
+}
+
+// Consecutive buttons of the generated templates have different functions,
+// so every step switches the channel lists to another sub type's list.
+void BM_DisplayCurrentButton(benchmark::State& state) {
+    Fixture& f = Shared();
+    int p = 0;
+    for (auto _ : state) {
+        f.editor->ButtonClicked(p);
+        Settle();
+        p = (p + 1) % 16;
+    }
+    state.counters["channels"] = f.store.alpha(SubType::Input).count;
+}
+BENCHMARK(BM_DisplayCurrentButton)->Unit(benchmark::kMillisecond);
+
+void BM_DisplayCurrentTemplate(benchmark::State& state) {
+    Fixture& f = Shared();
+    int step = 0;
+    for (auto _ : state) {
+        f.editor->Navigate(step++ % 2 == 0 ? 3 : 2); // next, previous
+        Settle();
+    }
+    state.counters["templates"] = f.store.templateCount;
+}
+BENCHMARK(BM_DisplayCurrentTemplate)->Unit(benchmark::kMillisecond);
+
+// What a download of one sub type's channel names costs the editor.
+void BM_RebuildChannelList(benchmark::State& state) {
+    Fixture& f = Shared();
+    for (auto _ : state) {
+        f.models->Rebuild(f.store, SubType::Input);
+    }
+}
+BENCHMARK(BM_RebuildChannelList)->Unit(benchmark::kMillisecond);
+
+void BM_LabelSheet(benchmark::State& state) {
+    Fixture& f = Shared();
+    qsizetype size = 0;
+    for (auto _ : state) {
+        size = RenderLabelSheet(f.store).size();
+        benchmark::DoNotOptimize(size);
+    }
+    state.counters["pages"] = f.store.templateCount;
+    state.counters["MB"] = static_cast<double>(size) / (1024.0 * 1024.0);
+}
+BENCHMARK(BM_LabelSheet)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+} // namespace
