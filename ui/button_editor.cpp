@@ -107,6 +107,10 @@ ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, Reporte
     setObjectName("frmButtons");
     setWindowTitle("Program Buttons");
     setModal(true);
+    // The selected key stands out from the other fifteen.
+    setStyleSheet("QPushButton[controlArray=\"cmdButton\"]:checked {"
+                  " background: #ffe3a3; border: 2px solid #d98c1f; border-radius: 3px;"
+                  " font-weight: bold; }");
     BuildLayout();
     BuildMenu();
 
@@ -289,10 +293,13 @@ void ButtonEditor::BuildLayout() {
             navRow->addWidget(m_templateNumber);
         }
     }
+    navRow->addStretch(1);
     m_templateName = new QLineEdit("Template 1", frNavigation);
     m_templateName->setObjectName("txtTemplateName");
     m_templateName->setToolTip("The template's name, at most 16 characters. Enter stores it.");
     m_templateName->installEventFilter(this);
+    // Room for 16 characters and no more: the box shows what a name can hold.
+    m_templateName->setMaximumWidth(m_templateName->fontMetrics().horizontalAdvance('W') * 14);
     auto* lblNumber = ArrayMember(new QLabel("Template #", frNavigation), "lblButtonForm", 0);
     auto* lblName = ArrayMember(new QLabel("Template Label", frNavigation), "lblButtonForm", 1);
     lblNumber->setBuddy(m_templateNumber);
@@ -301,7 +308,7 @@ void ButtonEditor::BuildLayout() {
     navGrid->addWidget(lblNumber, 0, 0);
     navGrid->addLayout(navRow, 0, 1);
     navGrid->addWidget(lblName, 1, 0);
-    navGrid->addWidget(m_templateName, 1, 1);
+    navGrid->addWidget(m_templateName, 1, 1, Qt::AlignLeft);
 
     auto* clear = MakeButton(this, "Clear", "Clear the channels and labels of this template");
     clear->setObjectName("cmdClear");

@@ -71,14 +71,14 @@ QByteArray RenderLabelSheet(const PanelStore& store) {
     QFont small("Sans Serif");
     small.setPointSizeF(5.5);
     QFont face("Sans Serif");
-    face.setPointSizeF(7.5);
+    face.setPointSizeF(6.5);
     face.setBold(true);
 
     const QRectF page = writer.pageLayout().paintRectPixels(kResolution);
     const double width = page.width();
     const double gap = Mm(1.2);
     const double keyWidth = (width - gap * (kKeysPerRow - 1)) / kKeysPerRow;
-    const double keyHeight = Mm(28);
+    const double keyHeight = Mm(34);
 
     const int count = std::max<int>(store.templateCount, 0);
     for (int t = 0; t < count; ++t) {
@@ -106,6 +106,16 @@ QByteArray RenderLabelSheet(const PanelStore& store) {
             }
             top += keyHeight + Mm(10);
         }
+        // What each line of a key means, and where the page belongs.
+        painter.setFont(caption);
+        painter.setPen(Qt::darkGray);
+        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
+                         Qt::AlignLeft | Qt::AlignVCenter,
+                         QStringLiteral("Each key: button number, face text, function, "
+                                        "channel name, channel number"));
+        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
+                         Qt::AlignRight | Qt::AlignVCenter,
+                         QStringLiteral("Page %1 of %2").arg(t + 1).arg(count));
     }
     painter.end();
     return bytes;
