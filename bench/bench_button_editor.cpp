@@ -10,8 +10,7 @@
 
 #include <memory>
 
-#include "model/alpha_sort.h"
-#include "tools/sim/demo_config.h"
+#include "bench/max_configuration.h"
 #include "ui/button_editor.h"
 #include "ui/channel_list_models.h"
 #include "ui/label_sheet_pdf.h"
@@ -30,18 +29,8 @@ struct Fixture {
 Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "bench_button_editor";
-        static char* argv[] = {name, nullptr};
-        f->app = std::make_unique<QApplication>(argc, argv);
-
-        sim::DemoResult demo = sim::MakeDemo("max");
-        f->store = std::move(demo.store);
-        for (SubType s : kAllSubTypes) {
-            AlphaTable& table = f->store.alpha(s);
-            BuildAlphaTable(table, table.channelNames);
-        }
+        f->app = bench::OffscreenApplication();
+        f->store = bench::MaxConfiguration();
         f->models = std::make_unique<ChannelListModels>();
         f->models->RebuildAll(f->store);
         f->editor = std::make_unique<ButtonEditor>(f->store, *f->models, nullptr, "/tmp/");
