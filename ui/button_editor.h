@@ -11,6 +11,7 @@
 #include "model/panel_store.h"
 
 class QComboBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QPushButton;
