@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QPushButton>
 
 #include <memory>
@@ -70,6 +71,22 @@ void BM_DisplayCurrentTemplate(benchmark::State& state) {
     state.counters["templates"] = f.store.templateCount;
 }
 BENCHMARK(BM_DisplayCurrentTemplate)->Unit(benchmark::kMillisecond);
+
+// Opening the channel list of an Input button: 16384 entries.
+void BM_OpenChannelList(benchmark::State& state) {
+    Fixture& f = Shared();
+    f.editor->Navigate(0);
+    f.editor->ButtonClicked(1); // Source Select on the first template
+    auto* combo = f.editor->findChild<QComboBox*>("cmbChannel_0");
+    for (auto _ : state) {
+        combo->showPopup();
+        Settle();
+        combo->hidePopup();
+        Settle();
+    }
+    state.counters["entries"] = combo->count();
+}
+BENCHMARK(BM_OpenChannelList)->Unit(benchmark::kMillisecond);
 
 // What a download of one sub type's channel names costs the editor.
 void BM_RebuildChannelList(benchmark::State& state) {
