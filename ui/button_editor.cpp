@@ -100,7 +100,7 @@ private:
 
 } // namespace
 
-ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, Reporter reporter,
+ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorReporter reporter,
                            std::string folder, QWidget* parent)
     : QDialog(parent), m_store(store), m_models(models), m_reporter(std::move(reporter)),
       m_folder(std::move(folder)) {

@@ -3,12 +3,12 @@
 #include <QDialog>
 
 #include <array>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "ui/error_reporter.h"
 
 class QComboBox;
 class QKeyEvent;
@@ -28,12 +28,9 @@ class ChannelListModels;
 class ButtonEditor : public QDialog {
     Q_OBJECT
 public:
-    using Reporter = std::function<void(std::string_view location, std::string_view category,
-                                        const Failure& failure)>;
-
     // `models` are the shared channel lists; `folder` is the program's folder,
     // where the label sheet export starts.
-    ButtonEditor(PanelStore& store, ChannelListModels& models, Reporter reporter,
+    ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorReporter reporter,
                  std::string folder, QWidget* parent = nullptr);
 
     // Form load: the type list, then the current template. Runs on every open.
@@ -80,7 +77,7 @@ private:
 
     PanelStore& m_store;
     ChannelListModels& m_models;
-    Reporter m_reporter;
+    ErrorReporter m_reporter;
     std::string m_folder;
 
     int m_current = 0; // template position

@@ -14,7 +14,7 @@
 
 namespace lumeth {
 
-DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, Reporter reporter,
+DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, ErrorReporter reporter,
                                                  QWidget* parent)
     : QDialog(parent), m_store(store), m_reporter(std::move(reporter)) {
     setObjectName("frmDuplicateTemplate");

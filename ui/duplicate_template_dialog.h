@@ -3,11 +3,11 @@
 #include <QDialog>
 
 #include <array>
-#include <functional>
 #include <string_view>
 
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "ui/error_reporter.h"
 
 class QComboBox;
 class QStringListModel;
@@ -19,10 +19,7 @@ namespace lumeth {
 class DuplicateTemplateDialog : public QDialog {
     Q_OBJECT
 public:
-    using Reporter = std::function<void(std::string_view location, std::string_view category,
-                                        const Failure& failure)>;
-
-    DuplicateTemplateDialog(PanelStore& store, Reporter reporter, QWidget* parent = nullptr);
+    DuplicateTemplateDialog(PanelStore& store, ErrorReporter reporter, QWidget* parent = nullptr);
 
     // Both lists from the store's template names ("To" ends with "New
     // Template"), position 0 selected in each.
@@ -32,7 +29,7 @@ public:
 
 private:
     PanelStore& m_store;
-    Reporter m_reporter;
+    ErrorReporter m_reporter;
     std::array<QComboBox*, 2> m_lists{};
     std::array<QStringListModel*, 2> m_models{};
 };
