@@ -22,6 +22,8 @@
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "ui/about_dialog.h"
+#include "ui/button_editor.h"
+#include "ui/channel_list_models.h"
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/setup_dialog.h"
@@ -87,6 +89,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
         },
         this);
     m_views->setListEditor([this] { ShowListEditor(); });
+    m_channelModels = new ChannelListModels(this);
 
     BuildMenus();
     BuildLayout();
@@ -292,7 +295,7 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
     m_log.ReportError(location, category, failure);
 }
 
-void MainWindow::OnStoreChanged(StoreChange change, SubType) {
+void MainWindow::OnStoreChanged(StoreChange change, SubType subType) {
     switch (change) {
     case StoreChange::UserGroups:
         m_views->DisplayUserGroups();
@@ -301,8 +304,10 @@ void MainWindow::OnStoreChanged(StoreChange change, SubType) {
     case StoreChange::DisplayLists:
         m_views->ShowDisplayListData(m_store.currentList);
         break;
-    case StoreChange::Password:
     case StoreChange::Alphas:
+        m_channelModels->Rebuild(m_store, subType);
+        break;
+    case StoreChange::Password:
     case StoreChange::Templates:
         break;
     }
@@ -342,14 +347,6 @@ void MainWindow::ShowListEditor() {
                              kStatusMessageMs);
 }
 
-void MainWindow::ShowButtonEditor() {
-    if (m_buttonEditor) {
-        m_buttonEditor();
-        return;
-    }
-    statusBar()->showMessage("The button template editor is not available yet.", kStatusMessageMs);
-}
-
 void MainWindow::EditGroups() {
     if (m_store.editorListType != kUserGroupListType) {
         m_store.editorListType = kUserGroupListType;
@@ -377,7 +374,20 @@ void MainWindow::EditLists() {
 }
 
 void MainWindow::EditButtons() {
-    ShowButtonEditor();
+    if (!m_buttonEditor) {
+        m_buttonEditor = new ButtonEditor(
+            m_store, *m_channelModels,
+            [this](std::string_view location, std::string_view category, const Failure& failure) {
+                ReportError(location, category, failure);
+            },
+            m_folder, this);
+    }
+    // Compared as the panel data file would hold it: anything the editor
+    // changed (including a template grown to 32 buttons) is waiting for Apply.
+    const std::string before = EncodePanelData(m_store);
+    m_buttonEditor->exec();
+    if (EncodePanelData(m_store) != before)
+        setUnappliedChanges(true);
 }
 
 void MainWindow::EditFromPopup() {

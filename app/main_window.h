@@ -20,6 +20,8 @@ class QTimer;
 namespace lumeth {
 
 class AboutDialog;
+class ButtonEditor;
+class ChannelListModels;
 class Connection;
 class LoginDialog;
 class MainViews;
@@ -56,7 +58,6 @@ public:
     // The editors are plugged in here; until then the commands say in the
     // status bar that the editor is not available.
     void setListEditor(std::function<void()> show) { m_listEditor = std::move(show); }
-    void setButtonEditor(std::function<void()> show) { m_buttonEditor = std::move(show); }
 
     // The second status panel: download progress or unapplied changes.
     QString ProgressText() const;
@@ -84,7 +85,6 @@ private:
     void RefreshProgress();
     void RefreshAfterPopup();
     void ShowListEditor();
-    void ShowButtonEditor();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
 
     std::string m_folder;
@@ -105,7 +105,9 @@ private:
     LoginDialog* m_login = nullptr;
 
     std::function<void()> m_listEditor;
-    std::function<void()> m_buttonEditor;
+    // The channel lists of the button editor, rebuilt when channel names arrive.
+    ChannelListModels* m_channelModels = nullptr;
+    ButtonEditor* m_buttonEditor = nullptr;
     bool m_unapplied = false;
     bool m_applying = false;
     bool m_shutDown = false;

@@ -12,8 +12,7 @@
 #include <numeric>
 
 #include "app/main_views.h"
-#include "model/alpha_sort.h"
-#include "tools/sim/demo_config.h"
+#include "bench/max_configuration.h"
 
 using namespace lumeth;
 
@@ -30,18 +29,8 @@ struct Fixture {
 Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "bench_views";
-        static char* argv[] = {name, nullptr};
-        f->app = std::make_unique<QApplication>(argc, argv);
-
-        sim::DemoResult demo = sim::MakeDemo("max");
-        f->store = std::move(demo.store);
-        for (SubType s : kAllSubTypes) {
-            AlphaTable& table = f->store.alpha(s);
-            BuildAlphaTable(table, table.channelNames);
-        }
+        f->app = bench::OffscreenApplication();
+        f->store = bench::MaxConfiguration();
         // The channel view's worst case: one list holding every Input channel,
         // listed first in group 0.
         DisplayList all;

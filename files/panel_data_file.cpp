@@ -290,10 +290,20 @@ size_t EncodedSize(const PanelStore& store) {
     return size;
 }
 
+// The defaults a load starts from. The template index pair is neither
+// resized nor set by loading a file, so it survives the reset as it was.
+void ResetForLoad(PanelStore& store) {
+    std::vector<int16_t> index = std::move(store.templateIndex);
+    std::vector<int16_t> position = std::move(store.templatePosition);
+    store.ResetToDefaults();
+    store.templateIndex = std::move(index);
+    store.templatePosition = std::move(position);
+}
+
 } // namespace
 
 LoadResult LoadPanelData(std::string_view bytes, PanelStore& store) {
-    store.ResetToDefaults();
+    ResetForLoad(store);
     return PanelDataReader(bytes, store).Read();
 }
 
@@ -305,7 +315,7 @@ LoadResult LoadPanelDataFile(const std::string& path, PanelStore& store) {
         result.status = Status::Fail(ErrorCode::FileNotFound, "no such file");
         return result;
     }
-    store.ResetToDefaults();
+    ResetForLoad(store);
     if (std::filesystem::is_directory(path, ec)) {
         LoadResult result;
         result.outcome = LoadOutcome::Failed;

@@ -1,0 +1,112 @@
+// The button template editor on the largest configuration the emulator
+// generates (16383 channels per sub type, 500 templates): showing another
+// button (both channel lists switched to another sub type's list), moving to
+// another template, and the label sheet of all 500 templates. Each editor
+// iteration includes the paint that follows, as the operator sees it.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QPushButton>
+
+#include <memory>
+
+#include "bench/max_configuration.h"
+#include "ui/button_editor.h"
+#include "ui/channel_list_models.h"
+#include "ui/label_sheet_pdf.h"
+
+using namespace lumeth;
+
+namespace {
+
+struct Fixture {
+    std::unique_ptr<QApplication> app;
+    PanelStore store;
+    std::unique_ptr<ChannelListModels> models;
+    std::unique_ptr<ButtonEditor> editor;
+};
+
+Fixture& Shared() {
+    static Fixture* fixture = [] {
+        auto* f = new Fixture;
+        f->app = bench::OffscreenApplication();
+        f->store = bench::MaxConfiguration();
+        f->models = std::make_unique<ChannelListModels>();
+        f->models->RebuildAll(f->store);
+        f->editor = std::make_unique<ButtonEditor>(f->store, *f->models, nullptr, "/tmp/");
+        f->editor->resize(1100, 620);
+        f->editor->show();
+        QApplication::processEvents();
+        return f;
+    }();
+    return *fixture;
+}
+
+void Settle() {
+    QApplication::processEvents();
+}
+
+// Consecutive buttons of the generated templates have different functions,
+// so every step switches the channel lists to another sub type's list.
+void BM_DisplayCurrentButton(benchmark::State& state) {
+    Fixture& f = Shared();
+    int p = 0;
+    for (auto _ : state) {
+        f.editor->ButtonClicked(p);
+        Settle();
+        p = (p + 1) % 16;
+    }
+    state.counters["channels"] = f.store.alpha(SubType::Input).count;
+}
+BENCHMARK(BM_DisplayCurrentButton)->Unit(benchmark::kMillisecond);
+
+void BM_DisplayCurrentTemplate(benchmark::State& state) {
+    Fixture& f = Shared();
+    int step = 0;
+    for (auto _ : state) {
+        f.editor->Navigate(step++ % 2 == 0 ? 3 : 2); // next, previous
+        Settle();
+    }
+    state.counters["templates"] = f.store.templateCount;
+}
+BENCHMARK(BM_DisplayCurrentTemplate)->Unit(benchmark::kMillisecond);
+
+// Opening the channel list of an Input button: 16384 entries.
+void BM_OpenChannelList(benchmark::State& state) {
+    Fixture& f = Shared();
+    f.editor->Navigate(0);
+    f.editor->ButtonClicked(1); // Source Select on the first template
+    auto* combo = f.editor->findChild<QComboBox*>("cmbChannel_0");
+    for (auto _ : state) {
+        combo->showPopup();
+        Settle();
+        combo->hidePopup();
+        Settle();
+    }
+    state.counters["entries"] = combo->count();
+}
+BENCHMARK(BM_OpenChannelList)->Unit(benchmark::kMillisecond);
+
+// What a download of one sub type's channel names costs the editor.
+void BM_RebuildChannelList(benchmark::State& state) {
+    Fixture& f = Shared();
+    for (auto _ : state) {
+        f.models->Rebuild(f.store, SubType::Input);
+    }
+}
+BENCHMARK(BM_RebuildChannelList)->Unit(benchmark::kMillisecond);
+
+void BM_LabelSheet(benchmark::State& state) {
+    Fixture& f = Shared();
+    qsizetype size = 0;
+    for (auto _ : state) {
+        size = RenderLabelSheet(f.store).size();
+        benchmark::DoNotOptimize(size);
+    }
+    state.counters["pages"] = f.store.templateCount;
+    state.counters["MB"] = static_cast<double>(size) / (1024.0 * 1024.0);
+}
+BENCHMARK(BM_LabelSheet)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+} // namespace

@@ -1,0 +1,149 @@
+#include "model/button_templates.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "model/button_catalogue.h"
+
+namespace lumeth {
+
+namespace {
+
+std::string Numbered(const char* format, int n) {
+    char text[32];
+    std::snprintf(text, sizeof text, format, n);
+    return text;
+}
+
+bool IsTemplate(const PanelStore& store, int t) {
+    return t >= 0 && t < store.templateCount &&
+           static_cast<size_t>(t) < store.buttonTemplates.size() &&
+           static_cast<size_t>(t) < store.templateNames.size();
+}
+
+// Grow every per-template array to hold position `t` == templateCount and
+// count it. The index pair may be shorter than the count after a file load
+// (loading leaves it alone), so it is grown to the same length here.
+void AppendTemplateSlot(PanelStore& store) {
+    const int t = std::max<int>(store.templateCount, 0);
+    store.templateCount = static_cast<int16_t>(t + 1);
+    store.ResizeTemplates(t + 1);
+    store.templateIndex[static_cast<size_t>(t)] = static_cast<int16_t>(t);
+    store.templatePosition[static_cast<size_t>(t)] = static_cast<int16_t>(t);
+    store.buttonTemplates[static_cast<size_t>(t)] = ButtonTemplate{};
+}
+
+} // namespace
+
+int AddButtonTemplate(PanelStore& store) {
+    AppendTemplateSlot(store);
+    const int t = store.templateCount - 1;
+    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    tpl.buttonCount = kTemplateButtons;
+    tpl.buttons.assign(kTemplateButtons, PanelButton::Cleared());
+    for (int b = 0; b < kTemplateButtons; ++b) {
+        PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
+        button.type = 40; // Source Select
+        button.label = "Button " + std::to_string(b);
+    }
+    store.templateNames[static_cast<size_t>(t)] = Numbered("Btn Tmplate %03d", t + 1);
+    return t;
+}
+
+bool FillButtonTemplate(PanelStore& store, int t) {
+    if (!IsTemplate(store, t)) {
+        return false;
+    }
+    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    if (tpl.buttonCount == kTemplateButtons) {
+        return true;
+    }
+    const int kept = std::clamp<int>(tpl.buttonCount, 0, kTemplateButtons);
+    tpl.buttons.resize(kTemplateButtons, PanelButton::Cleared());
+    for (int b = kept; b < kTemplateButtons; ++b) {
+        PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
+        button = PanelButton::Cleared();
+        button.label = "Button " + std::to_string(b + 1);
+    }
+    tpl.buttonCount = kTemplateButtons;
+    return true;
+}
+
+void ClearButtonTemplate(PanelStore& store, int t) {
+    if (!IsTemplate(store, t)) {
+        return;
+    }
+    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    const int count = std::min<int>(tpl.buttonCount, static_cast<int>(tpl.buttons.size()));
+    for (int b = 0; b < count; ++b) {
+        PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
+        button.channel = kNoChannel;
+        button.captionOption = 0;
+        button.label = "Button " + std::to_string(b);
+    }
+    store.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
+}
+
+Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
+    if (!IsTemplate(store, from)) {
+        return Status::Fail(ErrorCode::SubscriptOutOfRange,
+                            "no template " + std::to_string(from) + " to copy from");
+    }
+    if (to < 0 || to > store.templateCount) {
+        return Status::Fail(ErrorCode::SubscriptOutOfRange,
+                            "no template " + std::to_string(to) + " to copy onto");
+    }
+    if (to == store.templateCount) {
+        AppendTemplateSlot(store);
+        ButtonTemplate& target = store.buttonTemplates[static_cast<size_t>(to)];
+        target.buttonCount = kPageButtons;
+        target.buttons.assign(kPageButtons, PanelButton{});
+        const std::vector<PanelButton>& source =
+            store.buttonTemplates[static_cast<size_t>(from)].buttons;
+        for (size_t b = 0; b < kPageButtons; ++b) {
+            if (b >= source.size()) {
+                return Status::Fail(ErrorCode::SubscriptOutOfRange,
+                                    "template " + std::to_string(from) + " has no button " +
+                                        std::to_string(b));
+            }
+            target.buttons[b] = source[b];
+        }
+    }
+    // Onto an existing template only the name is copied; its buttons stay.
+    store.templateNames[static_cast<size_t>(to)] = store.templateNames[static_cast<size_t>(from)];
+    return Status::Ok();
+}
+
+LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
+    LabelSheetPage page;
+    page.number = t + 1;
+    page.keys.resize(kTemplateButtons);
+    if (!IsTemplate(store, t)) {
+        return page;
+    }
+    page.name = store.templateNames[static_cast<size_t>(t)];
+    const ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    const int count = std::min({static_cast<int>(tpl.buttonCount),
+                                static_cast<int>(tpl.buttons.size()), kTemplateButtons});
+    for (int b = 0; b < count; ++b) {
+        const PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
+        LabelSheetKey& key = page.keys[static_cast<size_t>(b)];
+        const ButtonFunction& function = ButtonFunctionOf(button.type);
+        key.function = std::string(function.shortLabel);
+        key.face = (button.captionOption & 1)
+                       ? button.label
+                       : SystemButtonLabel(store, button.type, button.channel).substr(0, 8);
+        if (button.channel == kNoChannel || !function.channelSubType) {
+            key.channel = "None";
+            continue;
+        }
+        const std::vector<std::string>& names = store.alpha(*function.channelSubType).channelNames;
+        if (button.channel >= 0 && static_cast<size_t>(button.channel) < names.size()) {
+            key.channel = names[static_cast<size_t>(button.channel)];
+        }
+        key.number = Numbered("%04d", button.channel + 1);
+    }
+    return page;
+}
+
+} // namespace lumeth

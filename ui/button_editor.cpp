@@ -1,0 +1,682 @@
+#include "ui/button_editor.h"
+
+#include <QAbstractItemView>
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QCompleter>
+#include <QFocusEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShowEvent>
+#include <QStringListModel>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+
+#include "files/settings.h"
+#include "model/button_catalogue.h"
+#include "model/button_templates.h"
+#include "ui/channel_list_models.h"
+#include "ui/duplicate_template_dialog.h"
+#include "ui/file_dialog.h"
+#include "ui/label_sheet_pdf.h"
+#include "ui/qt_text.h"
+
+namespace lumeth {
+
+namespace {
+
+constexpr int kLabelLength = 8;
+constexpr int kNameLength = 16;
+constexpr int kNumberDigits = 3;
+
+// A member of a control array: `<array>_<index>` with the array's name and
+// index as dynamic properties.
+template <typename W> W* ArrayMember(W* widget, const char* array, int index) {
+    widget->setObjectName(QStringLiteral("%1_%2").arg(array).arg(index));
+    widget->setProperty("controlArray", array);
+    widget->setProperty("controlIndex", index);
+    return widget;
+}
+
+QPushButton* MakeButton(QWidget* parent, const QString& caption, const QString& tip = {}) {
+    auto* button = new QPushButton(caption, parent);
+    // Enter belongs to the text boxes and the channel search, never to a button.
+    button->setAutoDefault(false);
+    if (!tip.isEmpty())
+        button->setToolTip(tip);
+    return button;
+}
+
+QString TwoDigits(int n) {
+    return QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0'));
+}
+
+// A character typed into a text box, as opposed to Enter, Tab, arrows and
+// shortcuts; nullopt for those.
+std::optional<QChar> TypedCharacter(const QKeyEvent* key) {
+    const QString text = key->text();
+    if (text.isEmpty() || key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+        return std::nullopt;
+    const QChar ch = text.front();
+    if (ch.unicode() < 32 || ch.unicode() == 127)
+        return std::nullopt;
+    return ch;
+}
+
+bool IsEnter(const QKeyEvent* key) {
+    return key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+}
+
+// The length rule of the label and name boxes: once full, only Backspace or
+// typing over a selection gets through.
+bool RefusedWhenFull(const QLineEdit* box, const QKeyEvent* key, int limit) {
+    return key->key() != Qt::Key_Backspace && TypedCharacter(key) && box->text().size() >= limit &&
+           !box->hasSelectedText();
+}
+
+class UpdatingScope {
+public:
+    explicit UpdatingScope(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
+    ~UpdatingScope() { m_flag = m_was; }
+    UpdatingScope(const UpdatingScope&) = delete;
+    UpdatingScope& operator=(const UpdatingScope&) = delete;
+
+private:
+    bool& m_flag;
+    bool m_was;
+};
+
+} // namespace
+
+ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorReporter reporter,
+                           std::string folder, QWidget* parent)
+    : QDialog(parent), m_store(store), m_models(models), m_reporter(std::move(reporter)),
+      m_folder(std::move(folder)) {
+    setObjectName("frmButtons");
+    setWindowTitle("Program Buttons");
+    setModal(true);
+    // The selected key stands out from the other fifteen.
+    setStyleSheet("QPushButton[controlArray=\"cmdButton\"]:checked {"
+                  " background: #ffe3a3; border: 2px solid #d98c1f; border-radius: 3px;"
+                  " font-weight: bold; }");
+    BuildLayout();
+    BuildMenu();
+
+    // A download of channel names rebuilds the shared lists under the open
+    // window: keep the handlers quiet meanwhile and show the button again.
+    connect(&m_models, &ChannelListModels::aboutToRebuild, this, [this] { m_updating = true; });
+    connect(&m_models, &ChannelListModels::rebuilt, this, [this] {
+        m_updating = false;
+        if (isVisible())
+            Guarded("Error Displaying Buttons", [this] { DisplayCurrentButton(); });
+    });
+}
+
+void ButtonEditor::BuildMenu() {
+    auto* bar = new QMenuBar(this);
+    bar->setObjectName("mnuBar");
+    QMenu* file = bar->addMenu("&File");
+    file->setObjectName("mnuFile");
+    file->menuAction()->setObjectName("mnuFile");
+    const auto action = [file](const char* name, const QString& caption) {
+        QAction* a = file->addAction(caption);
+        a->setObjectName(name);
+        return a;
+    };
+    connect(action("mnuCopy", "&Copy"), &QAction::triggered, this, &ButtonEditor::CopyTemplate);
+    // "Save Templates" has no action of its own: saving is the main window's
+    // Save All.
+    action("mnuSave", "&Save Templates");
+    connect(action("mnuSheet", "Export &Label Sheet..."), &QAction::triggered, this,
+            &ButtonEditor::ExportLabelSheet);
+    file->addSeparator()->setObjectName("mnuSep1");
+    connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &QDialog::accept);
+    layout()->setMenuBar(bar);
+}
+
+void ButtonEditor::BuildLayout() {
+    // The 16 keys of a page, two rows of eight as on the panel: number above,
+    // the key between its two colour strips, the function's short label below.
+    auto* keys = new QGroupBox(this);
+    keys->setObjectName("frButtons");
+    auto* keyGrid = new QGridLayout(keys);
+    keyGrid->setHorizontalSpacing(10);
+    keyGrid->setVerticalSpacing(2);
+    auto* keyGroup = new QButtonGroup(this);
+    keyGroup->setExclusive(true);
+    for (int p = 0; p < 16; ++p) {
+        const int row = (p / 8) * 6;
+        const int column = p % 8;
+        m_buttonLabels[p] =
+            ArrayMember(new QLabel(QStringLiteral("Btn %1").arg(p + 1), keys), "lblButton", p);
+        m_buttonLabels[p]->setAlignment(Qt::AlignCenter);
+        m_buttons[p] = ArrayMember(
+            MakeButton(keys, "None", "Click to Edit Current Button for Current Template"),
+            "cmdButton", p);
+        m_buttons[p]->setCheckable(true);
+        m_buttons[p]->setMinimumSize(88, 44);
+        keyGroup->addButton(m_buttons[p], p);
+        m_typeLabels[p] = ArrayMember(new QLabel("SrcSel", keys), "lblType", p);
+        m_typeLabels[p]->setAlignment(Qt::AlignCenter);
+        QLabel* strips[2];
+        for (int k = 0; k < 2; ++k) {
+            strips[k] = ArrayMember(new QLabel(keys), "lblColor", 2 * p + k);
+            strips[k]->setFixedHeight(4);
+            strips[k]->setAutoFillBackground(true);
+            QPalette palette = strips[k]->palette();
+            palette.setColor(QPalette::Window, QColor(0xd9, 0x8c, 0x1f));
+            strips[k]->setPalette(palette);
+        }
+        keyGrid->addWidget(m_buttonLabels[p], row, column);
+        keyGrid->addWidget(strips[0], row + 1, column);
+        keyGrid->addWidget(m_buttons[p], row + 2, column);
+        keyGrid->addWidget(strips[1], row + 3, column);
+        keyGrid->addWidget(m_typeLabels[p], row + 4, column);
+        connect(m_buttons[p], &QPushButton::clicked, this, [this, p] { ButtonClicked(p); });
+    }
+    keyGrid->setRowMinimumHeight(5, 14);
+    m_more = MakeButton(this, "Buttons 17-32", "Show the other 16 buttons of the template");
+    m_more->setObjectName("cmdMore");
+    connect(m_more, &QPushButton::clicked, this, &ButtonEditor::ChangePage);
+
+    // The selected button's function, channels and label.
+    auto* edit = new QGroupBox(this);
+    edit->setObjectName("frButton");
+    m_buttonLabels[16] = ArrayMember(new QLabel("Button 1", edit), "lblButton", 16);
+    QFont heading = m_buttonLabels[16]->font();
+    heading.setBold(true);
+    heading.setPointSizeF(heading.pointSizeF() * 1.2);
+    m_buttonLabels[16]->setFont(heading);
+    m_type = new QComboBox(edit);
+    m_type->setObjectName("cmbType");
+    m_type->setToolTip("The button's function");
+    connect(m_type, &QComboBox::currentIndexChanged, this, &ButtonEditor::TypeChanged);
+    const char* channelTips[2] = {
+        "The button's channel. Type part of a name to find it.",
+        "The tally or listen channel, for functions that have one. Type part of a name to "
+        "find it."};
+    for (int i = 0; i < 2; ++i) {
+        auto* combo = ArrayMember(new QComboBox(edit), "cmbChannel", i);
+        combo->setToolTip(channelTips[i]);
+        combo->setEditable(true);
+        combo->setInsertPolicy(QComboBox::NoInsert);
+        combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        combo->setMinimumContentsLength(24);
+        combo->setMaxVisibleItems(20);
+        if (auto* list = qobject_cast<QListView*>(combo->view()))
+            list->setUniformItemSizes(true);
+        // Find a channel by any part of its entry, ignoring case.
+        auto* completer = new QCompleter(combo);
+        completer->setCaseSensitivity(Qt::CaseInsensitive);
+        completer->setFilterMode(Qt::MatchContains);
+        completer->setCompletionMode(QCompleter::PopupCompletion);
+        completer->setMaxVisibleItems(14);
+        combo->setCompleter(completer);
+        combo->setModel(m_models.model(std::nullopt));
+        connect(combo, &QComboBox::currentIndexChanged, this,
+                [this, i](int position) { ChannelChanged(i, position); });
+        // Text that names no entry leaves the button as it is: show its entry again.
+        connect(combo->lineEdit(), &QLineEdit::editingFinished, combo, [combo] {
+            if (combo->currentText() != combo->itemText(combo->currentIndex()))
+                combo->setEditText(combo->itemText(combo->currentIndex()));
+        });
+        m_channels[i] = combo;
+    }
+    auto* frCaption = new QGroupBox("Button Label", edit);
+    frCaption->setObjectName("frCaption");
+    m_captionOptions[1] =
+        ArrayMember(new QRadioButton("Use Custom Button Label", frCaption), "OptCaption", 1);
+    m_captionOptions[0] =
+        ArrayMember(new QRadioButton("Use System Alpha", frCaption), "OptCaption", 0);
+    m_captionOptions[0]->setChecked(true);
+    for (int k = 0; k < 2; ++k) {
+        connect(m_captionOptions[k], &QRadioButton::toggled, this, [this, k](bool checked) {
+            if (checked)
+                CaptionOptionChosen(k);
+        });
+    }
+    m_caption = new QLineEdit(frCaption);
+    m_caption->setObjectName("txtCaption");
+    m_caption->setToolTip("The button's own label, at most 8 characters. Enter stores it.");
+    m_caption->setReadOnly(true);
+    m_caption->installEventFilter(this);
+    auto* captionLayout = new QVBoxLayout(frCaption);
+    captionLayout->addWidget(m_captionOptions[1]);
+    captionLayout->addWidget(m_captionOptions[0]);
+    captionLayout->addWidget(m_caption);
+
+    auto* editGrid = new QGridLayout(edit);
+    editGrid->addWidget(m_buttonLabels[16], 0, 0, 1, 2);
+    editGrid->addWidget(new QLabel("Function", edit), 1, 0);
+    editGrid->addWidget(m_type, 1, 1);
+    editGrid->addWidget(new QLabel("Channel", edit), 2, 0);
+    editGrid->addWidget(m_channels[0], 2, 1);
+    editGrid->addWidget(new QLabel("Tally / Listen", edit), 3, 0);
+    editGrid->addWidget(m_channels[1], 3, 1);
+    editGrid->addWidget(frCaption, 4, 0, 1, 2);
+    editGrid->setRowStretch(5, 1);
+    editGrid->setColumnStretch(1, 1);
+
+    // Stepping through the templates, and the template's number and name.
+    auto* frNavigation = new QGroupBox("Templates", this);
+    frNavigation->setObjectName("frNavigation");
+    const char* captions[6] = {"|<", "<<", "<", ">", ">>", ">|"};
+    const char* tips[6] = {"Move to first Template",        "Move back 10 Templates",
+                           "Move to the previous Template", "Advance to the next Template",
+                           "Advance 10 Templates",          "Advance to last Template"};
+    auto* navRow = new QHBoxLayout;
+    for (int k = 0; k < 6; ++k) {
+        m_nav[k] = ArrayMember(MakeButton(frNavigation, captions[k], tips[k]), "cmdNav", k);
+        m_nav[k]->setFixedWidth(40);
+        connect(m_nav[k], &QPushButton::clicked, this, [this, k] { Navigate(k); });
+        navRow->addWidget(m_nav[k]);
+        if (k == 2) {
+            m_templateNumber = new QLineEdit(frNavigation);
+            m_templateNumber->setObjectName("txtTemplateNumber");
+            m_templateNumber->setToolTip(
+                "Current Template number.  Enter template number to jump to that template.");
+            m_templateNumber->setFixedWidth(52);
+            m_templateNumber->setAlignment(Qt::AlignCenter);
+            m_templateNumber->installEventFilter(this);
+            navRow->addWidget(m_templateNumber);
+        }
+    }
+    navRow->addStretch(1);
+    m_templateName = new QLineEdit("Template 1", frNavigation);
+    m_templateName->setObjectName("txtTemplateName");
+    m_templateName->setToolTip("The template's name, at most 16 characters. Enter stores it.");
+    m_templateName->installEventFilter(this);
+    // Room for 16 characters and no more: the box shows what a name can hold.
+    m_templateName->setMaximumWidth(m_templateName->fontMetrics().horizontalAdvance('W') * 14);
+    auto* lblNumber = ArrayMember(new QLabel("Template #", frNavigation), "lblButtonForm", 0);
+    auto* lblName = ArrayMember(new QLabel("Template Label", frNavigation), "lblButtonForm", 1);
+    lblNumber->setBuddy(m_templateNumber);
+    lblName->setBuddy(m_templateName);
+    auto* navGrid = new QGridLayout(frNavigation);
+    navGrid->addWidget(lblNumber, 0, 0);
+    navGrid->addLayout(navRow, 0, 1);
+    navGrid->addWidget(lblName, 1, 0);
+    navGrid->addWidget(m_templateName, 1, 1, Qt::AlignLeft);
+
+    auto* clear = MakeButton(this, "Clear", "Clear the channels and labels of this template");
+    clear->setObjectName("cmdClear");
+    auto* add = MakeButton(this, "Add", "Add a new template");
+    add->setObjectName("CmdAdd");
+    auto* ok = MakeButton(this, "OK", "Close the window");
+    ok->setObjectName("cmdOk");
+    connect(clear, &QPushButton::clicked, this, &ButtonEditor::ClearTemplate);
+    connect(add, &QPushButton::clicked, this, &ButtonEditor::AddTemplate);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+
+    auto* commands = new QVBoxLayout;
+    commands->addStretch(1);
+    commands->addWidget(clear);
+    commands->addWidget(add);
+    commands->addWidget(ok);
+
+    auto* pageRow = new QHBoxLayout;
+    pageRow->addWidget(m_more);
+    pageRow->addStretch(1);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(frNavigation, 1);
+    bottom->addLayout(commands);
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(keys, 0, 0);
+    grid->addLayout(pageRow, 1, 0);
+    grid->addWidget(edit, 0, 1, 2, 1);
+    grid->addLayout(bottom, 2, 0, 1, 2);
+    grid->setColumnStretch(0, 3);
+    grid->setColumnStretch(1, 2);
+}
+
+template <typename Step> void ButtonEditor::Guarded(std::string_view location, Step&& step) {
+    try {
+        step();
+    } catch (const std::exception& error) {
+        if (!m_reporter)
+            return;
+        const bool memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+        m_reporter(location, "Button Error",
+                   Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange,
+                           error.what()});
+    }
+}
+
+void ButtonEditor::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        Load();
+}
+
+void ButtonEditor::Load() {
+    Guarded("Error Displaying Buttons", [this] {
+        LoadTypeCombo();
+        DisplayCurrentTemplate();
+    });
+}
+
+void ButtonEditor::LoadTypeCombo() {
+    Guarded("Error Loading Type Combo Box", [this] {
+        UpdatingScope updating(m_updating);
+        QStringList names;
+        for (const ButtonFunction& function : ButtonCatalogue())
+            names << ToQt(function.longName);
+        m_type->clear();
+        m_type->addItems(names);
+    });
+}
+
+PanelButton& ButtonEditor::CurrentButtonRecord() {
+    return m_store.buttonTemplates.at(static_cast<size_t>(m_current))
+        .buttons.at(static_cast<size_t>(m_offset + m_button));
+}
+
+void ButtonEditor::DisplayCurrentTemplate() {
+    // The window always shows a template.
+    if (m_store.templateCount <= 0)
+        m_current = AddButtonTemplate(m_store);
+    // The store may have changed since the window was last open.
+    m_current = std::clamp(m_current, 0, m_store.templateCount - 1);
+    if (!FillButtonTemplate(m_store, m_current))
+        throw std::out_of_range("template " + std::to_string(m_current) + " is missing");
+
+    // A channel without a name (say, before the channel names have been
+    // downloaded) is reported, but only after the rest has been shown.
+    Status unnamed;
+    for (int p = 0; p < 16; ++p) {
+        const int b = m_offset + p;
+        Status status;
+        const std::string label = GetButtonLabel(m_store, m_current, b, &status);
+        if (!status && unnamed)
+            unnamed = status;
+        m_buttons[p]->setText(ToQt(label));
+        const PanelButton& button =
+            m_store.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
+        m_typeLabels[p]->setText(ToQt(ButtonFunctionOf(button.type).shortLabel));
+        m_buttonLabels[p]->setText(QStringLiteral("Btn %1").arg(b + 1));
+    }
+    m_templateNumber->setText(TwoDigits(m_current + 1));
+    m_templateName->setText(ToQt(m_store.templateNames.at(static_cast<size_t>(m_current))));
+    m_templateName->setCursorPosition(0);
+    DisplayCurrentButton();
+    if (!unnamed)
+        throw std::out_of_range(unnamed.failure().detail);
+}
+
+void ButtonEditor::LoadChannelCombos(int code) {
+    const ButtonFunction& function = ButtonFunctionOf(code);
+    const std::optional<SubType> subTypes[2] = {function.channelSubType, function.channel2SubType};
+    for (int i = 0; i < 2; ++i) {
+        QStringListModel* model = m_models.model(subTypes[i]);
+        // The lists are shared: showing another one is a switch of model, not
+        // a refill.
+        if (m_channels[i]->model() != model) {
+            m_channels[i]->setModel(model);
+            m_channels[i]->completer()->setModel(model);
+        }
+    }
+    m_channels[1]->setEnabled(function.channel2SubType.has_value());
+}
+
+void ButtonEditor::SelectChannel(int list, int channel) {
+    QComboBox* combo = m_channels[list];
+    const int position = ChannelListPosition(channel);
+    combo->setCurrentIndex(position >= 0 && position < combo->count() ? position : -1);
+}
+
+QString ButtonEditor::InputAlpha(int channel) const {
+    const std::vector<std::string>& names = m_store.alpha(SubType::Input).channelNames;
+    if (channel < 0 || static_cast<size_t>(channel) >= names.size())
+        return {};
+    return ToQt(names[static_cast<size_t>(channel)]);
+}
+
+void ButtonEditor::DisplayCurrentButton() {
+    UpdatingScope updating(m_updating);
+    const int b = m_offset + m_button;
+    m_buttonLabels[16]->setText(QStringLiteral("Button %1").arg(b + 1));
+    const PanelButton& button = CurrentButtonRecord();
+
+    LoadChannelCombos(button.type);
+    m_type->setCurrentIndex(GetButtonIndexFromType(button.type));
+    SelectChannel(0, button.channel);
+    SelectChannel(1, button.channel2);
+
+    m_buttons[m_button]->setText(button.channel == kNoChannel
+                                     ? QStringLiteral("None")
+                                     : m_channels[0]->currentText().left(kLabelLength));
+    m_buttons[m_button]->setChecked(true);
+
+    const bool custom = (button.captionOption & 1) != 0;
+    m_captionOptions[custom ? 1 : 0]->setChecked(true);
+    m_caption->setText(custom ? ToQt(button.label) : InputAlpha(button.channel));
+    m_caption->setReadOnly(!custom);
+}
+
+void ButtonEditor::ButtonClicked(int position) {
+    m_button = position;
+    Guarded("Error Displaying Buttons", [this] { DisplayCurrentButton(); });
+}
+
+void ButtonEditor::TypeChanged(int index) {
+    if (m_updating || index < 0)
+        return;
+    Guarded("Error Changing Templates", [this, index] {
+        const int16_t code = GetButtonTypeFromIndex(index);
+        // The channels stay as they were; only the lists change.
+        CurrentButtonRecord().type = code;
+        m_typeLabels[m_button]->setText(ToQt(ButtonFunctionOf(code).shortLabel));
+        DisplayCurrentButton();
+    });
+}
+
+void ButtonEditor::ChannelChanged(int list, int position) {
+    if (m_updating)
+        return;
+    Guarded("Error Changing Templates", [this, list, position] {
+        const int16_t channel = ChannelFromListPosition(position);
+        PanelButton& button = CurrentButtonRecord();
+        (list == 0 ? button.channel : button.channel2) = channel;
+        if (list != 0)
+            return;
+        const QString text = m_channels[0]->currentText();
+        m_buttons[m_button]->setText(channel == kNoChannel ? QStringLiteral("None")
+                                                           : text.left(kLabelLength));
+        if (m_captionOptions[0]->isChecked())
+            m_caption->setText(text);
+    });
+}
+
+void ButtonEditor::CaptionOptionChosen(int option) {
+    if (m_updating)
+        return;
+    Guarded("Error Changing Templates", [this, option] {
+        PanelButton& button = CurrentButtonRecord();
+        if (option == 1) {
+            m_caption->setText(ToQt(button.label));
+            m_caption->setReadOnly(false);
+        } else {
+            // The Input table whatever the function, as the panels expect.
+            m_caption->setText(InputAlpha(button.channel));
+            m_caption->setReadOnly(true);
+        }
+        // Flipped, not set: this runs once per change of option, which keeps
+        // the bit and the option in step.
+        button.captionOption = static_cast<int16_t>(button.captionOption ^ 1);
+    });
+}
+
+void ButtonEditor::Navigate(int index) {
+    Guarded("Error Changing Templates", [this, index] {
+        const int count = m_store.templateCount;
+        int& current = m_current;
+        switch (index) {
+        case 0:
+            current = 0;
+            break;
+        case 1:
+            current = current > 9 ? current - 10 : 0;
+            break;
+        case 2:
+            current = current > 0 ? current - 1 : 0;
+            break;
+        case 3:
+            // count - 2 and count - 11, not - 1 and - 10: the last step lands
+            // on the last template either way.
+            current = current < count - 2 ? current + 1 : count - 1;
+            break;
+        case 4:
+            current = current < count - 11 ? current + 10 : count - 1;
+            break;
+        case 5:
+            current = count - 1;
+            break;
+        default:
+            return;
+        }
+        DisplayCurrentTemplate();
+    });
+}
+
+void ButtonEditor::ChangePage() {
+    Guarded("Error Changing Templates", [this] {
+        // The caption names the page that is not shown.
+        m_offset = m_offset == 0 ? 16 : 0;
+        m_more->setText(m_offset == 0 ? "Buttons 17-32" : "Buttons 1-16");
+        m_button = 0;
+        DisplayCurrentTemplate();
+    });
+}
+
+void ButtonEditor::AddTemplate() {
+    m_current = AddButtonTemplate(m_store);
+    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+}
+
+void ButtonEditor::ClearTemplate() {
+    ClearButtonTemplate(m_store, m_current);
+    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+}
+
+void ButtonEditor::CopyTemplate() {
+    DuplicateTemplateDialog dialog(m_store, m_reporter, this);
+    dialog.exec();
+    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+}
+
+void ButtonEditor::ExportLabelSheet() {
+    FileDialog::Request request;
+    request.title = "Export Label Sheet";
+    request.folder = QString::fromStdString(m_folder);
+    request.presetName = "LabelSheet.pdf";
+    request.nameFilters = QStringList{"PDF Files (*.pdf)", "All Files (*.*)"};
+    const QString path = FileDialog::GetFileName(this, request);
+    if (path.isEmpty())
+        return;
+    const Status written = WriteLabelSheet(path.toStdString(), m_store);
+    if (!written && m_reporter)
+        m_reporter("Error Exporting Label Sheet", "File Error", written.failure());
+}
+
+void ButtonEditor::StoreCaption() {
+    // In system-alpha mode the box shows the channel's name, not a label of
+    // the button's own, so there is nothing to store.
+    if (m_caption->isReadOnly())
+        return;
+    Guarded("Error Changing Templates",
+            [this] { CurrentButtonRecord().label = FromQt(m_caption->text()); });
+}
+
+void ButtonEditor::StoreTemplateName() {
+    Guarded("Error Changing Templates", [this] {
+        m_store.templateNames.at(static_cast<size_t>(m_current)) = FromQt(m_templateName->text());
+    });
+}
+
+bool ButtonEditor::CaptionKey(QKeyEvent* key) {
+    if (IsEnter(key)) {
+        StoreCaption();
+        return true;
+    }
+    if (key->key() == Qt::Key_Escape) {
+        if (!m_caption->isReadOnly())
+            Guarded("Error Changing Templates",
+                    [this] { m_caption->setText(ToQt(CurrentButtonRecord().label)); });
+        return true;
+    }
+    return RefusedWhenFull(m_caption, key, kLabelLength);
+}
+
+bool ButtonEditor::TemplateNameKey(QKeyEvent* key) {
+    if (IsEnter(key)) {
+        StoreTemplateName();
+        return true;
+    }
+    if (key->key() == Qt::Key_Escape) {
+        Guarded("Error Changing Templates", [this] {
+            m_templateName->setText(ToQt(m_store.templateNames.at(static_cast<size_t>(m_current))));
+        });
+        return true;
+    }
+    return RefusedWhenFull(m_templateName, key, kNameLength);
+}
+
+bool ButtonEditor::TemplateNumberKey(QKeyEvent* key) {
+    if (IsEnter(key)) {
+        const int n = LeadingNumber(m_templateNumber->text().toStdString());
+        if (n >= 1 && n <= m_store.templateCount) {
+            m_current = n - 1;
+            Guarded("Error Changing Templates", [this] { DisplayCurrentTemplate(); });
+        } else {
+            m_templateNumber->setText(QString::number(m_current + 1));
+        }
+        return true;
+    }
+    if (key->key() == Qt::Key_Escape) {
+        m_templateNumber->setText(TwoDigits(m_current + 1));
+        return true;
+    }
+    if (key->key() == Qt::Key_Backspace)
+        return false;
+    const std::optional<QChar> ch = TypedCharacter(key);
+    if (!ch)
+        return false;
+    if (m_templateNumber->text().size() >= kNumberDigits && !m_templateNumber->hasSelectedText())
+        return true;
+    return !(*ch >= QLatin1Char('0') && *ch <= QLatin1Char('9'));
+}
+
+bool ButtonEditor::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (watched == m_caption)
+            return CaptionKey(key);
+        if (watched == m_templateName)
+            return TemplateNameKey(key);
+        if (watched == m_templateNumber)
+            return TemplateNumberKey(key);
+    } else if (event->type() == QEvent::FocusOut) {
+        // Leaving a box stores it, as Enter does.
+        if (watched == m_caption)
+            StoreCaption();
+        else if (watched == m_templateName)
+            StoreTemplateName();
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+} // namespace lumeth

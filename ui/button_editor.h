@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QDialog>
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "model/failure.h"
+#include "model/panel_store.h"
+#include "ui/error_reporter.h"
+
+class QComboBox;
+class QKeyEvent;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+namespace lumeth {
+
+class ChannelListModels;
+
+// frmButtons, "Program Buttons": edits the button templates of the store in
+// place, 16 of a template's 32 buttons at a time. Each button gets a function,
+// a channel, a second (tally or listen) channel where the function has one,
+// and a label. Sending and saving the templates happen elsewhere.
+class ButtonEditor : public QDialog {
+    Q_OBJECT
+public:
+    // `models` are the shared channel lists; `folder` is the program's folder,
+    // where the label sheet export starts.
+    ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorReporter reporter,
+                 std::string folder, QWidget* parent = nullptr);
+
+    // Form load: the type list, then the current template. Runs on every open.
+    void Load();
+    void LoadTypeCombo();
+    void DisplayCurrentTemplate();
+    void DisplayCurrentButton();
+
+    // The handlers, as the controls call them.
+    void ButtonClicked(int position);
+    void TypeChanged(int index);
+    void ChannelChanged(int list, int position);
+    void CaptionOptionChosen(int option);
+    void Navigate(int index);
+    void ChangePage();
+    void AddTemplate();
+    void ClearTemplate();
+    void CopyTemplate();
+    void ExportLabelSheet();
+
+    int currentTemplate() const { return m_current; }
+    int currentButton() const { return m_button; }
+    int pageOffset() const { return m_offset; }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void BuildMenu();
+    void BuildLayout();
+    void LoadChannelCombos(int code);
+    void SelectChannel(int list, int channel);
+    PanelButton& CurrentButtonRecord();
+    QString InputAlpha(int channel) const;
+    bool CaptionKey(QKeyEvent* key);
+    bool TemplateNameKey(QKeyEvent* key);
+    bool TemplateNumberKey(QKeyEvent* key);
+    void StoreCaption();
+    void StoreTemplateName();
+    // Run `step`, reporting a failure under `location` with the title
+    // "Button Error"; the store keeps what was stored before the failure.
+    template <typename Step> void Guarded(std::string_view location, Step&& step);
+
+    PanelStore& m_store;
+    ChannelListModels& m_models;
+    ErrorReporter m_reporter;
+    std::string m_folder;
+
+    int m_current = 0; // template position
+    int m_button = 0;  // visible position 0..15
+    int m_offset = 0;  // 0: buttons 1-16, 16: buttons 17-32
+    // Set while the window fills its own lists, so that their change
+    // handlers do nothing.
+    bool m_updating = false;
+
+    std::array<QPushButton*, 16> m_buttons{};
+    std::array<QLabel*, 17> m_buttonLabels{};
+    std::array<QLabel*, 16> m_typeLabels{};
+    std::array<QComboBox*, 2> m_channels{};
+    std::array<QRadioButton*, 2> m_captionOptions{};
+    std::array<QPushButton*, 6> m_nav{};
+    QComboBox* m_type = nullptr;
+    QLineEdit* m_caption = nullptr;
+    QLineEdit* m_templateNumber = nullptr;
+    QLineEdit* m_templateName = nullptr;
+    QPushButton* m_more = nullptr;
+};
+
+} // namespace lumeth

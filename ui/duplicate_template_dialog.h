@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+
+#include <array>
+#include <string_view>
+
+#include "model/failure.h"
+#include "model/panel_store.h"
+#include "ui/error_reporter.h"
+
+class QComboBox;
+class QStringListModel;
+
+namespace lumeth {
+
+// frmDuplicateTemplate, "Duplicate Button Template": copies one button
+// template onto another or onto a new one. It stays open for further copies.
+class DuplicateTemplateDialog : public QDialog {
+    Q_OBJECT
+public:
+    DuplicateTemplateDialog(PanelStore& store, ErrorReporter reporter, QWidget* parent = nullptr);
+
+    // Both lists from the store's template names ("To" ends with "New
+    // Template"), position 0 selected in each.
+    void LoadTemplateLists();
+    // cmdCopy: the selected "From" template onto the selected "To" one.
+    void Copy();
+
+private:
+    PanelStore& m_store;
+    ErrorReporter m_reporter;
+    std::array<QComboBox*, 2> m_lists{};
+    std::array<QStringListModel*, 2> m_models{};
+};
+
+} // namespace lumeth

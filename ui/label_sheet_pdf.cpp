@@ -1,0 +1,131 @@
+#include "ui/label_sheet_pdf.h"
+
+#include <QBuffer>
+#include <QFontMetrics>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPdfWriter>
+
+#include "files/panel_data_file.h"
+#include "model/button_templates.h"
+#include "ui/qt_text.h"
+
+namespace lumeth {
+
+namespace {
+
+constexpr int kResolution = 300; // dots per inch of the page's coordinates
+constexpr int kKeysPerRow = 16;
+
+double Mm(double millimetres) {
+    return millimetres * kResolution / 25.4;
+}
+
+// One key: its position number, then the face text the operator reads on the
+// panel, the function, and the channel it switches.
+void DrawKey(QPainter& painter, const QRectF& box, int number, const LabelSheetKey& key,
+             const QFont& small, const QFont& face) {
+    painter.setPen(QPen(Qt::black, Mm(0.25)));
+    painter.drawRect(box);
+    const QRectF inner = box.adjusted(Mm(0.8), Mm(0.6), -Mm(0.8), -Mm(0.6));
+    const double line = inner.height() / 6.0;
+    const auto row = [&](int at, int span) {
+        return QRectF(inner.left(), inner.top() + at * line, inner.width(), span * line);
+    };
+    const auto text = [&](const QRectF& rect, const QFont& font, const QString& value,
+                          Qt::Alignment align) {
+        painter.setFont(font);
+        const QString shown =
+            QFontMetrics(font, painter.device())
+                .elidedText(value, Qt::ElideRight, static_cast<int>(rect.width()));
+        painter.drawText(rect, align | Qt::AlignVCenter, shown);
+    };
+    painter.setPen(Qt::darkGray);
+    text(row(0, 1), small, QString::number(number), Qt::AlignLeft);
+    painter.setPen(Qt::black);
+    text(row(1, 2), face, ToQt(key.face), Qt::AlignHCenter);
+    text(row(3, 1), small, ToQt(key.function), Qt::AlignHCenter);
+    text(row(4, 1), small, ToQt(key.channel), Qt::AlignHCenter);
+    text(row(5, 1), small, ToQt(key.number), Qt::AlignHCenter);
+}
+
+} // namespace
+
+QByteArray RenderLabelSheet(const PanelStore& store) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setTitle("Button Label Sheet");
+    writer.setCreator("KOV Lumeth EX Administrator");
+    writer.setResolution(kResolution);
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Landscape,
+                                     QMarginsF(10, 10, 10, 10), QPageLayout::Millimeter));
+
+    QPainter painter(&writer);
+    QFont heading("Sans Serif");
+    heading.setPointSizeF(16);
+    heading.setBold(true);
+    QFont caption("Sans Serif");
+    caption.setPointSizeF(9);
+    QFont small("Sans Serif");
+    small.setPointSizeF(5.5);
+    QFont face("Sans Serif");
+    face.setPointSizeF(6.5);
+    face.setBold(true);
+
+    const QRectF page = writer.pageLayout().paintRectPixels(kResolution);
+    const double width = page.width();
+    const double gap = Mm(1.2);
+    const double keyWidth = (width - gap * (kKeysPerRow - 1)) / kKeysPerRow;
+    const double keyHeight = Mm(34);
+
+    const int count = std::max<int>(store.templateCount, 0);
+    for (int t = 0; t < count; ++t) {
+        if (t > 0)
+            writer.newPage();
+        const LabelSheetPage sheet = LabelSheetPageFor(store, t);
+        painter.setPen(Qt::black);
+        painter.setFont(heading);
+        painter.drawText(QRectF(0, 0, width, Mm(10)), Qt::AlignLeft | Qt::AlignVCenter,
+                         QStringLiteral("Template %1  %2")
+                             .arg(sheet.number, 2, 10, QLatin1Char('0'))
+                             .arg(ToQt(sheet.name).trimmed()));
+        double top = Mm(16);
+        for (int r = 0; r < 2; ++r) {
+            painter.setFont(caption);
+            painter.setPen(Qt::black);
+            painter.drawText(QRectF(0, top, width, Mm(6)), Qt::AlignLeft | Qt::AlignVCenter,
+                             r == 0 ? QStringLiteral("Buttons 1-16")
+                                    : QStringLiteral("Buttons 17-32"));
+            top += Mm(7);
+            for (int k = 0; k < kKeysPerRow; ++k) {
+                const int b = r * kKeysPerRow + k;
+                const QRectF box(k * (keyWidth + gap), top, keyWidth, keyHeight);
+                DrawKey(painter, box, b + 1, sheet.keys[static_cast<size_t>(b)], small, face);
+            }
+            top += keyHeight + Mm(10);
+        }
+        // What each line of a key means, and where the page belongs.
+        painter.setFont(caption);
+        painter.setPen(Qt::darkGray);
+        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
+                         Qt::AlignLeft | Qt::AlignVCenter,
+                         QStringLiteral("Each key: button number, face text, function, "
+                                        "channel name, channel number"));
+        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
+                         Qt::AlignRight | Qt::AlignVCenter,
+                         QStringLiteral("Page %1 of %2").arg(t + 1).arg(count));
+    }
+    painter.end();
+    return bytes;
+}
+
+Status WriteLabelSheet(const std::string& path, const PanelStore& store) {
+    const QByteArray bytes = RenderLabelSheet(store);
+    if (bytes.isEmpty())
+        return Status::Fail(ErrorCode::DeviceIoError, "the label sheet could not be drawn");
+    return ReplaceFileContents(path, std::string_view(bytes.constData(), bytes.size()));
+}
+
+} // namespace lumeth
