@@ -22,6 +22,7 @@
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "ui/about_dialog.h"
+#include "ui/display_list_editor.h"
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/setup_dialog.h"
@@ -80,12 +81,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     m_connection->decodeTimer()->setObjectName("tmrDecode");
     m_connection->pollTimer()->setObjectName("tmrPoll");
 
-    m_views = new MainViews(
-        m_store,
-        [this](std::string_view location, std::string_view category, const Failure& failure) {
-            ReportError(location, category, failure);
-        },
-        this);
+    m_views = new MainViews(m_store, Reporter(), this);
     m_views->setListEditor([this] { ShowListEditor(); });
 
     BuildMenus();
@@ -287,6 +283,12 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
+ErrorReporter MainWindow::Reporter() {
+    return [this](std::string_view location, std::string_view category, const Failure& failure) {
+        ReportError(location, category, failure);
+    };
+}
+
 void MainWindow::ReportError(std::string_view location, std::string_view category,
                              const Failure& failure) {
     m_log.ReportError(location, category, failure);
@@ -334,12 +336,13 @@ void MainWindow::setUnappliedChanges(bool unapplied) {
 }
 
 void MainWindow::ShowListEditor() {
-    if (m_listEditor) {
-        m_listEditor();
-        return;
+    if (!m_listEditor) {
+        m_listEditor = new DisplayListEditor(m_store, m_folder, Reporter(), this);
     }
-    statusBar()->showMessage("The display list and user group editor is not available yet.",
-                             kStatusMessageMs);
+    m_listEditor->Open();
+    m_listEditor->exec();
+    if (m_listEditor->storeChanged())
+        setUnappliedChanges(true);
 }
 
 void MainWindow::ShowButtonEditor() {

@@ -11,6 +11,7 @@
 #include "link/link_state.h"
 #include "link/session.h"
 #include "model/panel_store.h"
+#include "ui/error_reporter.h"
 
 class QLabel;
 class QMenu;
@@ -21,6 +22,7 @@ namespace lumeth {
 
 class AboutDialog;
 class Connection;
+class DisplayListEditor;
 class LoginDialog;
 class MainViews;
 
@@ -53,9 +55,8 @@ public:
     // The poll timer's login: disable the window and show the login dialog.
     void ShowLogin();
 
-    // The editors are plugged in here; until then the commands say in the
-    // status bar that the editor is not available.
-    void setListEditor(std::function<void()> show) { m_listEditor = std::move(show); }
+    // The button editor is plugged in here; until then its command says in
+    // the status bar that the editor is not available.
     void setButtonEditor(std::function<void()> show) { m_buttonEditor = std::move(show); }
 
     // The second status panel: download progress or unapplied changes.
@@ -86,6 +87,7 @@ private:
     void ShowListEditor();
     void ShowButtonEditor();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
+    ErrorReporter Reporter();
 
     std::string m_folder;
     PanelStore m_store;
@@ -104,7 +106,7 @@ private:
     QPushButton* m_send = nullptr;
     LoginDialog* m_login = nullptr;
 
-    std::function<void()> m_listEditor;
+    DisplayListEditor* m_listEditor = nullptr; // created on first use
     std::function<void()> m_buttonEditor;
     bool m_unapplied = false;
     bool m_applying = false;

@@ -10,11 +10,18 @@ namespace lumeth {
 std::string GroupKey(int userGroupIndex); // "Gr.001" for index 0
 std::string ListKey(int position);        // "Lst.000" for position 0
 std::string ChannelKey(int channel);      // "Ch.0001" for channel 0
+// The list editor's key of a display list inside a user group: its position
+// plus 1 as four digits ("Lst.0001" for position 0).
+std::string GroupEntryKey(int position);
 
 // The leading decimal number of a key's last three characters ("Gr.012" gives
 // 12). A number too wide for its digits makes the key longer, and only the
 // last three digits count.
 int KeyNumber(std::string_view key);
+// The number the list editor's keys end in, minus 1: a channel number or a
+// display list position. All digits after the last '.' count, so channels
+// from 9999 up (five-digit keys) keep their numbers.
+int KeyEntryNumber(std::string_view key);
 // The leading decimal number of a whole text ("21" gives 21; no number gives 0).
 int TextNumber(std::string_view text);
 
