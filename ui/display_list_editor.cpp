@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
@@ -722,28 +723,30 @@ void DisplayListEditor::reject() {
     CloseEditor();
 }
 
-bool DisplayListEditor::DropOnList(QEvent* event) {
-    auto* drop = static_cast<QDropEvent*>(event);
-    const QList<int> rows = ListItemModel::RowsFromMimeData(drop->mimeData());
+bool DisplayListEditor::DropOnList(const QMimeData* data, const QPoint& at) {
+    const QList<int> rows = ListItemModel::RowsFromMimeData(data);
     if (rows.isEmpty())
         return false;
-    const QPoint at = drop->position().toPoint();
     const QModelIndex target = m_listView->indexAt(at);
     int destination = m_listItems->rowCount();
     if (target.isValid())
         destination = target.row() + (at.y() >= m_listView->visualRect(target).center().y());
     SelectRows(m_listView, m_listItems->moveItemsTo(rows, destination));
     m_changed = true;
-    // The rows are already in place: the drop is reported as not moving
-    // anything so that the view does not remove the dragged rows.
-    drop->setDropAction(Qt::IgnoreAction);
-    drop->accept();
     return true;
 }
 
 bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == m_listView->viewport() && event->type() == QEvent::Drop)
-        return DropOnList(event);
+    if (watched == m_listView->viewport() && event->type() == QEvent::Drop) {
+        auto* drop = static_cast<QDropEvent*>(event);
+        if (!DropOnList(drop->mimeData(), drop->position().toPoint()))
+            return false;
+        // The rows are already in place: the drop is reported as moving
+        // nothing, so that the view does not remove the dragged rows.
+        drop->setDropAction(Qt::IgnoreAction);
+        drop->accept();
+        return true;
+    }
     if (watched == m_listAlpha && event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)

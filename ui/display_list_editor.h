@@ -15,6 +15,7 @@ class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QMenuBar;
+class QMimeData;
 class QPushButton;
 class QRadioButton;
 class QSortFilterProxyModel;
@@ -57,6 +58,10 @@ public:
     void Remove();
     void RemoveAll();
     void MoveSelection(int delta);
+    // Rows of lvList dragged within it and dropped at `at` (viewport
+    // coordinates): they move before the item there, or after it when dropped
+    // on its lower half. False for data that holds no rows of lvList.
+    bool DropOnList(const QMimeData* data, const QPoint& at);
     void NewList();
     void ApplyListAlpha();
     void CopyList();
@@ -84,7 +89,6 @@ private:
     void SetModeCaptions();
     void SelectRows(QTreeView* view, const QList<int>& rows);
     void AddItems(bool all);
-    bool DropOnList(QEvent* event);
     void Report(std::string_view location, std::string_view category, const std::exception& error);
 
     PanelStore& m_store;

@@ -180,7 +180,8 @@ QMimeData* ListItemModel::mimeData(const QModelIndexList& indexes) const {
 QList<int> ListItemModel::RowsFromMimeData(const QMimeData* data) {
     QList<int> rows;
     if (data && data->hasFormat(kRowsMimeType)) {
-        QDataStream stream(data->data(kRowsMimeType));
+        const QByteArray bytes = data->data(kRowsMimeType);
+        QDataStream stream(bytes);
         stream >> rows;
     }
     return rows;

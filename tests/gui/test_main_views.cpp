@@ -10,7 +10,7 @@
 #include <QWidget>
 
 #include "app/main_views.h"
-#include "app/view_keys.h"
+#include "model/view_keys.h"
 
 using namespace lumeth;
 
