@@ -12,8 +12,8 @@
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "ui/key_filter.h"
-#include "ui/message_box.h"
 #include "ui/normalise_address.h"
+#include "ui/message_box.h"
 #include "ui/port_check.h"
 #include "ui/qt_text.h"
 
