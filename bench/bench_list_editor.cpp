@@ -1,0 +1,136 @@
+// The display list editor on the largest configuration the emulator
+// generates (16383 channels per sub type): opening it on an Input list, Add
+// All into an empty list, committing that list, and one filter keystroke.
+// Each iteration includes the paint that follows, as the operator sees it.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTreeView>
+
+#include <memory>
+#include <numeric>
+
+#include "model/alpha_sort.h"
+#include "tools/sim/demo_config.h"
+#include "ui/display_list_editor.h"
+
+using namespace lumeth;
+
+namespace {
+
+struct Fixture {
+    std::unique_ptr<QApplication> app;
+    PanelStore store;
+    std::unique_ptr<DisplayListEditor> editor;
+    int emptyList = 0;
+    int fullList = 0;
+};
+
+Fixture& Shared() {
+    static Fixture* fixture = [] {
+        auto* f = new Fixture;
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "bench_list_editor";
+        static char* argv[] = {name, nullptr};
+        f->app = std::make_unique<QApplication>(argc, argv);
+
+        sim::DemoResult demo = sim::MakeDemo("max");
+        f->store = std::move(demo.store);
+        for (SubType s : kAllSubTypes) {
+            AlphaTable& table = f->store.alpha(s);
+            BuildAlphaTable(table, table.channelNames);
+        }
+        // Two more Input lists: an empty one and one holding every channel.
+        auto& inputs = f->store.lists(SubType::Input);
+        inputs.resize(static_cast<size_t>(f->store.listCount(SubType::Input)));
+        DisplayList empty;
+        empty.name = "Empty";
+        DisplayList all;
+        all.name = "Every Input";
+        all.channelCount = f->store.alpha(SubType::Input).count;
+        all.channels.resize(static_cast<size_t>(all.channelCount));
+        std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
+        inputs.push_back(empty);
+        inputs.push_back(all);
+        f->emptyList = static_cast<int>(inputs.size()) - 2;
+        f->fullList = static_cast<int>(inputs.size()) - 1;
+        f->store.listCount(SubType::Input) = static_cast<int16_t>(inputs.size());
+
+        f->editor = std::make_unique<DisplayListEditor>(f->store, "/tmp/", ErrorReporter{});
+        f->editor->resize(880, 620);
+        f->editor->show();
+        QApplication::processEvents();
+        return f;
+    }();
+    return *fixture;
+}
+
+void Settle() {
+    QApplication::processEvents();
+}
+
+void OpenOn(Fixture& f, int list) {
+    f.store.editorListType = 11;
+    f.store.currentList = static_cast<int16_t>(list);
+    f.editor->Open();
+}
+
+void BM_OpenOnInputList(benchmark::State& state) {
+    Fixture& f = Shared();
+    const int list = state.range(0) == 0 ? 0 : f.fullList;
+    for (auto _ : state) {
+        OpenOn(f, list);
+        Settle();
+    }
+    state.counters["available"] = f.editor->findChild<QTreeView*>("lvChannel")->model()->rowCount();
+    state.counters["members"] = f.editor->findChild<QTreeView*>("lvList")->model()->rowCount();
+}
+// 0: a list of 64 channels; 1: a list of all 16383.
+BENCHMARK(BM_OpenOnInputList)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+void BM_AddAllIntoEmptyList(benchmark::State& state) {
+    Fixture& f = Shared();
+    OpenOn(f, f.emptyList);
+    for (auto _ : state) {
+        state.PauseTiming();
+        f.editor->RemoveAll();
+        Settle();
+        state.ResumeTiming();
+        f.editor->AddAll();
+        Settle();
+    }
+    state.counters["members"] = f.editor->findChild<QTreeView*>("lvList")->model()->rowCount();
+}
+BENCHMARK(BM_AddAllIntoEmptyList)->Unit(benchmark::kMillisecond);
+
+void BM_CommitFullList(benchmark::State& state) {
+    Fixture& f = Shared();
+    OpenOn(f, f.emptyList);
+    f.editor->AddAll();
+    for (auto _ : state)
+        f.editor->CommitEditedList();
+    state.counters["channels"] = f.store.lists(SubType::Input)[size_t(f.emptyList)].channelCount;
+}
+BENCHMARK(BM_CommitFullList)->Unit(benchmark::kMillisecond);
+
+void BM_FilterKeystroke(benchmark::State& state) {
+    Fixture& f = Shared();
+    OpenOn(f, 0);
+    auto* filter = f.editor->findChild<QLineEdit*>("txtFilter");
+    auto* view = f.editor->findChild<QTreeView*>("lvChannel");
+    // Typing one more character, then deleting it again, in turn.
+    const QString texts[2] = {QStringLiteral("1"), QStringLiteral("12")};
+    int shown = 0;
+    for (auto _ : state) {
+        filter->setText(texts[shown % 2]);
+        Settle();
+        ++shown;
+    }
+    filter->clear();
+    state.counters["items"] = view->model()->rowCount();
+}
+BENCHMARK(BM_FilterKeystroke)->Unit(benchmark::kMillisecond);
+
+} // namespace
