@@ -24,8 +24,8 @@ std::string ChannelKey(int channel) {
     return Keyed("Ch.", 4, channel + 1);
 }
 
-std::string GroupEntryKey(int position) {
-    return Keyed("Lst.", 4, position + 1);
+std::string GroupEntryKey(SubType subType, int position) {
+    return Keyed((std::string(SubTypeName(subType)) + ".").c_str(), 4, position + 1);
 }
 
 int KeyNumber(std::string_view key) {

@@ -11,13 +11,16 @@ public:
     static bool IsSet() { return value() != 0; }
 
     // Sets the flag for its lifetime and clears it afterwards, also when the
-    // filling fails.
+    // filling fails (a scope opened while the flag was already set leaves it set).
     class Scope {
     public:
-        Scope() { value() = -1; }
-        ~Scope() { value() = 0; }
+        Scope() : m_previous(value()) { value() = -1; }
+        ~Scope() { value() = m_previous; }
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;
+
+    private:
+        int16_t m_previous;
     };
 
 private:

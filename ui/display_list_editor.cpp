@@ -255,19 +255,18 @@ void DisplayListEditor::BuildControls() {
         buttons->addWidget(button);
     buttons->addStretch(2);
 
-    auto* available = new QVBoxLayout;
-    available->addWidget(m_masterListLabel);
-    available->addWidget(m_filter);
-    available->addWidget(m_channelView, 1);
-    auto* selected = new QVBoxLayout;
-    selected->addWidget(m_currentListLabel);
-    selected->addWidget(m_listView, 1);
-    // Align the two views' tops: the filter box stands over the left one only.
-    selected->insertSpacing(1, m_filter->sizeHint().height() + available->spacing());
-    auto* lists = new QHBoxLayout;
-    lists->addLayout(available, 1);
-    lists->addLayout(buttons);
-    lists->addLayout(selected, 1);
+    // One grid, so that the two views start on the same line although the
+    // filter box stands over the available items only.
+    auto* lists = new QGridLayout;
+    lists->addWidget(m_masterListLabel, 0, 0);
+    lists->addWidget(m_currentListLabel, 0, 2);
+    lists->addWidget(m_filter, 1, 0);
+    lists->addWidget(m_channelView, 2, 0);
+    lists->addLayout(buttons, 2, 1);
+    lists->addWidget(m_listView, 2, 2);
+    lists->setColumnStretch(0, 1);
+    lists->setColumnStretch(2, 1);
+    lists->setRowStretch(2, 1);
 
     auto* bottom = new QHBoxLayout;
     bottom->addStretch(1);
@@ -390,7 +389,7 @@ void DisplayListEditor::FillChannels() {
             const SubType subType = ListSubType(m_store.currentListType);
             const auto& lists = m_store.lists(subType);
             for (int p = 0; p < m_store.listCount(subType); ++p) {
-                std::string key = GroupEntryKey(p);
+                std::string key = GroupEntryKey(subType, p);
                 rows.emplace_back(key, ItemText(lists.at(Position(p)).name, key));
             }
         } else {
@@ -432,7 +431,7 @@ void DisplayListEditor::FillList() {
         const auto& lists = m_store.lists(subType);
         for (const int16_t p : GroupEntriesOfType(group, m_store.currentListType)) {
             const bool known = p >= 0 && p < m_store.listCount(subType) && size_t(p) < lists.size();
-            std::string key = GroupEntryKey(p);
+            std::string key = GroupEntryKey(subType, p);
             rows.emplace_back(key, ItemText(known ? lists[size_t(p)].name : "*Invalid*", key));
         }
     } else {

@@ -48,8 +48,10 @@ DuplicateDisplayListDialog::DuplicateDisplayListDialog(PanelStore& store, ErrorR
     }
     grid->setColumnStretch(1, 1);
 
-    // Shows the kind of list being copied; it has no handler of its own.
-    auto* frame = new QGroupBox("Display List Type", this);
+    // Shows the kind of list being copied; it has no handler of its own and
+    // is hidden while groups are copied.
+    m_subTypeFrame = new QGroupBox("Display List Type", this);
+    QGroupBox* frame = m_subTypeFrame;
     frame->setObjectName("frSubType");
     frame->setEnabled(false);
     auto* row = new QHBoxLayout(frame);
@@ -86,6 +88,7 @@ void DuplicateDisplayListDialog::setMode(int16_t mode) {
     m_mode = mode;
     m_copies = 0;
     const auto subType = SubTypeFromListCode(mode);
+    m_subTypeFrame->setVisible(subType.has_value());
     for (size_t i = 0; i < m_subTypeButtons.size(); ++i) {
         // Unchecking needs the group's exclusivity off (no sub type for groups).
         m_subTypeButtons[i]->setAutoExclusive(false);

@@ -9,6 +9,7 @@
 #include "ui/error_reporter.h"
 
 class QComboBox;
+class QGroupBox;
 class QRadioButton;
 
 namespace lumeth {
@@ -41,6 +42,7 @@ private:
     int16_t m_mode = 11;
     int m_copies = 0;
     std::array<QComboBox*, 2> m_lists{};
+    QGroupBox* m_subTypeFrame = nullptr;
     std::array<QRadioButton*, 4> m_subTypeButtons{};
 };
 

@@ -368,20 +368,20 @@ private slots:
         QCOMPARE(Child<QLabel>(m_editor, "lblList")->text(), QString("Current Group"));
         QVERIFY(Child<QRadioButton>(m_editor, "optSubType_11")->isChecked());
         QCOMPARE(Column(Available(), 0),
-                 QStringList({"Mics (Lst.0001)", "Players          (Lst.0002)",
-                              "Mics(2) (Lst.0003)", "Long List Name (Lst.0004)"}));
-        QCOMPARE(Column(Selected()), QStringList({"Lst.0001", "Lst.0002"}));
+                 QStringList({"Mics (Input.0001)", "Players          (Input.0002)",
+                              "Mics(2) (Input.0003)", "Long List Name (Input.0004)"}));
+        QCOMPARE(Column(Selected()), QStringList({"Input.0001", "Input.0002"}));
         Select(Selected(), {0});
         QTest::keyClick(Selected(), Qt::Key_Delete);
         Select(Available(), {2, 3});
         QTest::keyClick(Available(), Qt::Key_Return);
-        QCOMPARE(Column(Selected()), QStringList({"Lst.0002", "Lst.0003", "Lst.0004"}));
+        QCOMPARE(Column(Selected()), QStringList({"Input.0002", "Input.0003", "Input.0004"}));
 
         // Another sub type commits first; the Output entry keeps its place.
         QTest::mouseClick(Child<QRadioButton>(m_editor, "optSubType_21"), Qt::LeftButton);
         QCOMPARE(m_store.currentListType, int16_t(21));
-        QCOMPARE(Column(Selected()), QStringList({"Lst.0001"}));
-        QCOMPARE(Column(Available(), 0), QStringList({"Monitors (Lst.0001)"}));
+        QCOMPARE(Column(Selected()), QStringList({"Output.0001"}));
+        QCOMPARE(Column(Available(), 0), QStringList({"Monitors (Output.0001)"}));
         Click("cmdClose");
 
         std::string upload = codec::GroupMessage(m_store);
