@@ -9,10 +9,8 @@
 #include <QTreeView>
 
 #include <memory>
-#include <numeric>
 
-#include "model/alpha_sort.h"
-#include "tools/sim/demo_config.h"
+#include "bench/max_config.h"
 #include "ui/display_list_editor.h"
 
 using namespace lumeth;
@@ -30,33 +28,11 @@ struct Fixture {
 Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "bench_list_editor";
-        static char* argv[] = {name, nullptr};
-        f->app = std::make_unique<QApplication>(argc, argv);
-
-        sim::DemoResult demo = sim::MakeDemo("max");
-        f->store = std::move(demo.store);
-        for (SubType s : kAllSubTypes) {
-            AlphaTable& table = f->store.alpha(s);
-            BuildAlphaTable(table, table.channelNames);
-        }
-        // Two more Input lists: an empty one and one holding every channel.
-        auto& inputs = f->store.lists(SubType::Input);
-        inputs.resize(static_cast<size_t>(f->store.listCount(SubType::Input)));
-        DisplayList empty;
-        empty.name = "Empty";
-        DisplayList all;
-        all.name = "Every Input";
-        all.channelCount = f->store.alpha(SubType::Input).count;
-        all.channels.resize(static_cast<size_t>(all.channelCount));
-        std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
-        inputs.push_back(empty);
-        inputs.push_back(all);
-        f->emptyList = static_cast<int>(inputs.size()) - 2;
-        f->fullList = static_cast<int>(inputs.size()) - 1;
-        f->store.listCount(SubType::Input) = static_cast<int16_t>(inputs.size());
+        f->app = bench::OffscreenApplication();
+        f->store = bench::MaxStore();
+        f->emptyList = bench::AppendInputList(f->store, "Empty", 0);
+        f->fullList =
+            bench::AppendInputList(f->store, "Every Input", f->store.alpha(SubType::Input).count);
 
         f->editor = std::make_unique<DisplayListEditor>(f->store, "/tmp/", ErrorReporter{});
         f->editor->resize(880, 620);

@@ -9,11 +9,9 @@
 
 #include <fstream>
 #include <memory>
-#include <numeric>
 
 #include "app/main_views.h"
-#include "model/alpha_sort.h"
-#include "tools/sim/demo_config.h"
+#include "bench/max_config.h"
 
 using namespace lumeth;
 
@@ -30,30 +28,12 @@ struct Fixture {
 Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "bench_views";
-        static char* argv[] = {name, nullptr};
-        f->app = std::make_unique<QApplication>(argc, argv);
-
-        sim::DemoResult demo = sim::MakeDemo("max");
-        f->store = std::move(demo.store);
-        for (SubType s : kAllSubTypes) {
-            AlphaTable& table = f->store.alpha(s);
-            BuildAlphaTable(table, table.channelNames);
-        }
+        f->app = bench::OffscreenApplication();
+        f->store = bench::MaxStore();
         // The channel view's worst case: one list holding every Input channel,
         // listed first in group 0.
-        DisplayList all;
-        all.name = "Every Input";
-        all.channelCount = f->store.alpha(SubType::Input).count;
-        all.channels.resize(static_cast<size_t>(all.channelCount));
-        std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
-        auto& inputs = f->store.lists(SubType::Input);
-        inputs.resize(static_cast<size_t>(f->store.listCount(SubType::Input)));
-        inputs.push_back(std::move(all));
-        f->bigList = static_cast<int>(inputs.size()) - 1;
-        f->store.listCount(SubType::Input) = static_cast<int16_t>(inputs.size());
+        f->bigList =
+            bench::AppendInputList(f->store, "Every Input", f->store.alpha(SubType::Input).count);
         UserGroup& group = f->store.userGroups[0];
         group.listIndexes.resize(static_cast<size_t>(group.listCount));
         group.listTypes.resize(static_cast<size_t>(group.listCount));

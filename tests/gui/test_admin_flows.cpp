@@ -25,6 +25,7 @@
 #include "app/main_views.h"
 #include "app/main_window.h"
 #include "model/view_keys.h"
+#include "tests/gui/gui_support.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
 #include "tools/sim/sim_state.h"
@@ -36,28 +37,8 @@ using namespace lumeth;
 
 namespace {
 
-// Run `action` on the modal dialog `name` as soon as it is up (for dialogs
-// shown with exec(), which return only when closed).
-void WhenModal(const QString& name, std::function<void(QWidget*)> action) {
-    auto* timer = new QTimer;
-    timer->setInterval(20);
-    QObject::connect(timer, &QTimer::timeout, [timer, name, action] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal || modal->objectName() != name)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        action(modal);
-    });
-    timer->start();
-}
-
-template <typename T> T* Child(QObject* parent, const QString& name) {
-    T* child = parent->findChild<T*>(name);
-    if (!child)
-        qFatal("no control %s", qPrintable(name));
-    return child;
-}
+using test::Child;
+using test::WhenModal;
 
 QString Trimmed(const std::string& bytes) {
     return ToQt(bytes).trimmed();
@@ -356,7 +337,6 @@ private slots:
         QCOMPARE(m_window->store().currentListType, other);
         QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(group, other));
         QCOMPARE(Items()->topLevelItemCount(), 0);
-
     }
 
     void saveAllThenLoadAllRoundTrips() {
@@ -533,7 +513,6 @@ private slots:
                      EntriesOfType(
                          Demo().userGroups[static_cast<size_t>(m_window->store().currentUserGroup)],
                          m_window->store().currentListType));
-
     }
 
     void exitDisconnectsAndWritesTheSettings() {

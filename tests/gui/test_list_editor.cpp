@@ -25,6 +25,8 @@
 #include "link/codec.h"
 #include "link/session.h"
 #include "model/list_records.h"
+#include "tests/gui/gui_support.h"
+#include "tests/support/store_builders.h"
 #include "ui/display_list_editor.h"
 #include "ui/file_dialog.h"
 #include "ui/list_item_model.h"
@@ -34,47 +36,10 @@ using namespace lumeth;
 
 namespace {
 
-template <typename T> T* Child(QObject* parent, const QString& name) {
-    T* child = parent->findChild<T*>(name);
-    if (!child)
-        qFatal("no control %s", qPrintable(name));
-    return child;
-}
-
-// Run `action` on the modal window `name` once exec() has shown it.
-void WhenModal(const QString& name, std::function<void(QWidget*)> action) {
-    auto* timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout, [timer, name, action] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal || modal->objectName() != name)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        action(modal);
-    });
-    timer->start();
-}
-
-DisplayList List(std::string name, std::vector<int16_t> channels) {
-    DisplayList list;
-    list.name = std::move(name);
-    list.channelCount = static_cast<int16_t>(channels.size());
-    list.channels = channels.empty() ? std::vector<int16_t>{0} : std::move(channels);
-    return list;
-}
-
-UserGroup Group(std::vector<std::pair<int16_t, int16_t>> entries) { // (position, list type)
-    UserGroup group;
-    group.listCount = static_cast<int16_t>(entries.size());
-    group.listIndexes.clear();
-    group.listTypes.clear();
-    for (auto [position, type] : entries) {
-        group.listIndexes.push_back(position);
-        group.listTypes.push_back(type);
-    }
-    return group;
-}
+using test::Child;
+using test::Group;
+using test::List;
+using test::WhenModal;
 
 void SetAlphas(AlphaTable& table, std::vector<std::string> channelNames) {
     table.count = static_cast<int16_t>(channelNames.size());

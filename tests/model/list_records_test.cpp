@@ -2,26 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/store_builders.h"
+
 namespace lumeth {
 namespace {
 
 using Entries = std::vector<std::pair<int16_t, int16_t>>; // (position, list type)
-
-UserGroup Group(const Entries& entries) {
-    UserGroup g;
-    g.listCount = static_cast<int16_t>(entries.size());
-    g.listIndexes.clear();
-    g.listTypes.clear();
-    for (auto [position, type] : entries) {
-        g.listIndexes.push_back(position);
-        g.listTypes.push_back(type);
-    }
-    if (entries.empty()) {
-        g.listIndexes = {0};
-        g.listTypes = {0};
-    }
-    return g;
-}
 
 Entries Read(const UserGroup& g) {
     Entries entries;
@@ -49,7 +35,7 @@ TEST(ReplaceGroupEntries, TakesTheOldSlotsAndKeepsTheOtherTypes) {
         {"all removed", {{0, 11}}, {}, {}},
     };
     for (const Case& c : cases) {
-        UserGroup g = Group(c.before);
+        UserGroup g = test::Group(c.before);
         ReplaceGroupEntries(g, 11, c.positions);
         EXPECT_EQ(Read(g), c.after) << c.what;
         EXPECT_GE(g.listIndexes.size(), 1u) << c.what;
