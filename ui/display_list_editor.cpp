@@ -168,7 +168,6 @@ void DisplayListEditor::BuildControls() {
     m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
     m_listAlpha = new QLineEdit("Text1", this);
     m_listAlpha->setObjectName("txtListAlpha");
-    m_listAlpha->setMaxLength(kNameLength); // pasted text too
     m_listAlpha->installEventFilter(this);
     m_listAlphaLabel->setBuddy(m_listAlpha);
     m_new = MakeButton(this, "cmndNew", "New List");
