@@ -576,6 +576,8 @@ void DisplayListEditor::AddItems(bool all) {
                 added.push_back(item);
         }
         m_listItems->appendItems(added);
+        if (!added.isEmpty())
+            m_listView->scrollToBottom(); // where the added items are
         m_changed = true;
     } catch (const std::exception& error) {
         Report(all ? "Error Adding All Items" : "Error Adding item", "List Error", error);
