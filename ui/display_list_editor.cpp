@@ -46,6 +46,12 @@ constexpr std::array<int16_t, 5> kListTypes{11, 21, 31, 41, kUserGroupListType};
 const char* const kListTypeItems[5] = {"Input Display Lists", "Output Display Lists",
                                        "Opto Display Lists", "Relay Display Lists", "User Groups"};
 
+// The cmbListType item of a mode; -1 (no item) for an unknown one.
+int ListTypeItem(int16_t listType) {
+    const auto item = std::find(kListTypes.begin(), kListTypes.end(), listType);
+    return item == kListTypes.end() ? -1 : static_cast<int>(item - kListTypes.begin());
+}
+
 // The longest name cmbListAlphas and txtListAlpha take: 16 characters.
 constexpr int kNameLength = 16;
 
@@ -331,8 +337,7 @@ void DisplayListEditor::Open() {
             m_currentIndex = 0;
         UpdateDisplays();
         const BusyFlag::Scope busy;
-        const auto item = std::find(kListTypes.begin(), kListTypes.end(), m_listType);
-        m_listTypes->setCurrentIndex(static_cast<int>(item - kListTypes.begin()));
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     } catch (const std::exception& error) {
         Report("Error Loading List Form", "List Error", error);
     }
@@ -517,6 +522,9 @@ void DisplayListEditor::ListTypeClicked(int item) {
         UpdateDisplays();
     } catch (const std::exception& error) {
         Report("Error Changing List Type", "List Error", error);
+        // The box shows the mode the editor is in.
+        const BusyFlag::Scope busy;
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     }
 }
 
@@ -532,6 +540,9 @@ void DisplayListEditor::ListAlphasClicked(int item) {
         FillList();
     } catch (const std::exception& error) {
         Report("Error Changing Current List", "List Error", error);
+        // The box shows the list being edited.
+        const BusyFlag::Scope busy;
+        m_listAlphas->setCurrentIndex(m_currentIndex);
     }
 }
 

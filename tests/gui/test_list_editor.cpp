@@ -305,6 +305,13 @@ private slots:
         QCOMPARE(listTypes->currentIndex(), startType == 83 ? 4 : startType / 10 - 1);
         if (item < 0) {
             QCOMPARE(m_reports.empty(), openedIndex < 4);
+            if (openedIndex == 4) { // no list there: an edit cannot be committed
+                Click("cmdAddAll");
+                listTypes->setCurrentIndex(1);
+                QCOMPARE(m_reports.back(), std::string("Error Changing List Type"));
+                QCOMPARE(listTypes->currentIndex(), 0);
+                QCOMPARE(m_store.listCount(SubType::Input), int16_t(4));
+            }
             return;
         }
         const std::string before = startType == 83
