@@ -9,8 +9,10 @@
 #include <QTreeView>
 
 #include <memory>
+#include <numeric>
 
-#include "bench/max_config.h"
+#include "bench/max_configuration.h"
+#include "model/list_records.h"
 #include "ui/display_list_editor.h"
 
 using namespace lumeth;
@@ -29,10 +31,14 @@ Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
         f->app = bench::OffscreenApplication();
-        f->store = bench::MaxStore();
-        f->emptyList = bench::AppendInputList(f->store, "Empty", 0);
-        f->fullList =
-            bench::AppendInputList(f->store, "Every Input", f->store.alpha(SubType::Input).count);
+        f->store = bench::MaxConfiguration();
+        // Two more Input lists: an empty one and one holding every channel.
+        f->emptyList = AppendRecord(f->store, 11, "Empty");
+        f->fullList = AppendRecord(f->store, 11, "Every Input");
+        DisplayList& all = f->store.lists(SubType::Input)[size_t(f->fullList)];
+        all.channelCount = f->store.alpha(SubType::Input).count;
+        all.channels.resize(size_t(all.channelCount));
+        std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
 
         f->editor = std::make_unique<DisplayListEditor>(f->store, "/tmp/", ErrorReporter{});
         f->editor->resize(880, 620);

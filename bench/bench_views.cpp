@@ -9,9 +9,10 @@
 
 #include <fstream>
 #include <memory>
+#include <numeric>
 
 #include "app/main_views.h"
-#include "bench/max_config.h"
+#include "bench/max_configuration.h"
 
 using namespace lumeth;
 
@@ -29,11 +30,19 @@ Fixture& Shared() {
     static Fixture* fixture = [] {
         auto* f = new Fixture;
         f->app = bench::OffscreenApplication();
-        f->store = bench::MaxStore();
+        f->store = bench::MaxConfiguration();
         // The channel view's worst case: one list holding every Input channel,
         // listed first in group 0.
-        f->bigList =
-            bench::AppendInputList(f->store, "Every Input", f->store.alpha(SubType::Input).count);
+        DisplayList all;
+        all.name = "Every Input";
+        all.channelCount = f->store.alpha(SubType::Input).count;
+        all.channels.resize(static_cast<size_t>(all.channelCount));
+        std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
+        auto& inputs = f->store.lists(SubType::Input);
+        inputs.resize(static_cast<size_t>(f->store.listCount(SubType::Input)));
+        inputs.push_back(std::move(all));
+        f->bigList = static_cast<int>(inputs.size()) - 1;
+        f->store.listCount(SubType::Input) = static_cast<int16_t>(inputs.size());
         UserGroup& group = f->store.userGroups[0];
         group.listIndexes.resize(static_cast<size_t>(group.listCount));
         group.listTypes.resize(static_cast<size_t>(group.listCount));

@@ -7,8 +7,9 @@
 
 namespace lumeth {
 
-// Where a window's failures go: the main window's ReportError, which writes
-// the error log. Location and category are the fixed texts of the operation.
+// How a window hands a failure to the error log: the location text naming the
+// failed operation, the category ("Button Error", "File Error", ...) and the
+// failure itself.
 using ErrorReporter = std::function<void(std::string_view location, std::string_view category,
                                          const Failure& failure)>;
 
