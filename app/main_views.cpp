@@ -12,7 +12,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "app/view_keys.h"
+#include "model/channel_alpha.h"
+#include "model/view_keys.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -85,21 +86,12 @@ bool BuildListItemRows(const PanelStore& store, int list, std::vector<ViewRow>& 
     if (!subType)
         return false;
     const DisplayList& members = At(store.lists(*subType), list);
-    const AlphaTable& alphas = store.alpha(*subType);
-    // Opto lists are bounded by the Input table and Relay lists by the Output
-    // table: the panels number those channels alongside the inputs and outputs.
-    const bool inputSide = *subType == SubType::Input || *subType == SubType::Opto;
-    const int bound = store.alpha(inputSide ? SubType::Input : SubType::Output).count;
     rows.reserve(rows.size() + static_cast<size_t>(std::max<int>(members.channelCount, 0)));
     for (int k = 0; k < members.channelCount; ++k) {
         const int channel = At(members.channels, k);
-        const std::string key = ChannelKey(channel);
-        std::string text = channel < bound ? At(alphas.names, At(alphas.positionOf, channel))
-                                           : std::string("*Invalid*");
-        text += " (";
-        text += key;
-        text += ')';
-        rows.push_back({key, std::move(text), {}});
+        std::string key = ChannelKey(channel);
+        std::string text = ItemText(ChannelAlpha(store, *subType, channel), key);
+        rows.push_back({std::move(key), std::move(text), {}});
     }
     return true;
 }
@@ -194,12 +186,8 @@ void MainViews::Fill(QTreeWidget* view, const std::vector<ViewRow>& rows, bool w
 }
 
 void MainViews::Report(std::string_view location, const std::exception& error) {
-    if (!m_reporter)
-        return;
-    const bool memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-    m_reporter(
-        location, "Display Error",
-        Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange, error.what()});
+    if (m_reporter)
+        m_reporter(location, "Display Error", FailureFromException(error));
 }
 
 void MainViews::ClearAll() {

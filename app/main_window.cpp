@@ -24,6 +24,7 @@
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/channel_list_models.h"
+#include "ui/display_list_editor.h"
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/setup_dialog.h"
@@ -82,12 +83,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     m_connection->decodeTimer()->setObjectName("tmrDecode");
     m_connection->pollTimer()->setObjectName("tmrPoll");
 
-    m_views = new MainViews(
-        m_store,
-        [this](std::string_view location, std::string_view category, const Failure& failure) {
-            ReportError(location, category, failure);
-        },
-        this);
+    m_views = new MainViews(m_store, Reporter(), this);
     m_views->setListEditor([this] { ShowListEditor(); });
     m_channelModels = new ChannelListModels(this);
 
@@ -290,6 +286,12 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
+ErrorReporter MainWindow::Reporter() {
+    return [this](std::string_view location, std::string_view category, const Failure& failure) {
+        ReportError(location, category, failure);
+    };
+}
+
 void MainWindow::ReportError(std::string_view location, std::string_view category,
                              const Failure& failure) {
     m_log.ReportError(location, category, failure);
@@ -339,12 +341,13 @@ void MainWindow::setUnappliedChanges(bool unapplied) {
 }
 
 void MainWindow::ShowListEditor() {
-    if (m_listEditor) {
-        m_listEditor();
-        return;
+    if (!m_listEditor) {
+        m_listEditor = new DisplayListEditor(m_store, m_folder, Reporter(), this);
     }
-    statusBar()->showMessage("The display list and user group editor is not available yet.",
-                             kStatusMessageMs);
+    m_listEditor->Open();
+    m_listEditor->exec();
+    if (m_listEditor->storeChanged())
+        setUnappliedChanges(true);
 }
 
 void MainWindow::EditGroups() {
@@ -375,12 +378,7 @@ void MainWindow::EditLists() {
 
 void MainWindow::EditButtons() {
     if (!m_buttonEditor) {
-        m_buttonEditor = new ButtonEditor(
-            m_store, *m_channelModels,
-            [this](std::string_view location, std::string_view category, const Failure& failure) {
-                ReportError(location, category, failure);
-            },
-            m_folder, this);
+        m_buttonEditor = new ButtonEditor(m_store, *m_channelModels, Reporter(), m_folder, this);
     }
     // Compared as the panel data file would hold it: anything the editor
     // changed (including a template grown to 32 buttons) is waiting for Apply.

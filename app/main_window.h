@@ -11,6 +11,7 @@
 #include "link/link_state.h"
 #include "link/session.h"
 #include "model/panel_store.h"
+#include "ui/error_reporter.h"
 
 class QLabel;
 class QMenu;
@@ -23,6 +24,7 @@ class AboutDialog;
 class ButtonEditor;
 class ChannelListModels;
 class Connection;
+class DisplayListEditor;
 class LoginDialog;
 class MainViews;
 
@@ -55,10 +57,6 @@ public:
     // The poll timer's login: disable the window and show the login dialog.
     void ShowLogin();
 
-    // The editors are plugged in here; until then the commands say in the
-    // status bar that the editor is not available.
-    void setListEditor(std::function<void()> show) { m_listEditor = std::move(show); }
-
     // The second status panel: download progress or unapplied changes.
     QString ProgressText() const;
     // Marks the store as changed locally (file load, edit) until Apply sends it.
@@ -86,6 +84,7 @@ private:
     void RefreshAfterPopup();
     void ShowListEditor();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
+    ErrorReporter Reporter();
 
     std::string m_folder;
     PanelStore m_store;
@@ -104,7 +103,7 @@ private:
     QPushButton* m_send = nullptr;
     LoginDialog* m_login = nullptr;
 
-    std::function<void()> m_listEditor;
+    DisplayListEditor* m_listEditor = nullptr; // created on first use
     // The channel lists of the button editor, rebuilt when channel names arrive.
     ChannelListModels* m_channelModels = nullptr;
     ButtonEditor* m_buttonEditor = nullptr;

@@ -1,5 +1,7 @@
 #include "model/failure.h"
 
+#include <new>
+
 namespace lumeth {
 
 std::string_view ErrorDescription(ErrorCode code) {
@@ -46,6 +48,11 @@ std::string_view ErrorDescription(ErrorCode code) {
 
 std::string Failure::LogMessage() const {
     return "Error # " + std::to_string(number()) + " - " + std::string(description());
+}
+
+Failure FailureFromException(const std::exception& error) {
+    const bool memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
+    return Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange, error.what()};
 }
 
 } // namespace lumeth

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -43,6 +44,10 @@ struct Failure {
     // "Error # 53 - File not found"
     std::string LogMessage() const;
 };
+
+// A failure caught as an exception: out of memory for std::bad_alloc, a
+// subscript out of range for anything else (a position beyond an array).
+Failure FailureFromException(const std::exception& error);
 
 // Ok, or a failure with a reason.
 class Status {

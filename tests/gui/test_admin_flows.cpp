@@ -24,7 +24,8 @@
 
 #include "app/main_views.h"
 #include "app/main_window.h"
-#include "app/view_keys.h"
+#include "model/view_keys.h"
+#include "tests/gui/gui_support.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
 #include "tools/sim/sim_state.h"
@@ -36,28 +37,8 @@ using namespace lumeth;
 
 namespace {
 
-// Run `action` on the modal dialog `name` as soon as it is up (for dialogs
-// shown with exec(), which return only when closed).
-void WhenModal(const QString& name, std::function<void(QWidget*)> action) {
-    auto* timer = new QTimer;
-    timer->setInterval(20);
-    QObject::connect(timer, &QTimer::timeout, [timer, name, action] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal || modal->objectName() != name)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        action(modal);
-    });
-    timer->start();
-}
-
-template <typename T> T* Child(QObject* parent, const QString& name) {
-    T* child = parent->findChild<T*>(name);
-    if (!child)
-        qFatal("no control %s", qPrintable(name));
-    return child;
-}
+using test::Child;
+using test::WhenModal;
 
 QString Trimmed(const std::string& bytes) {
     return ToQt(bytes).trimmed();
@@ -356,18 +337,6 @@ private slots:
         QCOMPARE(m_window->store().currentListType, other);
         QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(group, other));
         QCOMPARE(Items()->topLevelItemCount(), 0);
-
-        // The editors arrive later: the commands say so and keep the state rules.
-        m_window->store().editorListType = kUserGroupListType;
-        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditLists"), Qt::LeftButton);
-        QVERIFY(m_window->statusBar()->currentMessage().contains("not available"));
-        QCOMPARE(m_window->store().editorListType, int16_t(11));
-        QCOMPARE(m_window->store().currentList, int16_t(0));
-        QCOMPARE(m_window->store().currentListType, int16_t(11));
-        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
-        QCOMPARE(m_window->store().editorListType, kUserGroupListType);
-        QCOMPARE(m_window->store().currentUserGroup, int16_t(0));
-        QCOMPARE(Groups()->currentItem(), Groups()->topLevelItem(0));
     }
 
     void saveAllThenLoadAllRoundTrips() {
@@ -544,38 +513,6 @@ private slots:
                      EntriesOfType(
                          Demo().userGroups[static_cast<size_t>(m_window->store().currentUserGroup)],
                          m_window->store().currentListType));
-
-        ClickItem(Groups(), 0, Qt::RightButton);
-        QTRY_VERIFY(popup->isVisible());
-        Child<QAction>(m_window, "mnuEdit")->trigger();
-        popup->hide();
-        QVERIFY(m_window->statusBar()->currentMessage().contains("not available"));
-        QTRY_COMPARE(Groups()->topLevelItemCount(), Demo().userGroupCount);
-
-        // "Edit List" chosen with the mouse: the menu closes before its action
-        // runs, and an editor keeps events flowing while it is open. The views
-        // are refreshed after the editor has committed, not while it is open.
-        PanelStore& store = m_window->store();
-        ClickItem(Lists(), 0);
-        const int position = m_window->store().currentList;
-        const SubType subType = *SubTypeFromListCode(store.currentListType);
-        int editorShown = 0;
-        m_window->setListEditor([&] {
-            ++editorShown;
-            QTest::qWait(50);
-            store.lists(subType)[static_cast<size_t>(position)].name = "Edited In Editor";
-            store.userGroupNames[static_cast<size_t>(store.currentUserGroup)] = "Group Edited";
-        });
-        ClickItem(Lists(), 0, Qt::RightButton);
-        QTRY_VERIFY(popup->isVisible());
-        auto* edit = Child<QAction>(m_window, "mnuEdit");
-        QTest::mouseClick(popup, Qt::LeftButton, {}, popup->actionGeometry(edit).center());
-        QTRY_COMPARE(editorShown, 1);
-        QTest::qWait(20);
-        QCOMPARE(Lists()->topLevelItem(0)->text(0).trimmed(), QString("Edited In Editor"));
-        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text(),
-                 QString("Display Lists in Group Edited"));
-        QCOMPARE(Groups()->topLevelItem(store.currentUserGroup)->text(0), QString("Group Edited"));
     }
 
     void exitDisconnectsAndWritesTheSettings() {

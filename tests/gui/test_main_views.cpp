@@ -10,7 +10,8 @@
 #include <QWidget>
 
 #include "app/main_views.h"
-#include "app/view_keys.h"
+#include "model/view_keys.h"
+#include "tests/support/store_builders.h"
 
 using namespace lumeth;
 
@@ -21,31 +22,8 @@ struct Report {
     std::string category;
 };
 
-DisplayList List(std::string name, std::vector<int16_t> channels) {
-    DisplayList list;
-    list.name = std::move(name);
-    list.channelCount = static_cast<int16_t>(channels.size());
-    if (channels.empty())
-        channels.push_back(0);
-    list.channels = std::move(channels);
-    return list;
-}
-
-UserGroup Group(std::vector<std::pair<int16_t, int16_t>> entries) { // (position, list type)
-    UserGroup group;
-    group.listCount = static_cast<int16_t>(entries.size());
-    group.listIndexes.clear();
-    group.listTypes.clear();
-    for (auto [position, type] : entries) {
-        group.listIndexes.push_back(position);
-        group.listTypes.push_back(type);
-    }
-    if (entries.empty()) {
-        group.listIndexes.push_back(0);
-        group.listTypes.push_back(0);
-    }
-    return group;
-}
+using test::Group;
+using test::List;
 
 // A small facility. Input channels in channel order: MIC 1, MIC 2, CD; sorted
 // by name that is CD (2), MIC 1 (0), MIC 2 (1).

@@ -14,6 +14,8 @@ const std::vector<Command>& Commands() {
          "send FILE's display lists, user groups and templates to the server module", &RunApply},
         {"set-password", "[--new-password-file FILE] [server options]",
          "store a new panel password in the server module", &RunSetPassword},
+        {"crosspoints", "FILE -o OUT",
+         "write the crosspoint map of FILE's Input and Output lists as CSV", &RunCrosspoints},
     };
     return kCommands;
 }

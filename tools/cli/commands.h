@@ -11,5 +11,6 @@ int RunConvert(const std::vector<std::string>& args);
 int RunFetch(const std::vector<std::string>& args);
 int RunApply(const std::vector<std::string>& args);
 int RunSetPassword(const std::vector<std::string>& args);
+int RunCrosspoints(const std::vector<std::string>& args);
 
 } // namespace lumeth::cli

@@ -1,4 +1,4 @@
-#include "app/view_keys.h"
+#include "model/view_keys.h"
 
 #include <cstdio>
 
@@ -24,8 +24,17 @@ std::string ChannelKey(int channel) {
     return Keyed("Ch.", 4, channel + 1);
 }
 
+std::string GroupEntryKey(SubType subType, int position) {
+    return Keyed((std::string(SubTypeName(subType)) + ".").c_str(), 4, position + 1);
+}
+
 int KeyNumber(std::string_view key) {
     return TextNumber(key.size() > 3 ? key.substr(key.size() - 3) : key);
+}
+
+int KeyEntryNumber(std::string_view key) {
+    const size_t dot = key.rfind('.');
+    return TextNumber(dot == std::string_view::npos ? key : key.substr(dot + 1)) - 1;
 }
 
 int TextNumber(std::string_view text) {

@@ -1,0 +1,90 @@
+#include "files/crosspoint_map.h"
+
+#include <stdexcept>
+
+#include "files/cp1252.h"
+#include "files/panel_data_file.h"
+#include "model/channel_alpha.h"
+#include "model/view_keys.h"
+
+namespace lumeth {
+
+namespace {
+
+void AppendField(std::string& csv, std::string_view field) {
+    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
+        csv.append(field);
+        return;
+    }
+    csv.push_back('"');
+    for (const char c : field) {
+        if (c == '"')
+            csv.push_back('"');
+        csv.push_back(c);
+    }
+    csv.push_back('"');
+}
+
+std::string Shown(std::string_view name) {
+    const size_t end = name.find_last_not_of(' ');
+    return cp1252::ToUtf8(end == std::string_view::npos ? std::string_view()
+                                                        : name.substr(0, end + 1));
+}
+
+bool HasChannelNames(const PanelStore& store) {
+    for (SubType subType : kAllSubTypes) {
+        if (store.alpha(subType).count > 0)
+            return true;
+    }
+    return false;
+}
+
+void AppendLists(const PanelStore& store, SubType subType, bool named, std::string& csv) {
+    const auto& lists = store.lists(subType);
+    for (int i = 0; i < store.listCount(subType); ++i) {
+        const DisplayList& list = lists.at(static_cast<size_t>(i));
+        const std::string listName = Shown(list.name);
+        for (int k = 0; k < list.channelCount; ++k) {
+            const int channel = list.channels.at(static_cast<size_t>(k));
+            const std::string fields[] = {
+                SubTypeName(subType),
+                std::to_string(i),
+                listName,
+                std::to_string(k + 1),
+                std::to_string(channel),
+                ChannelKey(channel),
+                named ? Shown(ChannelAlpha(store, subType, channel)) : std::string(),
+            };
+            for (size_t f = 0; f < std::size(fields); ++f) {
+                if (f > 0)
+                    csv.push_back(',');
+                AppendField(csv, fields[f]);
+            }
+            csv.append("\r\n");
+        }
+    }
+}
+
+} // namespace
+
+Status EncodeCrosspointMap(const PanelStore& store, std::string& csv) {
+    csv = "sub_type,list,list_name,position,channel,key,channel_name\r\n";
+    const bool named = HasChannelNames(store);
+    try {
+        AppendLists(store, SubType::Input, named, csv);
+        AppendLists(store, SubType::Output, named, csv);
+    } catch (const std::exception& error) {
+        return Status(FailureFromException(error));
+    }
+    return Status::Ok();
+}
+
+Status SaveCrosspointMap(const std::string& path, const PanelStore& store) {
+    std::string csv;
+    const Status encoded = EncodeCrosspointMap(store, csv);
+    if (!encoded)
+        return encoded;
+    return ReplaceFileContents(path, csv);
+}
+
+} // namespace lumeth

@@ -1,0 +1,47 @@
+#include "files/crosspoint_map.h"
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+
+namespace lumeth::cli {
+
+// crosspoints FILE -o OUT: the crosspoint map of FILE's Input and Output
+// display lists as CSV, the same file the list editor's export writes. OUT is
+// replaced atomically and only when the whole map could be built.
+int RunCrosspoints(const std::vector<std::string>& args) {
+    std::string in;
+    std::string out;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "-o") {
+            if (i + 1 >= args.size() || !out.empty()) {
+                return UsageError("crosspoints takes one -o OUT");
+            }
+            out = args[++i];
+        } else if (!args[i].empty() && args[i][0] == '-') {
+            return UsageError("unknown option " + args[i]);
+        } else if (in.empty()) {
+            in = args[i];
+        } else {
+            return UsageError("crosspoints takes one FILE");
+        }
+    }
+    if (in.empty() || out.empty()) {
+        return UsageError("crosspoints needs FILE and -o OUT");
+    }
+
+    Document doc;
+    std::string error;
+    if (!LoadDocument(in, doc, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    std::string csv;
+    const Status encoded = EncodeCrosspointMap(doc.store, csv);
+    if (!encoded) {
+        return Error(ExitCode::BadInput, in + ": " + encoded.failure().detail);
+    }
+    if (!WriteOutput(out, csv, error)) {
+        return Error(ExitCode::BadInput, error);
+    }
+    return ToInt(ExitCode::Ok);
+}
+
+} // namespace lumeth::cli

@@ -1,0 +1,803 @@
+#include "ui/display_list_editor.h"
+
+#include <QComboBox>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QItemSelection>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSortFilterProxyModel>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <numeric>
+#include <stdexcept>
+
+#include "files/crosspoint_map.h"
+#include "model/channel_alpha.h"
+#include "model/list_records.h"
+#include "model/view_keys.h"
+#include "ui/busy_flag.h"
+#include "ui/duplicate_display_list_dialog.h"
+#include "ui/file_dialog.h"
+#include "ui/list_item_model.h"
+#include "ui/message_box.h"
+#include "ui/qt_text.h"
+
+namespace lumeth {
+
+namespace {
+
+// cmbListType's items and the mode each one selects.
+constexpr std::array<int16_t, 5> kListTypes{11, 21, 31, 41, kUserGroupListType};
+const char* const kListTypeItems[5] = {"Input Display Lists", "Output Display Lists",
+                                       "Opto Display Lists", "Relay Display Lists", "User Groups"};
+
+// The cmbListType item of a mode; -1 (no item) for an unknown one.
+int ListTypeItem(int16_t listType) {
+    const auto item = std::find(kListTypes.begin(), kListTypes.end(), listType);
+    return item == kListTypes.end() ? -1 : static_cast<int>(item - kListTypes.begin());
+}
+
+// The longest name cmbListAlphas and txtListAlpha take: 16 characters.
+constexpr int kNameLength = 16;
+
+size_t Position(int index) {
+    if (index < 0)
+        throw std::out_of_range("position " + std::to_string(index));
+    return static_cast<size_t>(index);
+}
+
+QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
+                        const QString& tip = {}) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    // Enter belongs to the name box and the views, never to a default button.
+    button->setAutoDefault(false);
+    return button;
+}
+
+QLabel* MakeLabel(QWidget* parent, const char* name, const QString& caption) {
+    auto* label = new QLabel(caption, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QTreeView* MakeView(QWidget* parent, const char* name, QAbstractItemModel* model) {
+    auto* view = new QTreeView(parent);
+    view->setObjectName(name);
+    view->setModel(model);
+    view->setRootIsDecorated(false);
+    view->setUniformRowHeights(true); // constant-time layout of 16383 rows
+    view->setAllColumnsShowFocus(true);
+    view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    view->setColumnHidden(1, true); // the text already ends in the key
+    return view;
+}
+
+QList<ListItemModel::Item> Items(const std::vector<std::pair<std::string, std::string>>& rows) {
+    QList<ListItemModel::Item> items;
+    items.reserve(static_cast<qsizetype>(rows.size()));
+    for (const auto& [key, text] : rows)
+        items.push_back({QString::fromLatin1(key), ToQt(text)});
+    return items;
+}
+
+// The rows of `view` that are selected, in item order.
+QList<int> SelectedRows(const QTreeView* view) {
+    QList<int> rows;
+    for (const QModelIndex& index : view->selectionModel()->selectedRows())
+        rows.push_back(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+bool SameList(const DisplayList& a, const DisplayList& b) {
+    const auto n = static_cast<size_t>(std::max<int>(a.channelCount, 0));
+    return a.name == b.name && a.channelCount == b.channelCount && b.channels.size() >= n &&
+           std::equal(a.channels.begin(), a.channels.begin() + static_cast<std::ptrdiff_t>(n),
+                      b.channels.begin());
+}
+
+bool SameGroup(const UserGroup& a, const UserGroup& b) {
+    const auto n = static_cast<std::ptrdiff_t>(std::max<int>(a.listCount, 0));
+    return a.listCount == b.listCount && b.listIndexes.size() >= size_t(n) &&
+           b.listTypes.size() >= size_t(n) &&
+           std::equal(a.listIndexes.begin(), a.listIndexes.begin() + n, b.listIndexes.begin()) &&
+           std::equal(a.listTypes.begin(), a.listTypes.begin() + n, b.listTypes.begin());
+}
+
+} // namespace
+
+DisplayListEditor::DisplayListEditor(PanelStore& store, std::string folder, ErrorReporter reporter,
+                                     QWidget* parent)
+    : QDialog(parent), m_store(store), m_folder(std::move(folder)),
+      m_reporter(std::move(reporter)) {
+    setObjectName("frmDisplayListView");
+    setWindowTitle("Edit Views");
+    setModal(true);
+    BuildControls();
+}
+
+DisplayListEditor::~DisplayListEditor() = default;
+
+void DisplayListEditor::BuildControls() {
+    m_menu = new QMenuBar(this);
+    m_menu->setObjectName("mnuDisplayListView");
+    QMenu* file = m_menu->addMenu("&File");
+    file->setObjectName("mnuFIle");
+    file->menuAction()->setObjectName("mnuFIle");
+    const auto action = [file](const char* name, const QString& caption) {
+        QAction* entry = file->addAction(caption);
+        entry->setObjectName(name);
+        return entry;
+    };
+    connect(action("mnuCopy", "&Copy List"), &QAction::triggered, this,
+            &DisplayListEditor::CopyList);
+    action("mnuSave", "&Save Display Lists"); // has no action of its own
+    connect(action("mnuExport", "&Export Crosspoint Map..."), &QAction::triggered, this,
+            &DisplayListEditor::ExportCrosspointMap);
+    file->addSeparator()->setObjectName("mnuSep");
+    connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &DisplayListEditor::CloseEditor);
+
+    // Which records are edited, which one, and its name.
+    auto* listTypeFrame = new QGroupBox("List Type", this);
+    listTypeFrame->setObjectName("frListType");
+    m_listTypes = new QComboBox(listTypeFrame);
+    m_listTypes->setObjectName("cmbListType");
+    auto* listTypeRow = new QHBoxLayout(listTypeFrame);
+    listTypeRow->addWidget(m_listTypes);
+
+    m_listLabel = MakeLabel(this, "lblList", "Current List");
+    m_listAlphas = new QComboBox(this);
+    m_listAlphas->setObjectName("cmbListAlphas");
+    m_listAlphas->setToolTip("Current Display List to Edit");
+    m_listAlphas->setMinimumContentsLength(kNameLength);
+    m_listAlphas->setMaxVisibleItems(20);
+    m_listLabel->setBuddy(m_listAlphas);
+    m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
+    m_listAlpha = new QLineEdit("Text1", this);
+    m_listAlpha->setObjectName("txtListAlpha");
+    m_listAlpha->installEventFilter(this);
+    m_listAlphaLabel->setBuddy(m_listAlpha);
+    m_new = MakeButton(this, "cmndNew", "New List");
+
+    auto* nameGrid = new QGridLayout;
+    nameGrid->addWidget(m_listLabel, 0, 0);
+    nameGrid->addWidget(m_listAlphas, 0, 1);
+    nameGrid->addWidget(m_new, 0, 2);
+    nameGrid->addWidget(m_listAlphaLabel, 1, 0);
+    nameGrid->addWidget(m_listAlpha, 1, 1);
+    nameGrid->setColumnStretch(1, 1);
+
+    // The sub type of the lists a group shows (group mode only).
+    m_subTypeFrame = new QGroupBox("Display List Type", this);
+    m_subTypeFrame->setObjectName("frSubType");
+    auto* subTypeRow = new QHBoxLayout(m_subTypeFrame);
+    for (size_t i = 0; i < 4; ++i) {
+        const int code = kListTypes[i];
+        auto* button = new QRadioButton(SubTypeName(kAllSubTypes[i]), m_subTypeFrame);
+        button->setObjectName(QStringLiteral("optSubType_%1").arg(code));
+        button->setProperty("controlArray", "optSubType");
+        button->setProperty("controlIndex", code);
+        subTypeRow->addWidget(button);
+        m_subTypeButtons[i] = button;
+        connect(button, &QRadioButton::clicked, this, [this, code] { SubTypeClicked(code); });
+    }
+    subTypeRow->addStretch(1);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(listTypeFrame);
+    top->addLayout(nameGrid, 1);
+
+    // Available items, the buttons between, the edited list's items.
+    m_channels = new ListItemModel("Channel Alpha", false, this);
+    m_channelFilter = new QSortFilterProxyModel(this);
+    m_channelFilter->setSourceModel(m_channels);
+    m_channelFilter->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    m_channelFilter->setFilterKeyColumn(0);
+    m_channelView = MakeView(this, "lvChannel", m_channelFilter);
+    m_channelView->installEventFilter(this);
+    m_masterListLabel = MakeLabel(this, "lblMasterList", "Available Channels");
+    m_filter = new QLineEdit(this);
+    m_filter->setObjectName("txtFilter");
+    m_filter->setPlaceholderText("Filter");
+    m_filter->setClearButtonEnabled(true);
+    m_filter->setToolTip("Show only the available items whose text contains this");
+
+    m_listItems = new ListItemModel("Channel", true, this);
+    m_listView = MakeView(this, "lvList", m_listItems);
+    m_listView->setToolTip("Current Display List");
+    m_listView->setDragEnabled(true);
+    m_listView->setAcceptDrops(true);
+    m_listView->setDragDropMode(QAbstractItemView::InternalMove);
+    m_listView->setDefaultDropAction(Qt::MoveAction);
+    m_listView->setDropIndicatorShown(true);
+    m_listView->installEventFilter(this);
+    m_listView->viewport()->installEventFilter(this);
+    m_currentListLabel = MakeLabel(this, "lblCurrentList", "Selected Channels");
+
+    auto* add =
+        MakeButton(this, "cmdAdd", "&Add >>", "Add Selected Items to Current Display Listy");
+    auto* addAll =
+        MakeButton(this, "cmdAddAll", "Add All >>", "Add Selected Items to Current Display Listy");
+    auto* remove = MakeButton(this, "cmdRemove", "<< &Remove",
+                              "Remove Selected Items from Current Display List");
+    auto* removeAll = MakeButton(this, "cmdRemoveAll", "<< Remove All",
+                                 "Remove Selected Items from Current Display List");
+    auto* up = MakeButton(this, "cmdUp", "Move &Up",
+                          "Move the selected items of the current list up one place (Ctrl+Up)");
+    auto* down =
+        MakeButton(this, "cmdDown", "Move &Down",
+                   "Move the selected items of the current list down one place (Ctrl+Down)");
+    auto* close = MakeButton(this, "cmdClose", "&Close");
+
+    auto* buttons = new QVBoxLayout;
+    buttons->addStretch(1);
+    for (QPushButton* button : {add, addAll})
+        buttons->addWidget(button);
+    buttons->addSpacing(16);
+    for (QPushButton* button : {remove, removeAll})
+        buttons->addWidget(button);
+    buttons->addSpacing(16);
+    for (QPushButton* button : {up, down})
+        buttons->addWidget(button);
+    buttons->addStretch(2);
+
+    // One grid, so that the two views start on the same line although the
+    // filter box stands over the available items only.
+    auto* lists = new QGridLayout;
+    lists->addWidget(m_masterListLabel, 0, 0);
+    lists->addWidget(m_currentListLabel, 0, 2);
+    lists->addWidget(m_filter, 1, 0);
+    lists->addWidget(m_channelView, 2, 0);
+    lists->addLayout(buttons, 2, 1);
+    lists->addWidget(m_listView, 2, 2);
+    lists->setColumnStretch(0, 1);
+    lists->setColumnStretch(2, 1);
+    lists->setRowStretch(2, 1);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addStretch(1);
+    bottom->addWidget(close);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setMenuBar(m_menu);
+    layout->addLayout(top);
+    layout->addWidget(m_subTypeFrame);
+    layout->addLayout(lists, 1);
+    layout->addLayout(bottom);
+
+    connect(m_listTypes, &QComboBox::currentIndexChanged, this,
+            &DisplayListEditor::ListTypeClicked);
+    connect(m_listAlphas, &QComboBox::currentIndexChanged, this,
+            &DisplayListEditor::ListAlphasClicked);
+    connect(m_new, &QPushButton::clicked, this, &DisplayListEditor::NewList);
+    connect(add, &QPushButton::clicked, this, &DisplayListEditor::Add);
+    connect(addAll, &QPushButton::clicked, this, &DisplayListEditor::AddAll);
+    connect(remove, &QPushButton::clicked, this, &DisplayListEditor::Remove);
+    connect(removeAll, &QPushButton::clicked, this, &DisplayListEditor::RemoveAll);
+    connect(up, &QPushButton::clicked, this, [this] { MoveSelection(-1); });
+    connect(down, &QPushButton::clicked, this, [this] { MoveSelection(1); });
+    connect(close, &QPushButton::clicked, this, &DisplayListEditor::CloseEditor);
+    connect(m_channelView, &QTreeView::doubleClicked, this, &DisplayListEditor::Add);
+    connect(m_listView, &QTreeView::doubleClicked, this, &DisplayListEditor::Remove);
+    connect(m_filter, &QLineEdit::textChanged, m_channelFilter,
+            &QSortFilterProxyModel::setFilterFixedString);
+
+    resize(880, 620);
+}
+
+void DisplayListEditor::Report(std::string_view location, std::string_view category,
+                               const std::exception& error) {
+    if (m_reporter)
+        m_reporter(location, category, FailureFromException(error));
+}
+
+void DisplayListEditor::Open() {
+    m_changed = false;
+    m_storeChanged = false;
+    try {
+        {
+            const QSignalBlocker block(m_listTypes);
+            m_listTypes->clear();
+            for (const char* item : kListTypeItems)
+                m_listTypes->addItem(item);
+        }
+        m_listType = m_store.editorListType;
+        if (m_listType == kUserGroupListType) {
+            m_currentIndex = m_store.currentUserGroup;
+            m_itemCount = m_store.userGroupCount;
+            if (QRadioButton* button =
+                    m_subTypeButtons.at(static_cast<size_t>(ListSubType(m_store.currentListType))))
+                button->setChecked(true);
+        } else {
+            m_currentIndex = m_store.currentList;
+            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+        }
+        // An index equal to the count is let through here; a list type
+        // change applies the stricter test.
+        if (m_currentIndex < 0 || m_currentIndex > m_itemCount)
+            m_currentIndex = 0;
+        UpdateDisplays();
+        const BusyFlag::Scope busy;
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
+    } catch (const std::exception& error) {
+        Report("Error Loading List Form", "List Error", error);
+    }
+}
+
+void DisplayListEditor::UpdateDisplays() {
+    try {
+        LoadWorkingCopy();
+    } catch (const std::exception& error) {
+        Report("Error Loading Display Lists", "Database Error", error);
+    }
+    try {
+        FillChannels();
+    } catch (const std::exception& error) {
+        Report("Error Loading master List", "List Error", error);
+    }
+    try {
+        FillListAlphas();
+    } catch (const std::exception& error) {
+        Report("Error Loading Display Alphas", "File Error", error);
+    }
+    SetModeCaptions();
+    FillList();
+}
+
+void DisplayListEditor::UpdateDisplayLists() {
+    try {
+        LoadWorkingCopy();
+        FillListAlphas();
+        FillList();
+    } catch (const std::exception& error) {
+        Report("Error Updating Display Lists", "File Error", error);
+    }
+}
+
+void DisplayListEditor::LoadWorkingCopy() {
+    if (m_listType == kUserGroupListType) {
+        m_groups = m_store.userGroups;
+        m_groupNames = m_store.userGroupNames;
+        m_lists.clear();
+    } else {
+        m_lists = m_store.lists(ListSubType(m_listType));
+        m_groups.clear();
+        m_groupNames.clear();
+    }
+}
+
+void DisplayListEditor::FillChannels() {
+    std::vector<std::pair<std::string, std::string>> rows;
+    try {
+        if (m_listType == kUserGroupListType) {
+            // The display lists of the sub type the option buttons select.
+            const SubType subType = ListSubType(m_store.currentListType);
+            const auto& lists = m_store.lists(subType);
+            for (int p = 0; p < m_store.listCount(subType); ++p) {
+                std::string key = GroupEntryKey(subType, p);
+                rows.emplace_back(key, ItemText(lists.at(Position(p)).name, key));
+            }
+        } else {
+            // Every channel of the sub type, in the order of their names.
+            const AlphaTable& table = m_store.alpha(ListSubType(m_listType));
+            rows.reserve(Position(table.count));
+            for (int i = 0; i < table.count; ++i) {
+                std::string key = ChannelKey(table.numbers.at(Position(i)));
+                rows.emplace_back(key, ItemText(table.names.at(Position(i)), key));
+            }
+        }
+    } catch (...) {
+        m_channels->setItems(Items(rows));
+        throw;
+    }
+    m_channels->setItems(Items(rows));
+}
+
+void DisplayListEditor::FillListAlphas() {
+    const QSignalBlocker block(m_listAlphas);
+    m_listAlphas->clear();
+    QStringList names;
+    for (int i = 0; i < m_itemCount; ++i) {
+        names << ToQt(m_listType == kUserGroupListType ? m_groupNames.at(Position(i))
+                                                       : m_lists.at(Position(i)).name);
+    }
+    m_listAlphas->addItems(names);
+    if (m_currentIndex < 0 || m_currentIndex >= m_listAlphas->count())
+        throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
+    m_listAlphas->setCurrentIndex(m_currentIndex);
+    m_listAlpha->setText(m_listAlphas->itemText(m_currentIndex));
+}
+
+void DisplayListEditor::FillList() {
+    std::vector<std::pair<std::string, std::string>> rows;
+    if (m_listType == kUserGroupListType) {
+        const UserGroup& group = m_groups.at(Position(m_currentIndex));
+        const SubType subType = ListSubType(m_store.currentListType);
+        const auto& lists = m_store.lists(subType);
+        for (const int16_t p : GroupEntriesOfType(group, m_store.currentListType)) {
+            const bool known = p >= 0 && p < m_store.listCount(subType) && size_t(p) < lists.size();
+            std::string key = GroupEntryKey(subType, p);
+            rows.emplace_back(key, ItemText(known ? lists[size_t(p)].name : "*Invalid*", key));
+        }
+    } else {
+        const DisplayList& list = m_lists.at(Position(m_currentIndex));
+        const SubType subType = ListSubType(m_listType);
+        rows.reserve(Position(list.channelCount));
+        for (int k = 0; k < list.channelCount; ++k) {
+            const int channel = list.channels.at(Position(k));
+            std::string key = ChannelKey(channel);
+            rows.emplace_back(key, ItemText(ChannelAlpha(m_store, subType, channel), key));
+        }
+    }
+    m_listItems->setItems(Items(rows));
+}
+
+void DisplayListEditor::SetModeCaptions() {
+    const bool groups = m_listType == kUserGroupListType;
+    m_subTypeFrame->setEnabled(groups);
+    m_masterListLabel->setText(groups ? "Available Lists" : "Available Channels");
+    m_currentListLabel->setText(groups ? "Selected Lists" : "Selected Channels");
+    m_listLabel->setText(groups ? "Current Group" : "Current List");
+    m_listAlphaLabel->setText(groups ? "Current Group Label" : "Current List Label");
+    m_new->setText(groups ? "New User" : "New List");
+    m_channels->setTextHeader(groups ? "Display List" : "Channel Alpha");
+    m_listItems->setTextHeader(groups ? "Display List" : "Channel");
+    if (groups) {
+        if (const auto subType = SubTypeFromListCode(m_store.currentListType))
+            m_subTypeButtons[static_cast<size_t>(*subType)]->setChecked(true);
+    }
+}
+
+bool DisplayListEditor::KeyExists(const QString& key) const {
+    return m_listItems->containsKey(key);
+}
+
+void DisplayListEditor::CommitEditedList() {
+    if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
+        throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
+    const size_t at = Position(m_currentIndex);
+    std::vector<int16_t> numbers;
+    numbers.reserve(static_cast<size_t>(m_listItems->items().size()));
+    for (const ListItemModel::Item& item : m_listItems->items()) {
+        const QByteArray key = item.key.toLatin1();
+        numbers.push_back(
+            static_cast<int16_t>(KeyEntryNumber(std::string_view(key.constData(), key.size()))));
+    }
+    if (numbers.size() > static_cast<size_t>(INT16_MAX))
+        throw std::out_of_range("too many items in the list");
+
+    if (m_listType == kUserGroupListType) {
+        // The shown sub type's entries take their old places in the group;
+        // entries of the other sub types stay where they were.
+        UserGroup& group = m_groups.at(at);
+        ReplaceGroupEntries(group, m_store.currentListType, numbers);
+        m_storeChanged = m_storeChanged || !SameGroup(group, m_store.userGroups.at(at)) ||
+                         m_groupNames.at(at) != m_store.userGroupNames.at(at);
+        m_store.userGroups = m_groups;
+        m_store.userGroupNames = m_groupNames;
+    } else {
+        DisplayList& list = m_lists.at(at);
+        list.channelCount = static_cast<int16_t>(numbers.size());
+        list.channels = numbers.empty() ? std::vector<int16_t>{0} : std::move(numbers);
+        const SubType subType = ListSubType(m_listType);
+        m_storeChanged = m_storeChanged || !SameList(list, m_store.lists(subType).at(at));
+        m_store.lists(subType) = m_lists;
+    }
+    LoadWorkingCopy();
+    m_changed = false;
+}
+
+void DisplayListEditor::ListTypeClicked(int item) {
+    if (BusyFlag::IsSet() || item < 0 || item >= static_cast<int>(kListTypes.size()))
+        return;
+    try {
+        if (m_changed)
+            CommitEditedList();
+        const BusyFlag::Scope busy;
+        m_listType = kListTypes[static_cast<size_t>(item)];
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+        if (m_listType == kUserGroupListType)
+            m_store.currentListType = 11;
+        if (m_currentIndex > m_itemCount - 1)
+            m_currentIndex = 0;
+        UpdateDisplays();
+    } catch (const std::exception& error) {
+        Report("Error Changing List Type", "List Error", error);
+        // The box shows the mode the editor is in.
+        const BusyFlag::Scope busy;
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
+    }
+}
+
+void DisplayListEditor::ListAlphasClicked(int item) {
+    if (BusyFlag::IsSet() || item < 0)
+        return;
+    try {
+        const BusyFlag::Scope busy;
+        if (m_changed)
+            CommitEditedList();
+        m_currentIndex = static_cast<int16_t>(item);
+        m_listAlpha->setText(m_listAlphas->itemText(item));
+        FillList();
+    } catch (const std::exception& error) {
+        Report("Error Changing Current List", "List Error", error);
+        // The box shows the list being edited.
+        const BusyFlag::Scope busy;
+        m_listAlphas->setCurrentIndex(m_currentIndex);
+    }
+}
+
+void DisplayListEditor::SubTypeClicked(int listTypeCode) {
+    if (BusyFlag::IsSet())
+        return;
+    try {
+        if (m_changed)
+            CommitEditedList();
+        const BusyFlag::Scope busy;
+        m_store.currentListType = static_cast<int16_t>(listTypeCode);
+        UpdateDisplays();
+    } catch (const std::exception& error) {
+        Report("Error Changing Sub Type", "List Error", error);
+    }
+}
+
+void DisplayListEditor::Add() {
+    AddItems(false);
+}
+
+void DisplayListEditor::AddAll() {
+    AddItems(true);
+}
+
+void DisplayListEditor::AddItems(bool all) {
+    try {
+        // The shown items (all of them unless a filter narrows them), in item order.
+        QList<int> rows;
+        if (all) {
+            rows.resize(m_channelFilter->rowCount());
+            std::iota(rows.begin(), rows.end(), 0);
+        } else {
+            rows = SelectedRows(m_channelView);
+        }
+        const QList<ListItemModel::Item>& available = m_channels->items();
+        QList<ListItemModel::Item> added;
+        for (const int row : rows) {
+            const int source = m_channelFilter->mapToSource(m_channelFilter->index(row, 0)).row();
+            const ListItemModel::Item& item = available.at(source);
+            if (!KeyExists(item.key))
+                added.push_back(item);
+        }
+        m_listItems->appendItems(added);
+        if (!added.isEmpty())
+            m_listView->scrollToBottom(); // where the added items are
+        m_changed = true;
+    } catch (const std::exception& error) {
+        Report(all ? "Error Adding All Items" : "Error Adding item", "List Error", error);
+    }
+}
+
+void DisplayListEditor::Remove() {
+    try {
+        m_listItems->removeItemsAt(SelectedRows(m_listView));
+        m_changed = true;
+    } catch (const std::exception& error) {
+        Report("Error Removing Item", "List Error", error);
+    }
+}
+
+void DisplayListEditor::RemoveAll() {
+    try {
+        m_listItems->clear();
+        m_changed = true;
+    } catch (const std::exception& error) {
+        Report("Error Removing All Items", "List Error", error);
+    }
+}
+
+void DisplayListEditor::MoveSelection(int delta) {
+    const QList<int> rows = SelectedRows(m_listView);
+    if (rows.isEmpty())
+        return;
+    SelectRows(m_listView, m_listItems->moveItemsBy(rows, delta));
+    m_changed = true;
+}
+
+void DisplayListEditor::SelectRows(QTreeView* view, const QList<int>& rows) {
+    QItemSelection selection;
+    for (const int row : rows)
+        selection.select(view->model()->index(row, 0), view->model()->index(row, 1));
+    if (!rows.isEmpty())
+        view->selectionModel()->setCurrentIndex(view->model()->index(rows.front(), 0),
+                                                QItemSelectionModel::NoUpdate);
+    view->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (!rows.isEmpty())
+        view->scrollTo(view->model()->index(rows.front(), 0));
+}
+
+void DisplayListEditor::NewList() {
+    try {
+        if (m_changed)
+            CommitEditedList();
+        const bool groups = m_listType == kUserGroupListType;
+        // A group name fills the 16 characters: two trailing blanks.
+        m_currentIndex = static_cast<int16_t>(
+            AppendRecord(m_store, m_listType, groups ? "New User Group  " : "New Display List"));
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+        m_storeChanged = true;
+        UpdateDisplays();
+    } catch (const std::exception& error) {
+        Report("Error Adding New List", "List Error", error);
+    }
+}
+
+void DisplayListEditor::ApplyListAlpha() {
+    try {
+        if (m_itemCount == 0)
+            return;
+        std::string& name = m_listType == kUserGroupListType
+                                ? m_groupNames.at(Position(m_currentIndex))
+                                : m_lists.at(Position(m_currentIndex)).name;
+        std::string text = FromQt(m_listAlpha->text());
+        if (text == name)
+            return;
+        // A rename is a change of the edited list: it is committed with it.
+        name = std::move(text);
+        m_changed = true;
+        const QSignalBlocker block(m_listAlphas);
+        m_listAlphas->setItemText(m_currentIndex, m_listAlpha->text());
+    } catch (const std::exception& error) {
+        Report("Error processing List Alpha", "File Error", error);
+    }
+}
+
+void DisplayListEditor::CopyList() {
+    try {
+        // The copy works on the store: pending changes go there first.
+        if (m_changed)
+            CommitEditedList();
+        if (!m_duplicate)
+            m_duplicate = new DuplicateDisplayListDialog(m_store, m_reporter, this);
+        m_duplicate->setMode(m_listType);
+        m_duplicate->LoadDisplayLists();
+        m_duplicate->exec();
+        m_storeChanged = m_storeChanged || m_duplicate->copies() > 0;
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+        UpdateDisplayLists();
+    } catch (const std::exception& error) {
+        Report("Error Copying List", "List Error", error);
+    }
+}
+
+void DisplayListEditor::ExportCrosspointMap() {
+    try {
+        // The map is written from the store: pending changes go there first.
+        if (m_changed)
+            CommitEditedList();
+    } catch (const std::exception& error) {
+        Report("Error Exporting Display Lists", "File Error", error);
+        return;
+    }
+    const QString title = QStringLiteral("Save Crosspoint Map");
+    FileDialog::Request request;
+    request.title = title;
+    request.folder = QString::fromStdString(m_folder);
+    request.presetName = kCrosspointMapFileName;
+    request.nameFilters = {QStringLiteral("CSV Files (*.csv)"), QStringLiteral("All Files (*.*)")};
+    const QString path = FileDialog::GetFileName(this, request);
+    if (path.isEmpty())
+        return;
+    if (QFileInfo::exists(path) &&
+        MessageBox::Show(
+            this, QFileInfo(path).fileName() + " already exists.\nDo you want to replace it?",
+            title, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No) != QMessageBox::Yes)
+        return;
+    const Status saved = SaveCrosspointMap(QFile::encodeName(path).toStdString(), m_store);
+    if (!saved && m_reporter)
+        m_reporter("Error Exporting Display Lists", "File Error", saved.failure());
+}
+
+void DisplayListEditor::CloseEditor() {
+    ApplyListAlpha(); // as if the name box were left
+    try {
+        if (m_changed)
+            CommitEditedList();
+    } catch (const std::exception& error) {
+        Report("Error Closing List Form", "List Error", error);
+        return;
+    }
+    m_channels->clear();
+    m_listItems->clear();
+    done(QDialog::Accepted);
+}
+
+void DisplayListEditor::reject() {
+    // Escape and the close box close the editor as cmdClose does.
+    CloseEditor();
+}
+
+bool DisplayListEditor::DropOnList(const QMimeData* data, const QPoint& at) {
+    const QList<int> rows = ListItemModel::RowsFromMimeData(data);
+    if (rows.isEmpty())
+        return false;
+    const QModelIndex target = m_listView->indexAt(at);
+    int destination = m_listItems->rowCount();
+    if (target.isValid())
+        destination = target.row() + (at.y() >= m_listView->visualRect(target).center().y());
+    SelectRows(m_listView, m_listItems->moveItemsTo(rows, destination));
+    m_changed = true;
+    return true;
+}
+
+bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_listView->viewport() && event->type() == QEvent::Drop) {
+        auto* drop = static_cast<QDropEvent*>(event);
+        if (!DropOnList(drop->mimeData(), drop->position().toPoint()))
+            return false;
+        // The rows are already in place: the drop is reported as moving
+        // nothing, so that the view does not remove the dragged rows.
+        drop->setDropAction(Qt::IgnoreAction);
+        drop->accept();
+        return true;
+    }
+    if (watched == m_listAlpha && event->type() == QEvent::FocusOut) {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            ApplyListAlpha();
+        return false;
+    }
+    if (event->type() != QEvent::KeyPress)
+        return QDialog::eventFilter(watched, event);
+
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    if (watched == m_listAlpha) {
+        if (enter) {
+            ApplyListAlpha();
+            return true;
+        }
+        // Names are at most 16 characters: a typed character is refused once
+        // the box holds 16. Backspace, Escape and editing keys pass.
+        const QString text = key->text();
+        const bool typed = !text.isEmpty() && text.front().unicode() >= 32 &&
+                           text.front().unicode() != 127 &&
+                           !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+        return typed && m_listAlpha->text().size() > kNameLength - 1;
+    }
+    if (watched == m_channelView && enter) {
+        Add();
+        return true;
+    }
+    if (watched == m_listView) {
+        if (key->key() == Qt::Key_Delete) {
+            Remove();
+            return true;
+        }
+        if (key->modifiers() & Qt::ControlModifier &&
+            (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
+            MoveSelection(key->key() == Qt::Key_Up ? -1 : 1);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+} // namespace lumeth
