@@ -191,6 +191,10 @@ private slots:
         QCOMPARE(Child<QLineEdit>(Login(), "txtPort")->text(), QString::number(m_sim.port()));
         QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->echoMode(), QLineEdit::Password);
         QCOMPARE(Login()->focusWidget(), Child<QLineEdit>(Login(), "txtPassword"));
+        // A character the link cannot carry cannot be typed.
+        QTest::keyClicks(Child<QLineEdit>(Login(), "txtPassword"),
+                         QString::fromUtf8("\u00e9s\u20ac"));
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->text(), QString("s"));
         QTRY_COMPARE(Child<QLabel>(m_window, "stbStatus_1")->text(),
                      QString("Server Module Connected"));
     }
@@ -468,6 +472,8 @@ private slots:
         m_window->store().lists(SubType::Input)[0].name = "LOCAL EDIT";
         WhenModal("frmSetup", [&](QWidget* dialog) {
             QCOMPARE(Child<QLineEdit>(dialog, "txtPassword")->text(), QString("studio"));
+            QTest::keyClicks(Child<QLineEdit>(dialog, "txtPassword"), QString::fromUtf8("\u00e9!"));
+            QCOMPARE(Child<QLineEdit>(dialog, "txtPassword")->text(), QString("studio!"));
             Child<QLineEdit>(dialog, "txtPassword")->setText("onair");
             QTest::mouseClick(Child<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
         });

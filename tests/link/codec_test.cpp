@@ -28,6 +28,19 @@ TEST(Codec, IdentityRequestAndPasswordMessages) {
     // Zero bytes are left out but counted.
     EXPECT_BYTES(codec::PasswordMessage(std::string("a\0b", 3)),
                  Layout(0x80).Bytes({0x05, 3}).Text("ab").Finish());
+    // Only what the message carries whole passes the check.
+    const std::pair<std::string, bool> passwords[] = {
+        {"", true},
+        {"studio ~!", true},
+        {std::string(127, 'x'), true},
+        {std::string(128, 'x'), false},
+        {"caf\xE9", false},
+        {"\x80", false},
+        {std::string("a\0b", 3), false},
+    };
+    for (const auto& [password, fits] : passwords) {
+        EXPECT_EQ(codec::PasswordFitsMessage(password), fits) << password;
+    }
 }
 
 TEST(Codec, FixedWidthAndEndOfMessage) {

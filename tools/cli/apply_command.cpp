@@ -99,7 +99,7 @@ int RunApply(const std::vector<std::string>& args) {
     }
 
     ServerClient client(options);
-    if (const int code = client.LogInAndDownload(*password.password); code != 0) {
+    if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0) {
         return code;
     }
     if (!LoadIntoStore(path, doc.form, client.store(), error)) {
