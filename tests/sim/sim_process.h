@@ -59,6 +59,7 @@ public:
     }
 
     bool Running() { return m_process.state() == QProcess::Running; }
+    qint64 pid() const { return m_process.processId(); }
     // Everything the emulator wrote to stderr so far.
     QString Log() {
         m_log += QString::fromUtf8(m_process.readAllStandardError());
