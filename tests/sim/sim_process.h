@@ -77,6 +77,11 @@ public:
         }
         return true;
     }
+    // Read what the emulator logs for up to `ms` (a full pipe would stop it).
+    void Drain(int ms) {
+        m_process.waitForReadyRead(ms);
+        Log();
+    }
     // Run to the end (for start-up failures); returns the exit code.
     int WaitForExit(int timeoutMs = 10000) {
         m_process.waitForFinished(timeoutMs);
