@@ -179,28 +179,28 @@ ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done
 }
 
 void ServerClient::PartArrived(StoreChange change, SubType subType) {
-    static constexpr uint32_t kAlphaBits[] = {request::kInputAlphas, request::kOutputAlphas,
-                                              request::kOptoAlphas, request::kRelayAlphas};
-    static constexpr uint32_t kListBits[] = {request::kInputLists, request::kOutputLists,
-                                             request::kOptoLists, request::kRelayLists};
+    // Its row in kPendingBits.
     const auto index = static_cast<size_t>(subType);
+    size_t row = 0;
     switch (change) {
     case StoreChange::Password:
-        m_receivedA |= request::kPassword;
+        row = 0;
         break;
     case StoreChange::Alphas:
-        m_receivedA |= kAlphaBits[index];
-        break;
-    case StoreChange::DisplayLists:
-        m_receivedC |= kListBits[index];
+        row = 1 + index;
         break;
     case StoreChange::UserGroups:
-        m_receivedC |= request::kUserGroups;
+        row = 5;
         break;
     case StoreChange::Templates:
-        m_receivedC |= request::kTemplates;
+        row = 6;
+        break;
+    case StoreChange::DisplayLists:
+        row = 7 + index;
         break;
     }
+    const PendingBit& part = kPendingBits[row];
+    (part.inMaskA ? m_receivedA : m_receivedC) |= part.bit;
 }
 
 void ServerClient::RequestEverything() {
