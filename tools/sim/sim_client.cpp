@@ -77,9 +77,8 @@ void SimClient::OnDisconnected() {
     m_queuedBytes = 0;
     m_closing = true;
     if (m_logBudget.suppressed() > 0) {
-        m_server.Log("client " + std::to_string(m_number) + ": " +
-                     std::to_string(m_logBudget.suppressed()) +
-                     " log lines left out (more log than traffic)");
+        LogAlways(std::to_string(m_logBudget.suppressed()) +
+                  " log lines left out (more log than traffic)");
     }
     emit closed();
 }
@@ -95,7 +94,7 @@ void SimClient::Flush() {
             for (const Chunk& chunk : delivery.chunks) {
                 sent += chunk.bytes;
             }
-            Trace("> " + Hex(sent));
+            LogAlways("> " + Hex(sent));
         }
         for (size_t i = 0; i < delivery.chunks.size(); ++i) {
             m_queuedBytes += delivery.chunks[i].bytes.size();
@@ -122,8 +121,8 @@ bool SimClient::CutOffIfNotReading() {
     if (m_closing || waiting <= kMaxQueuedBytes) {
         return false;
     }
-    Log("not reading: " + std::to_string(waiting) +
-        " bytes waiting to be sent, connection cut off");
+    LogAlways("not reading: " + std::to_string(waiting) +
+              " bytes waiting to be sent, connection cut off");
     m_closing = true;
     m_pumpTimer.stop();
     m_queue.clear();
@@ -176,13 +175,13 @@ void SimClient::Log(std::string_view line) {
     }
 }
 
-void SimClient::Trace(const std::string& line) {
+void SimClient::LogAlways(const std::string& line) {
     m_server.Log("client " + std::to_string(m_number) + ": " + line);
 }
 
 void SimClient::FrameIn(std::string_view frame) {
     if (m_server.options().trace) {
-        Trace("< " + Hex(frame));
+        LogAlways("< " + Hex(frame));
     }
 }
 

@@ -53,8 +53,9 @@ private:
     void Write(const char* data, size_t size);
     // Close a client that lets too much pile up; true when it did.
     bool CutOffIfNotReading();
-    // A trace line, outside the log budget (--trace asks for every frame).
-    void Trace(const std::string& line);
+    // A line outside the log budget: the trace (--trace asks for every
+    // frame) and the once-per-connection lines about closing it.
+    void LogAlways(const std::string& line);
 
     // SimSessionObserver
     void Log(std::string_view line) override;
