@@ -124,7 +124,7 @@ TEST(SimProcessTest, TracesFramesAndLogsUnansweredPolls) {
     }
 }
 
-TEST(SimProcessTest, AFloodingClientNeitherFillsTheLogNorTheMemory) {
+TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNotReading) {
     SimProcess sim;
     ASSERT_TRUE(sim.Start({"--demo", "large", "--poll-interval", "0"}));
 
