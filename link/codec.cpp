@@ -97,6 +97,13 @@ std::string PasswordMessage(std::string_view password) {
     return m;
 }
 
+bool PasswordFitsMessage(std::string_view password) {
+    return password.size() <= 127 && std::all_of(password.begin(), password.end(), [](char c) {
+               const auto b = static_cast<unsigned char>(c);
+               return b != 0 && b < 0x80;
+           });
+}
+
 std::string AlphaTableMessage(SubType subType, const std::vector<std::string>& channelNames,
                               int width) {
     const size_t n = std::min(channelNames.size(), kMax14);

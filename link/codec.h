@@ -22,6 +22,11 @@ std::string IdentityAnswer();
 std::string DataRequest(uint32_t maskA, uint32_t maskB, uint32_t maskC);
 // 0x80 password: 80 05 L <bytes> checksum FF. Zero bytes are left out.
 std::string PasswordMessage(std::string_view password);
+// Whether PasswordMessage carries `password` whole: every byte after the
+// command byte must keep its top bit clear (a byte at or above 0x80, the
+// length byte included, would end the frame early) and zero bytes are left
+// out, so a password is 0 to 127 bytes of 1 to 127.
+bool PasswordFitsMessage(std::string_view password);
 // 0xFC alpha table of one sub type: names in channel order, each cut or
 // blank-padded to `width` bytes (width 0: the longest name), start index 0.
 std::string AlphaTableMessage(SubType subType, const std::vector<std::string>& channelNames,

@@ -127,14 +127,15 @@ void Connection::Disconnect() {
     }
 }
 
-void Connection::Transmit(const std::string& message) {
+bool Connection::Transmit(const std::string& message) {
     const std::vector<std::string_view> pieces = TransmitChunks(message);
     for (size_t i = 0; i < pieces.size(); ++i) {
         if (!WritePiece(pieces[i], i + 1 == pieces.size())) {
-            return;
+            return false;
         }
     }
     m_socket->flush();
+    return m_state.connected;
 }
 
 bool Connection::WritePiece(std::string_view piece, bool isLast) {
@@ -193,8 +194,9 @@ void Connection::SendPassword() {
     FlushSession();
 }
 
-void Connection::Apply() {
+std::vector<bool> Connection::Apply() {
     const std::vector<LinkSession::ApplyStep> steps = m_session.BuildApplySteps();
+    std::vector<bool> written(steps.size(), false);
     for (size_t i = 0; i < steps.size(); ++i) {
         if (i > 0) {
             Wait(kApplySpacingMs, true);
@@ -205,8 +207,9 @@ void Connection::Apply() {
             ReportError(steps[i].failureLocation, "TCP Send Error", steps[i].status.failure());
             continue;
         }
-        Transmit(steps[i].message);
+        written[i] = Transmit(steps[i].message);
     }
+    return written;
 }
 
 void Connection::StartPolling() {
@@ -230,6 +233,7 @@ void Connection::OnReadyRead() {
     if (bytes.isEmpty()) {
         return;
     }
+    m_bytesReceived += static_cast<uint64_t>(bytes.size());
     m_session.Receive(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
     if (!m_decodeTimer.isActive()) {
         m_decodeTimer.start();

@@ -54,9 +54,13 @@ public:
     bool IsConnected() const { return m_state.connected; }
     // True once the socket is fully closed (after Disconnect has sent what was queued).
     bool SocketClosed() const { return m_socket->state() == QAbstractSocket::UnconnectedState; }
+    // Bytes received since this connection was made (across reconnects), so
+    // a caller can tell a quiet link from a busy one.
+    uint64_t BytesReceived() const { return m_bytesReceived; }
 
-    // Write one whole message with the 16384-byte chunk rule.
-    void Transmit(const std::string& message);
+    // Write one whole message with the 16384-byte chunk rule; false when the
+    // link was down or failed before all of it was written.
+    bool Transmit(const std::string& message);
     // Transmit everything the session has queued.
     void FlushSession();
 
@@ -65,8 +69,9 @@ public:
 
     void RequestEverything();
     void SendPassword();
-    // The six upload messages, Wait(500, true) between every two.
-    void Apply();
+    // The six upload messages, Wait(500, true) between every two. Entry i
+    // of the result tells whether message i was written while the link was up.
+    std::vector<bool> Apply();
 
     // tmrPoll: 500 ms, reconnects while the link is down and calls the login
     // hook whenever nobody is logged in.
@@ -113,6 +118,7 @@ private:
     bool m_disconnecting = false;        // we are closing the socket ourselves
     bool m_connectFailureLogged = false; // one log line per outage, not one per poll
     QElapsedTimer m_connectStarted;
+    uint64_t m_bytesReceived = 0;
 };
 
 } // namespace lumeth

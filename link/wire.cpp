@@ -2,13 +2,6 @@
 
 namespace lumeth::wire {
 
-std::optional<int16_t> JoinSeptets(uint8_t low, uint8_t high) {
-    if (low > 127 || high > 127) {
-        return std::nullopt;
-    }
-    return static_cast<int16_t>(high * 128 + low);
-}
-
 void Append14(std::string& out, int value) {
     const int v = value & 0x3FFF;
     out.push_back(static_cast<char>(v & 127));
@@ -19,14 +12,6 @@ void Append28(std::string& out, uint32_t value) {
     for (int k = 0; k < 4; ++k) {
         out.push_back(static_cast<char>((value >> (7 * k)) & 127));
     }
-}
-
-std::optional<int16_t> Read14(std::string_view message, size_t index) {
-    if (message.size() < 2 || index > message.size() - 2) {
-        return std::nullopt;
-    }
-    return JoinSeptets(static_cast<uint8_t>(message[index]),
-                       static_cast<uint8_t>(message[index + 1]));
 }
 
 std::string SplitBytes(std::string& text, size_t count) {

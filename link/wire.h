@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,19 +8,11 @@
 // low group first, and the 7-bit message checksum.
 namespace lumeth::wire {
 
-// high * 128 + low. Both bytes must be 0..127; a byte with its top bit set
-// would overflow the signed 16-bit result and gives nullopt.
-std::optional<int16_t> JoinSeptets(uint8_t low, uint8_t high);
-
 // Append a 14-bit value (v AND 127, then v / 128). Values outside 0..16383
 // are masked to 14 bits; callers validate ranges before building.
 void Append14(std::string& out, int value);
 // Append the low 28 bits of `value` as four 7-bit groups, low group first.
 void Append28(std::string& out, uint32_t value);
-
-// Read a 14-bit value at `index`; nullopt when out of range or a byte has its
-// top bit set.
-std::optional<int16_t> Read14(std::string_view message, size_t index);
 
 // The first `count` bytes of `text`; `text` keeps the rest.
 std::string SplitBytes(std::string& text, size_t count);

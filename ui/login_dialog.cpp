@@ -12,8 +12,9 @@
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "ui/key_filter.h"
-#include "ui/normalise_address.h"
 #include "ui/message_box.h"
+#include "ui/normalise_address.h"
+#include "ui/password_validator.h"
 #include "ui/port_check.h"
 #include "ui/qt_text.h"
 
@@ -44,6 +45,7 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     m_password = new QLineEdit(this);
     m_password->setObjectName("txtPassword");
     m_password->setEchoMode(QLineEdit::Password);
+    PasswordValidator::Install(m_password);
 
     lblAddress->setBuddy(m_address);
     lblPort->setBuddy(m_port);

@@ -15,6 +15,7 @@
 #include "link/link_state.h"
 #include "ui/key_filter.h"
 #include "ui/normalise_address.h"
+#include "ui/password_validator.h"
 #include "ui/port_check.h"
 #include "ui/qt_text.h"
 
@@ -68,6 +69,7 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     KeyFilter::Install(m_port, AcceptsNumberKey);
     m_password = MakeEdit(frServer, "txtPassword");
     m_password->setEchoMode(QLineEdit::PasswordEchoOnEdit);
+    PasswordValidator::Install(m_password);
     // Two labels share the name lblIP; the index tells them apart.
     auto* lblIP0 = MakeLabel(frServer, "lblIP_0", "IP Address");
     auto* lblIP1 = MakeLabel(frServer, "lblIP_1", "IP Port");

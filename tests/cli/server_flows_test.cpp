@@ -6,8 +6,15 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
+#include <QTimer>
 
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "files/json_document.h"
@@ -47,11 +54,29 @@ PanelStore ServerConfiguration() {
 const std::vector<std::vector<std::string>> kServerAlphas = {
     {"Mic 1", "Mic 2", "CD 1"}, {"PGM", "AUX"}, {"Door"}, {"On Air"}};
 
-// What the server module leaves out of its answers.
-struct Omissions {
-    bool identityQuery = false;
-    bool inputAlphas = false;
-    bool userGroups = false;
+// The eleven answers in the order of the request for everything, with their
+// request bits.
+enum Part { kPassword, kInputAlphas, kInputLists = 5, kRelayLists = 8, kGroups, kTemplates };
+constexpr std::pair<uint32_t, uint32_t> kPartBits[] = {
+    {0x00000002, 0}, {0x00000100, 0}, {0x00000200, 0}, {0x01000000, 0}, {0x02000000, 0}, {0, 0x10},
+    {0, 0x20},       {0, 0x40},       {0, 0x80},       {0, 0x04},       {0, 0x08},
+};
+
+// What the server module does to one part's answers.
+enum class Spoil {
+    None,
+    BadChecksum, // the first answer has a wrong checksum
+    Cut,         // the first answer loses its last bytes (the end marker among them)
+    Never,       // never answered
+    Late,        // the first answer is held back until 300 ms after the next request
+};
+
+struct Script {
+    bool identityQuery = true;
+    std::map<int, Spoil> spoil;
+    std::set<int> ignoredUploads; // parts whose uploads are not stored
+    bool silentAfterUploads = false;
+    int closeAfterUploads = 0; // 0: never
 };
 
 struct Frame {
@@ -59,15 +84,25 @@ struct Frame {
     qint64 atMs;
 };
 
-// A server module that sends the identity query on connect, serves the whole
-// configuration on every data request, takes a new password from an 0x80
-// message, and records every frame it receives with its arrival time.
+// A server module that sends the identity query on connect, answers every
+// data request with the parts its bits ask for (spoiled as scripted), stores
+// uploads as its answers, takes a new password from an 0x80 message, and
+// records every frame it receives with its arrival time.
 class ScriptedServer {
 public:
-    explicit ScriptedServer(std::string password, Omissions omit = {})
-        : m_password(std::move(password)), m_omit(omit) {
+    explicit ScriptedServer(std::string password, Script script = {})
+        : m_password(std::move(password)), m_script(std::move(script)) {
         EXPECT_TRUE(m_server.listen(QHostAddress::LocalHost, 0));
         QObject::connect(&m_server, &QTcpServer::newConnection, [this] { Accept(); });
+        const PanelStore configuration = ServerConfiguration();
+        for (SubType subType : kAllSubTypes) {
+            m_answers[kInputAlphas + size_t(subType)] =
+                codec::AlphaTableMessage(subType, kServerAlphas[size_t(subType)]);
+            m_answers[kInputLists + size_t(subType)] =
+                codec::DisplayListMessage(configuration, subType);
+        }
+        m_answers[kGroups] = codec::GroupMessage(configuration);
+        m_answers[kTemplates] = codec::ButtonMessage(configuration);
     }
     int port() const { return m_server.serverPort(); }
     const std::vector<Frame>& frames() const { return m_frames; }
@@ -80,7 +115,7 @@ private:
         m_clock.start();
         QObject::connect(m_client, &QTcpSocket::readyRead, [this] { Read(); });
         QObject::connect(m_client, &QTcpSocket::disconnected, [this] { m_clientClosed = true; });
-        if (!m_omit.identityQuery) {
+        if (m_script.identityQuery) {
             Send(codec::IdentityQuery());
         }
     }
@@ -99,28 +134,65 @@ private:
     void Handle(const std::string& frame) {
         const auto command = static_cast<unsigned char>(frame[0]);
         if (command == 0xF2 && frame.size() == 17) {
-            ServeEverything();
+            if (!(m_script.silentAfterUploads && m_uploads > 0)) {
+                Serve(Mask(frame, 1, 4), Mask(frame, 9, 2));
+            }
         } else if (command == 0x80 && frame.size() >= 5) {
             const auto length = static_cast<size_t>(frame[2]);
             m_password = frame.substr(3, length);
+        } else if (command == 0xDF || command == 0xCC || command == 0xFD) {
+            const int part = command == 0xCC   ? kGroups
+                             : command == 0xFD ? kTemplates
+                                               : kInputLists + frame[1] / 10 - 1;
+            if (!m_script.ignoredUploads.contains(part)) {
+                m_answers[size_t(part)] = frame;
+            }
+            if (++m_uploads == m_script.closeAfterUploads) {
+                m_client->disconnectFromHost();
+            }
         }
     }
 
-    void ServeEverything() {
-        std::string out = codec::PasswordMessage(m_password);
-        for (SubType subType : kAllSubTypes) {
-            if (!(subType == SubType::Input && m_omit.inputAlphas)) {
-                out += codec::AlphaTableMessage(subType, kServerAlphas[size_t(subType)]);
+    static uint32_t Mask(const std::string& frame, size_t at, size_t groups) {
+        uint32_t mask = 0;
+        for (size_t k = 0; k < groups; ++k) {
+            mask |= uint32_t(static_cast<unsigned char>(frame[at + k])) << (7 * k);
+        }
+        return mask;
+    }
+
+    void Serve(uint32_t maskA, uint32_t maskC) {
+        m_answers[kPassword] = codec::PasswordMessage(m_password);
+        std::string out;
+        std::string late = std::exchange(m_late, {});
+        for (int part = 0; part < 11; ++part) {
+            if ((kPartBits[part].first & maskA) == 0 && (kPartBits[part].second & maskC) == 0) {
+                continue;
             }
+            std::string answer = m_answers[size_t(part)];
+            const auto found = m_script.spoil.find(part);
+            const Spoil spoil = found == m_script.spoil.end() || !m_spoiled.insert(part).second
+                                    ? Spoil::None
+                                    : found->second;
+            if (spoil == Spoil::Never) {
+                m_spoiled.erase(part); // every time
+                continue;
+            }
+            if (spoil == Spoil::Late) {
+                m_late += answer;
+                continue;
+            }
+            if (spoil == Spoil::BadChecksum) {
+                answer[answer.size() - 2] ^= 1;
+            } else if (spoil == Spoil::Cut) {
+                answer.resize(answer.size() - 3);
+            }
+            out += answer;
         }
-        for (SubType subType : kAllSubTypes) {
-            out += codec::DisplayListMessage(m_configuration, subType);
-        }
-        if (!m_omit.userGroups) {
-            out += codec::GroupMessage(m_configuration);
-        }
-        out += codec::ButtonMessage(m_configuration);
         Send(out);
+        if (!late.empty()) {
+            QTimer::singleShot(300, m_client, [this, late] { Send(late); });
+        }
     }
 
     void Send(const std::string& bytes) {
@@ -133,8 +205,11 @@ private:
     std::string m_buffer;
     std::vector<Frame> m_frames;
     std::string m_password;
-    Omissions m_omit;
-    PanelStore m_configuration = ServerConfiguration();
+    Script m_script;
+    std::array<std::string, 11> m_answers;
+    std::set<int> m_spoiled; // parts whose first answer has gone out
+    std::string m_late;
+    int m_uploads = 0;
     bool m_clientClosed = false;
 };
 
@@ -219,52 +294,111 @@ TEST_F(ServerFlowsTest, UnreachableServerExits3) {
     EXPECT_NE(m_dir.Read("Errorlog.txt").find("Error Connecting to Switcher"), std::string::npos);
 }
 
-TEST_F(ServerFlowsTest, MissingPartsTimeOutWithExit5NamingThem) {
+// fetch keeps its own record of the eleven parts: a re-request by the
+// session replaces its pending masks, and answers lost to a bad checksum or a
+// cut frame are asked for again by fetch itself after a quiet second, for
+// exactly the parts still missing.
+TEST_F(ServerFlowsTest, FetchSucceedsOnlyWithAllElevenParts) {
     struct Case {
-        Omissions omit;
-        QString timeout;
+        const char* name;
+        Script script;
+        int exitCode;
+        std::vector<std::string> requestsAfterTheFirst;
         std::string message;
+        QString timeout = "10";
     };
+    const std::string missing = "timed out waiting for: Input Alphas, User Groups\n";
     const Case cases[] = {
-        {{false, true, true}, "1", "timed out waiting for: Input Alphas, User Groups\n"},
-        {{true, false, false}, "0.5", "timed out waiting for: identity query"}};
+        {"re-requested list answered before the groups and templates still to come",
+         {.spoil = {{kInputLists, Spoil::BadChecksum},
+                    {kGroups, Spoil::Late},
+                    {kTemplates, Spoil::Late}}},
+         0,
+         {Request(0, 0, 0x10)},
+         "download complete"},
+        {"corrupted password answer",
+         {.spoil = {{kPassword, Spoil::BadChecksum}}},
+         0,
+         {Request(2, 0, 0)},
+         "download complete"},
+        {"corrupted password, cut alpha table and corrupted templates",
+         {.spoil = {{kPassword, Spoil::BadChecksum},
+                    {kInputAlphas, Spoil::Cut},
+                    {kTemplates, Spoil::BadChecksum}}},
+         0,
+         {Request(2, 0, 0), Request(0x100, 0, 0x08)},
+         "download complete"},
+        {"parts never sent",
+         {.spoil = {{kInputAlphas, Spoil::Never}, {kGroups, Spoil::Never}}},
+         5,
+         std::vector<std::string>(4, Request(0x100, 0, 0x04)),
+         missing},
+        {"no identity query",
+         {.identityQuery = false},
+         5,
+         {},
+         "waiting for: identity query",
+         "0.5"},
+    };
     for (const Case& c : cases) {
-        ScriptedServer server("studio", c.omit);
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(m_dir.file("out.json"));
+        ScriptedServer server("studio", c.script);
         const CliResult result = Run({"fetch", "--server", Server(server.port()), "--timeout",
                                       c.timeout, "-o", Path("out.json")},
                                      Environment("studio"));
-        EXPECT_EQ(result.exitCode, 5) << result.err;
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
         EXPECT_NE(result.err.find(c.message), std::string::npos) << result.err;
-        EXPECT_FALSE(m_dir.Exists("out.json"));
+        std::vector<std::string> requests;
+        for (size_t i = 2; i < server.frames().size(); ++i) {
+            requests.push_back(server.frames()[i].bytes);
+        }
+        EXPECT_EQ(requests, c.requestsAfterTheFirst);
+        if (c.exitCode != 0) {
+            EXPECT_FALSE(m_dir.Exists("out.json"));
+            continue;
+        }
+        PanelStore fetched;
+        ASSERT_TRUE(ReadJsonDocument(m_dir.Read("out.json"), fetched).status.ok());
+        const PanelStore held = ServerConfiguration();
+        for (SubType subType : kAllSubTypes) {
+            EXPECT_EQ(fetched.alpha(subType).count, int(kServerAlphas[size_t(subType)].size()));
+            EXPECT_EQ(codec::DisplayListMessage(fetched, subType),
+                      codec::DisplayListMessage(held, subType));
+        }
+        EXPECT_EQ(codec::GroupMessage(fetched), codec::GroupMessage(held));
+        EXPECT_EQ(codec::ButtonMessage(fetched), codec::ButtonMessage(held));
     }
 }
 
-TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
-    m_dir.Write("late.json", R"({
+const char* const kLateShow = R"({
   "format": "lumeth-panel-data",
   "version": 1,
   "display_lists": {
     "input": [{"name": "Mix", "channels": [1, 2]}],
-    "output": [], "opto": [], "relay": []
+    "output": [], "opto": [], "relay": [{"name": "Cue", "channels": [0]}]
   },
   "user_groups": [{"name": "Late Show", "lists": [{"type": 11, "index": 0}]}],
   "templates": [{"name": "Host", "number": 3, "buttons": [
     {"type": 40, "caption_option": 1, "label": "MIC", "channel": 1, "channel2": 16383}]}]
-})");
+})";
+
+TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApartAndReadsItBack) {
+    m_dir.Write("late.json", kLateShow);
     ScriptedServer server("studio");
     const CliResult result =
         Run({"apply", Path("late.json"), "--server", Server(server.port())}, Environment("studio"));
     ASSERT_EQ(result.exitCode, 0) << result.err;
 
     const std::vector<Frame>& frames = server.frames();
-    ASSERT_EQ(frames.size(), 8u);
+    ASSERT_EQ(frames.size(), 9u);
     EXPECT_EQ(frames[0].bytes, kIdentityAnswer);
     EXPECT_EQ(frames[1].bytes, kRequestEverything);
 
     const std::string input = ListBody(11, 16, {{"Mix", {1, 2}}}).Finish();
     const std::string output = ListBody(21, 16, {}).Finish();
     const std::string opto = ListBody(31, 16, {}).Finish();
-    const std::string relay = ListBody(41, 16, {}).Finish();
+    const std::string relay = ListBody(41, 16, {{"Cue", {0}}}).Finish();
     const std::string groups = GroupBody(16, {{"Late Show", {{0, 11}}}}).Finish();
     const std::string buttons =
         ButtonBody(1, 0, 8, 16, {{"Host", 3, {{40, 1, 1, 16383, "MIC"}}}}).Finish();
@@ -272,12 +406,56 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApart) {
     for (size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(frames[2 + i].bytes, expected[i]) << "upload message " << i;
     }
-    for (size_t i = 3; i < frames.size(); ++i) {
+    for (size_t i = 3; i < 8; ++i) {
         EXPECT_GE(frames[i].atMs - frames[i - 1].atMs, 450) << "before upload message " << i - 2;
     }
-    // The link is closed once the upload is out.
+    // Then one request for everything reads the configuration back.
+    EXPECT_EQ(frames[8].bytes, kRequestEverything);
+    // The link is closed once that has arrived.
     EXPECT_TRUE(QTest::qWaitFor([&] { return server.clientClosed(); }, 3000));
-    EXPECT_NE(result.out.find("applied"), std::string::npos);
+    EXPECT_NE(result.out.find("read back and identical"), std::string::npos) << result.out;
+}
+
+// apply exits 0 only when the server module holds what it sent.
+TEST_F(ServerFlowsTest, ApplySaysWhatTheServerModuleHolds) {
+    m_dir.Write("late.json", kLateShow);
+    const std::string file = Path("late.json").toStdString();
+    struct Case {
+        const char* name;
+        Script script;
+        QStringList options;
+        int exitCode;
+        std::string message;
+    };
+    const Script ignoring{.ignoredUploads = {kRelayLists, kGroups, kTemplates}};
+    const Case cases[] = {
+        {"uploads not stored",
+         ignoring,
+         {},
+         6,
+         "lumeth-cli: the server module now holds a configuration that differs from " + file +
+             " in: Relay display lists, user groups, button templates\n"},
+        {"not read back", ignoring, {"--no-verify"}, 0, "(not read back)"},
+        {"server stops answering",
+         {.silentAfterUploads = true},
+         {"--timeout", "2"},
+         5,
+         "the server module's state is unknown"},
+        {"link lost during the upload",
+         {.closeAfterUploads = 2},
+         {},
+         3,
+         "sent before it was lost: Input display lists, Output display lists\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedServer server("studio", c.script);
+        const CliResult result = Run(
+            QStringList{"apply", Path("late.json"), "--server", Server(server.port())} + c.options,
+            Environment("studio"));
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        EXPECT_NE((result.err + result.out).find(c.message), std::string::npos) << result.err;
+    }
 }
 
 TEST_F(ServerFlowsTest, ApplyOfABadFileExits2WithoutConnecting) {
@@ -320,6 +498,14 @@ TEST_F(ServerFlowsTest, SetPasswordSendsTheNewPasswordThenTheRequest) {
     for (const std::string& text : {result.out, result.err}) {
         EXPECT_EQ(text.find("on air"), std::string::npos);
         EXPECT_EQ(text.find("studio"), std::string::npos);
+    }
+    // A character the link cannot carry: one line, exit 2, nothing sent.
+    for (const char* refused : {"caf\u00e9", "\u0142ad"}) {
+        env.insert("LUMETH_NEW_PASSWORD", QString::fromUtf8(refused));
+        const CliResult bad = Run({"set-password", "--server", Server(server.port())}, env);
+        EXPECT_EQ(bad.exitCode, 2) << refused;
+        EXPECT_EQ(std::count(bad.err.begin(), bad.err.end(), '\n'), 1) << bad.err;
+        EXPECT_EQ(server.frames().size(), 4u);
     }
 }
 

@@ -40,6 +40,14 @@ namespace {
 using test::Child;
 using test::WhenModal;
 
+// Types "é" and "€" (not plain ASCII), then `ascii`.
+void TypeAccented(QLineEdit* edit, const QString& ascii) {
+    for (const QString& accented : {QString(QChar(0xE9)), QString(QChar(0x20AC))}) {
+        QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, accented, Qt::NoModifier);
+    }
+    QTest::keyClicks(edit, ascii);
+}
+
 QString Trimmed(const std::string& bytes) {
     return ToQt(bytes).trimmed();
 }
@@ -172,6 +180,9 @@ private slots:
         QCOMPARE(Child<QLineEdit>(Login(), "txtPort")->text(), QString::number(m_sim.port()));
         QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->echoMode(), QLineEdit::Password);
         QCOMPARE(Login()->focusWidget(), Child<QLineEdit>(Login(), "txtPassword"));
+        // A character the link cannot carry cannot be typed.
+        TypeAccented(Child<QLineEdit>(Login(), "txtPassword"), "s");
+        QCOMPARE(Child<QLineEdit>(Login(), "txtPassword")->text(), QString("s"));
         QTRY_COMPARE(Child<QLabel>(m_window, "stbStatus_1")->text(),
                      QString("Server Module Connected"));
     }
@@ -437,6 +448,9 @@ private slots:
         m_window->store().lists(SubType::Input)[0].name = "LOCAL EDIT";
         WhenModal("frmSetup", [&](QWidget* dialog) {
             QCOMPARE(Child<QLineEdit>(dialog, "txtPassword")->text(), QString("studio"));
+            TypeAccented(Child<QLineEdit>(dialog, "txtPassword"), "!");
+            // Typing replaces the shown password (echo on edit).
+            QCOMPARE(Child<QLineEdit>(dialog, "txtPassword")->text(), QString("!"));
             Child<QLineEdit>(dialog, "txtPassword")->setText("onair");
             QTest::mouseClick(Child<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
         });

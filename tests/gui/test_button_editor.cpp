@@ -455,10 +455,10 @@ private slots:
         const std::string message = codec::ButtonMessage(m_store);
         const size_t templateSize = 16 + 4 + 32 * 16;
         const size_t at = 11 + templateSize + 20 + 4 * 16;
-        QCOMPARE(wire::Read14(message, at).value_or(-1), int16_t(810));
-        QCOMPARE(wire::Read14(message, at + 2).value_or(-1), int16_t(1));
-        QCOMPARE(wire::Read14(message, at + 4).value_or(-1), int16_t(2));
-        QCOMPARE(wire::Read14(message, at + 6).value_or(-1), int16_t(7));
+        std::string fields;
+        for (int value : {810, 1, 2, 7})
+            wire::Append14(fields, value);
+        QCOMPARE(message.substr(at, 8), fields);
         QCOMPARE(message.substr(at + 8, 8), std::string("ON AIR  "));
     }
 

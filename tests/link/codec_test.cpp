@@ -28,6 +28,15 @@ TEST(Codec, IdentityRequestAndPasswordMessages) {
     // Zero bytes are left out but counted.
     EXPECT_BYTES(codec::PasswordMessage(std::string("a\0b", 3)),
                  Layout(0x80).Bytes({0x05, 3}).Text("ab").Finish());
+    // Only what the message carries whole passes the check: 0..127 bytes of 1..127.
+    const std::pair<std::string, bool> passwords[] = {{"", true},
+                                                      {std::string(127, '~'), true},
+                                                      {std::string(128, 'x'), false},
+                                                      {"\x80", false},
+                                                      {std::string("a\0b", 3), false}};
+    for (const auto& [password, fits] : passwords) {
+        EXPECT_EQ(codec::PasswordFitsMessage(password), fits) << password;
+    }
 }
 
 TEST(Codec, FixedWidthAndEndOfMessage) {

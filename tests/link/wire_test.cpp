@@ -9,27 +9,11 @@ namespace {
 
 using testing::Raw;
 
-TEST(Wire, SeptetsJoinAndStayInsideTheMessage) {
-    EXPECT_EQ(wire::JoinSeptets(0x7F, 0x7F), 16383);
-    EXPECT_EQ(wire::JoinSeptets(5, 1), 133);
-    EXPECT_FALSE(wire::JoinSeptets(0x80, 0).has_value());
-    EXPECT_FALSE(wire::JoinSeptets(0, 0xFF).has_value());
-
-    const std::string m = Raw({0xDF, 0x05, 0x01, 0x7F});
-    EXPECT_EQ(wire::Read14(m, 1), 133);
-    EXPECT_EQ(wire::Read14(m, 2), 1 + 127 * 128);
-    for (size_t at : {size_t{0}, size_t{3}, size_t{4}, static_cast<size_t>(-1)}) {
-        EXPECT_FALSE(wire::Read14(m, at).has_value()) << at; // 0: the command's top bit
-    }
-    EXPECT_FALSE(wire::Read14("", 0).has_value());
-}
-
 TEST(Wire, AppendFollowsTheLayout) {
     for (int v : {0, 1, 127, 128, 133, 8191, 16383}) {
         std::string out;
         wire::Append14(out, v);
         EXPECT_EQ(out, Raw({v % 128, v / 128}));
-        EXPECT_EQ(wire::Read14(out, 0), v);
     }
     std::string out;
     wire::Append28(out, 0x0FFFFFFF);

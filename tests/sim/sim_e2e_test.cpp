@@ -123,3 +123,33 @@ TEST(SimProcessTest, TracesFramesAndLogsUnansweredPolls) {
         EXPECT_TRUE(sim.WaitForLog(text)) << text << "\n" << sim.Log().toStdString();
     }
 }
+
+TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNotReading) {
+    SimProcess sim;
+    ASSERT_TRUE(sim.Start({"--demo", "large", "--poll-interval", "0"}));
+
+    // A megabyte of command bytes, each one a frame cut short by the next.
+    RawClient junk;
+    ASSERT_TRUE(junk.Connect(sim.port));
+    ASSERT_EQ(junk.Read(1).size(), 1u);
+    const size_t junkBytes = 1 << 20;
+    junk.Send(std::string(junkBytes, '\x90'));
+    junk.Send(codec::DataRequest(request::kPassword, 0, 0));
+    std::vector<std::string> answer;
+    for (int i = 0; i < 200 && answer.empty(); ++i) {
+        sim.Drain(20);
+        answer = junk.Read(1, 30);
+    }
+    ASSERT_EQ(answer.size(), 1u);
+    EXPECT_LT(size_t(sim.Log().size()), junkBytes + 20 * 1024);
+    EXPECT_TRUE(sim.Log().contains("Incomplete Message 90")) << sim.Log().left(500).toStdString();
+
+    // Requests for everything (about 0.6 MB of answers each), never read.
+    RawClient greedy;
+    ASSERT_TRUE(greedy.Connect(sim.port));
+    for (int i = 0; i < 100; ++i) {
+        greedy.Send(codec::DataRequest(request::kEverythingA, 0, request::kEverythingC));
+    }
+    EXPECT_TRUE(sim.WaitForLog("connection cut off", 20000)) << sim.Log().right(500).toStdString();
+    EXPECT_TRUE(sim.Running());
+}

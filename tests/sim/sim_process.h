@@ -59,6 +59,7 @@ public:
     }
 
     bool Running() { return m_process.state() == QProcess::Running; }
+    qint64 pid() const { return m_process.processId(); }
     // Everything the emulator wrote to stderr so far.
     QString Log() {
         m_log += QString::fromUtf8(m_process.readAllStandardError());
@@ -75,6 +76,11 @@ public:
             m_process.waitForReadyRead(50);
         }
         return true;
+    }
+    // Read what the emulator logs for up to `ms` (a full pipe would stop it).
+    void Drain(int ms) {
+        m_process.waitForReadyRead(ms);
+        Log();
     }
     // Run to the end (for start-up failures); returns the exit code.
     int WaitForExit(int timeoutMs = 10000) {

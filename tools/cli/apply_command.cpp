@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -69,13 +70,19 @@ bool CheckUploadable(const std::string& path, Document::Form form, std::string& 
 
 // apply FILE: log in and download like the window, replace the display lists,
 // user groups and templates with FILE's, send them (six messages, 500 ms
-// apart), then close the link.
+// apart), read the whole configuration back and compare (unless
+// --no-verify), then close the link.
 int RunApply(const std::vector<std::string>& args) {
     ServerOptions options;
     std::vector<std::string> rest;
     std::string error;
     if (!ParseServerArguments(args, options, rest, error)) {
         return UsageError(error);
+    }
+    const auto noVerify = std::find(rest.begin(), rest.end(), "--no-verify");
+    const bool verify = noVerify == rest.end();
+    if (!verify) {
+        rest.erase(noVerify);
     }
     if (rest.size() != 1 || rest[0].starts_with("-")) {
         return UsageError("apply needs exactly one FILE");
@@ -92,14 +99,18 @@ int RunApply(const std::vector<std::string>& args) {
     }
 
     ServerClient client(options);
-    if (const int code = client.LogInAndDownload(*password.password); code != 0) {
+    if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0) {
         return code;
     }
     if (!LoadIntoStore(path, doc.form, client.store(), error)) {
         client.Close();
         return Error(ExitCode::BadInput, error);
     }
-    const int code = client.Apply();
+    std::vector<std::string> sent;
+    int code = client.Apply(path, sent);
+    if (code == 0 && verify) {
+        code = client.VerifyApplied(path, sent);
+    }
     client.Close();
     if (code != 0) {
         return code;
@@ -107,7 +118,8 @@ int RunApply(const std::vector<std::string>& args) {
     const PanelStore& store = client.store();
     std::cout << "applied " << path << " to " << options.host << ":" << options.port << ": "
               << DisplayListTotal(store) << " display lists, " << store.userGroupCount
-              << " user groups, " << store.templateCount << " button templates\n";
+              << " user groups, " << store.templateCount << " button templates"
+              << (verify ? ", read back and identical\n" : " (not read back)\n");
     return ToInt(ExitCode::Ok);
 }
 

@@ -55,7 +55,8 @@ void PrintUsage(std::ostream& out) {
     out << "\nFILE and IN may be a panel data file (.dat) or a JSON document (.json); the\n"
            "content tells which. The extension of OUT (.dat or .json) chooses its form.\n"
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
-           "or link lost, 4 wrong password, 5 timed out waiting for the server module\n";
+           "or link lost, 4 wrong password, 5 timed out waiting for the server module,\n"
+           "6 apply: the server module holds a configuration that differs from FILE\n";
 }
 
 int UsageError(const std::string& message) {

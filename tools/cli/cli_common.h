@@ -17,6 +17,7 @@ enum class ExitCode : int {
     Unreachable = 3, // the server module cannot be reached or the link was lost
     WrongPassword = 4,
     Timeout = 5, // timed out waiting for the server module
+    Differs = 6, // apply: the server module holds something other than FILE
 };
 
 int ToInt(ExitCode code);

@@ -10,8 +10,10 @@ const std::vector<Command>& Commands() {
         {"convert", "IN OUT", "convert IN to OUT (panel data file <-> JSON document)", &RunConvert},
         {"fetch", "-o OUT [server options]",
          "download everything from the server module into OUT (.json or .dat)", &RunFetch},
-        {"apply", "FILE [server options]",
-         "send FILE's display lists, user groups and templates to the server module", &RunApply},
+        {"apply", "FILE [--no-verify] [server options]",
+         "send FILE's display lists, user groups and templates to the server\n"
+         "                          module, read them back and compare (--no-verify: no read-back)",
+         &RunApply},
         {"set-password", "[--new-password-file FILE] [server options]",
          "store a new panel password in the server module", &RunSetPassword},
         {"crosspoints", "FILE -o OUT",

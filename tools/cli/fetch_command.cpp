@@ -38,7 +38,7 @@ int RunFetch(const std::vector<std::string>& args) {
     }
 
     ServerClient client(options);
-    if (const int code = client.LogInAndDownload(*password.password); code != 0) {
+    if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0) {
         return code;
     }
     client.Close();

@@ -9,6 +9,9 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "files/cp1252.h"
+#include "link/codec.h"
+
 namespace lumeth::cli {
 
 namespace {
@@ -72,6 +75,19 @@ PasswordResult ReadPassword(const PasswordSource& source) {
                        ", give a password file, or run on a terminal";
     }
     return result;
+}
+
+std::string PasswordBytes(const std::string& utf8) {
+    return cp1252::FromUtf8(utf8);
+}
+
+std::string NewPasswordProblem(const std::string& utf8) {
+    const std::string bytes = PasswordBytes(utf8);
+    if (cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
+        return {};
+    }
+    return "the new password cannot be sent to the server module: it takes at most 127 "
+           "characters, each a letter, digit, blank or sign of plain ASCII";
 }
 
 } // namespace lumeth::cli

@@ -16,10 +16,20 @@ struct PasswordSource {
 };
 
 struct PasswordResult {
-    std::optional<std::string> password;
-    std::string error; // set when there is no password; names what to do
+    std::optional<std::string> password; // UTF-8 text as read
+    std::string error;                   // set when there is no password; names what to do
 };
 
 PasswordResult ReadPassword(const PasswordSource& source);
+
+// The password's bytes on the link: the text through the same Windows-1252
+// table as the window's password boxes.
+std::string PasswordBytes(const std::string& utf8);
+
+// For a password about to be stored in the server module: empty when the
+// set-password message carries `utf8` whole, else the one line that says why
+// not. A character outside the table, or one that becomes a byte at or above
+// 0x80, cannot cross the link.
+std::string NewPasswordProblem(const std::string& utf8);
 
 } // namespace lumeth::cli

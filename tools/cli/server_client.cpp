@@ -17,6 +17,12 @@ namespace {
 constexpr int kWaitSliceMs = 20;
 // How long Close waits for the socket to finish sending and close.
 constexpr int kCloseLimitMs = 3000;
+// Parts missing after this long without a byte from the server module are
+// asked for again, at most kMaxReasks times per request for everything. An
+// answer lost to a bad checksum or a cut frame is never asked for again by
+// the session itself (alpha tables, templates, cut frames).
+constexpr qint64 kQuietMs = 1000;
+constexpr int kMaxReasks = 4;
 
 struct PendingBit {
     bool inMaskA;
@@ -73,11 +79,10 @@ bool ParseServer(std::string_view text, std::string& host, int& port, std::strin
     return true;
 }
 
-std::vector<std::string> PendingParts(const LinkState& state) {
+std::vector<std::string> PartNames(uint32_t maskA, uint32_t maskC) {
     std::vector<std::string> parts;
     for (const PendingBit& pending : kPendingBits) {
-        const uint32_t mask = pending.inMaskA ? state.pendingA : state.pendingC;
-        if ((mask & pending.bit) != 0) {
+        if (((pending.inMaskA ? maskA : maskC) & pending.bit) != 0) {
             parts.emplace_back(pending.name);
         }
     }
@@ -137,8 +142,12 @@ ServerClient::ServerClient(const ServerOptions& options)
     m_state.serverAddress = m_options.host;
     m_state.serverPort = m_options.port;
     m_connection = std::make_unique<Connection>(m_store, m_state, *m_log);
+    QObject::connect(m_connection.get(), &Connection::linkConnected, m_connection.get(),
+                     [this] { m_wasConnected = true; });
     QObject::connect(m_connection.get(), &Connection::linkDisconnected, m_connection.get(),
                      [this] { m_linkLost = true; });
+    QObject::connect(m_connection.get(), &Connection::storeChanged, m_connection.get(),
+                     [this](StoreChange change, SubType subType) { PartArrived(change, subType); });
     QObject::connect(m_connection.get(), &Connection::linkError, m_connection.get(),
                      [this](const QString& reason) {
                          m_linkError = reason.toStdString();
@@ -169,16 +178,89 @@ ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done
     }
 }
 
+void ServerClient::PartArrived(StoreChange change, SubType subType) {
+    // Its row in kPendingBits.
+    const auto index = static_cast<size_t>(subType);
+    size_t row = 0;
+    switch (change) {
+    case StoreChange::Password:
+        row = 0;
+        break;
+    case StoreChange::Alphas:
+        row = 1 + index;
+        break;
+    case StoreChange::UserGroups:
+        row = 5;
+        break;
+    case StoreChange::Templates:
+        row = 6;
+        break;
+    case StoreChange::DisplayLists:
+        row = 7 + index;
+        break;
+    }
+    const PendingBit& part = kPendingBits[row];
+    (part.inMaskA ? m_receivedA : m_receivedC) |= part.bit;
+}
+
+void ServerClient::RequestEverything() {
+    m_receivedA = 0;
+    m_receivedC = 0;
+    m_reasks = 0;
+    m_quiet.start();
+    m_connection->RequestEverything();
+}
+
+ServerClient::WaitResult ServerClient::WaitForParts(uint32_t needA, uint32_t needC) {
+    m_quiet.start();
+    return WaitFor([this, needA, needC] {
+        ReportProgress();
+        if ((m_receivedA & needA) == needA && (m_receivedC & needC) == needC) {
+            return true;
+        }
+        if (m_connection->BytesReceived() != m_bytesSeen) {
+            m_bytesSeen = m_connection->BytesReceived();
+            m_quiet.start();
+        }
+        // Nothing asked for yet (no identity query) leaves nothing to ask again.
+        const bool asked = m_state.AnyPending() || m_receivedA != 0 || m_receivedC != 0;
+        if (asked && m_quiet.elapsed() >= kQuietMs) {
+            if (m_reasks >= kMaxReasks) {
+                m_deadline.setRemainingTime(0); // give up: reported as a timeout
+                return false;
+            }
+            ++m_reasks;
+            std::cerr << "asking again for: " << Joined(PartNames(MissingA(), MissingC())) << "\n";
+            m_connection->session().RequestData(MissingA(), 0, MissingC());
+            m_connection->FlushSession();
+            m_quiet.start();
+        }
+        return false;
+    });
+}
+
+int ServerClient::LinkLost(const std::string& during) {
+    if (m_wasConnected) {
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << during
+                  << "\n";
+    } else {
+        std::cerr << "lumeth-cli: cannot reach the server module at " << Address() << ": "
+                  << m_linkError << "\n";
+    }
+    return ToInt(ExitCode::Unreachable);
+}
+
 int ServerClient::LogIn(const std::string& password) {
     std::cerr << "connecting to " << Address() << "\n";
+    m_receivedA = 0;
+    m_receivedC = 0;
+    m_reasks = 0;
     m_connection->Connect();
     switch (WaitFor([this] { return m_state.connected; })) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
-        std::cerr << "lumeth-cli: cannot reach the server module at " << Address() << ": "
-                  << m_linkError << "\n";
-        return ToInt(ExitCode::Unreachable);
+        return LinkLost(" right after connecting");
     case WaitResult::TimedOut:
         std::cerr << "lumeth-cli: cannot reach the server module at " << Address()
                   << ": no connection within " << m_options.timeoutSeconds << " s\n";
@@ -186,12 +268,11 @@ int ServerClient::LogIn(const std::string& password) {
     }
 
     std::cerr << "connected, waiting for the password\n";
-    switch (WaitFor([this] { return m_state.passwordReceived; })) {
+    switch (WaitForParts(request::kPassword, 0)) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
-        return ToInt(ExitCode::Unreachable);
+        return LinkLost(" while waiting for the password");
     case WaitResult::TimedOut:
         // Nothing asked for yet means the identity query never came.
         std::cerr << "lumeth-cli: timed out waiting for: "
@@ -209,8 +290,7 @@ int ServerClient::LogIn(const std::string& password) {
 }
 
 void ServerClient::ReportProgress() {
-    const std::vector<std::string> pending = PendingParts(m_state);
-    const std::string text = Joined(pending);
+    const std::string text = Joined(PartNames(MissingA(), MissingC()));
     if (text != m_lastProgress) {
         m_lastProgress = text;
         if (!text.empty()) {
@@ -220,21 +300,18 @@ void ServerClient::ReportProgress() {
 }
 
 int ServerClient::AwaitDownload() {
-    const WaitResult result = WaitFor([this] {
-        ReportProgress();
-        return !m_state.AnyPending();
-    });
-    switch (result) {
+    switch (WaitForParts(request::kEverythingA, request::kEverythingC)) {
     case WaitResult::Done:
         std::cerr << "download complete\n";
         return 0;
     case WaitResult::LinkLost:
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
-        return ToInt(ExitCode::Unreachable);
+        return LinkLost(" during the download; missing: " +
+                        Joined(PartNames(MissingA(), MissingC())));
     case WaitResult::TimedOut:
-        std::cerr << "lumeth-cli: timed out waiting for: " << Joined(PendingParts(m_state)) << "\n";
-        return ToInt(ExitCode::Timeout);
+        break;
     }
+    std::cerr << "lumeth-cli: timed out waiting for: " << Joined(PartNames(MissingA(), MissingC()))
+              << "\n";
     return ToInt(ExitCode::Timeout);
 }
 
@@ -253,15 +330,13 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     m_state.serverPassword = newPassword;
     m_connection->SendPassword();
     // The password that comes back with the next download confirms the change.
-    m_state.passwordReceived = false;
-    m_connection->RequestEverything();
+    RequestEverything();
     std::cerr << "new password sent, waiting for the server module to confirm it\n";
-    switch (WaitFor([this] { return m_state.passwordReceived; })) {
+    switch (WaitForParts(request::kPassword, 0)) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << "\n";
-        return ToInt(ExitCode::Unreachable);
+        return LinkLost(" after sending the new password");
     case WaitResult::TimedOut:
         std::cerr << "lumeth-cli: timed out waiting for: Password\n";
         return ToInt(ExitCode::Timeout);
@@ -274,13 +349,71 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     return 0;
 }
 
-int ServerClient::Apply() {
+namespace {
+
+// The six uploads in the order Apply sends them, as the messages name them.
+std::string UploadPartName(size_t step) {
+    if (step < kAllSubTypes.size()) {
+        return std::string(SubTypeName(kAllSubTypes[step])) + " display lists";
+    }
+    return step == kAllSubTypes.size() ? "user groups" : "button templates";
+}
+
+std::string UploadPartNames(const std::vector<bool>& which) {
+    std::vector<std::string> names;
+    for (size_t i = 0; i < which.size(); ++i) {
+        if (which[i]) {
+            names.push_back(UploadPartName(i));
+        }
+    }
+    return names.empty() ? std::string("none") : Joined(names);
+}
+
+} // namespace
+
+int ServerClient::Apply(const std::string& fileName, std::vector<std::string>& sent) {
     std::cerr << "sending display lists, user groups and button templates\n";
-    m_connection->Apply();
+    sent = m_connection->session().BuildApplyMessages();
+    const std::vector<bool> written = m_connection->Apply();
     if (!m_state.connected) {
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
-                  << " while sending\n";
+                  << " while sending " << fileName
+                  << "; sent before it was lost: " << UploadPartNames(written) << "\n";
         return ToInt(ExitCode::Unreachable);
+    }
+    return 0;
+}
+
+int ServerClient::VerifyApplied(const std::string& fileName, const std::vector<std::string>& sent) {
+    std::cerr << "reading the configuration back\n";
+    m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
+                                Qt::PreciseTimer);
+    RequestEverything();
+    switch (WaitForParts(request::kEverythingA, request::kEverythingC)) {
+    case WaitResult::Done:
+        break;
+    case WaitResult::LinkLost:
+        std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
+                  << " while reading the configuration back; all of " << fileName
+                  << " was sent, the server module's state is unknown\n";
+        return ToInt(ExitCode::Unreachable);
+    case WaitResult::TimedOut:
+        std::cerr << "lumeth-cli: timed out reading the configuration back (missing: "
+                  << Joined(PartNames(MissingA(), MissingC())) << "); all of " << fileName
+                  << " was sent, the server module's state is unknown\n";
+        return ToInt(ExitCode::Timeout);
+    }
+    const std::vector<std::string> held = m_connection->session().BuildApplyMessages();
+    std::vector<bool> differs(sent.size());
+    bool any = false;
+    for (size_t i = 0; i < sent.size(); ++i) {
+        differs[i] = i >= held.size() || held[i] != sent[i];
+        any = any || differs[i];
+    }
+    if (any) {
+        std::cerr << "lumeth-cli: the server module now holds a configuration that differs from "
+                  << fileName << " in: " << UploadPartNames(differs) << "\n";
+        return ToInt(ExitCode::Differs);
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 
 #include <functional>
 #include <memory>
@@ -24,9 +25,9 @@ inline constexpr double kDefaultTimeoutSeconds = 10.0;
 // Returns false with `error` set when the text is not usable.
 bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error);
 
-// The names of the parts still asked for in the pending masks, in request
-// order ("Password", "Input Alphas", ..., "Relay Display Lists").
-std::vector<std::string> PendingParts(const LinkState& state);
+// The names of the parts whose request bits are set in mask A and mask C, in
+// request order ("Password", "Input Alphas", ..., "Relay Display Lists").
+std::vector<std::string> PartNames(uint32_t maskA, uint32_t maskC);
 
 // Options shared by the commands that talk to the server module.
 struct ServerOptions {
@@ -52,17 +53,23 @@ public:
     explicit ServerClient(const ServerOptions& options);
     ~ServerClient();
 
-    // Connect, wait for the password answer and compare it with `password`.
+    // Connect, wait for the password answer and compare it with `password`
+    // (bytes, already through the Windows-1252 table).
     int LogIn(const std::string& password);
-    // Wait until every part asked for has arrived.
+    // Wait until all eleven parts have arrived since the last request for
+    // everything.
     int AwaitDownload();
     // Both of the above; the link is closed again when the download fails.
     int LogInAndDownload(const std::string& password);
     // Send the new password, then ask for everything again and wait until the
     // server module answers with the new password.
     int ChangePassword(const std::string& newPassword);
-    // The six upload messages, 500 ms apart.
-    int Apply();
+    // The six upload messages of the store, 500 ms apart; `sent` receives
+    // them. A lost link names the parts that went out before it.
+    int Apply(const std::string& fileName, std::vector<std::string>& sent);
+    // Ask for everything once more and compare the six parts with `sent`:
+    // 0 when the server module holds exactly what was sent.
+    int VerifyApplied(const std::string& fileName, const std::vector<std::string>& sent);
     // Close the link after what was written has gone out.
     void Close();
 
@@ -73,8 +80,20 @@ private:
     enum class WaitResult { Done, LinkLost, TimedOut };
     // Run the event loop until `done` holds, the link drops, or the deadline.
     WaitResult WaitFor(const std::function<bool()>& done);
-    // Waiting for the download: print what is still pending when that changes.
+    // Wait until the parts of `needA`/`needC` have arrived. Whenever parts are
+    // missing and the link has been quiet for a while, ask again for exactly
+    // the missing ones, a bounded number of times.
+    WaitResult WaitForParts(uint32_t needA, uint32_t needC);
+    // Forget what has arrived and ask for everything.
+    void RequestEverything();
+    void PartArrived(StoreChange change, SubType subType);
+    uint32_t MissingA() const { return request::kEverythingA & ~m_receivedA; }
+    uint32_t MissingC() const { return request::kEverythingC & ~m_receivedC; }
+    // Print what is still missing when that changes.
     void ReportProgress();
+    // One line on stderr for a lost link: "cannot reach" only when the
+    // connection was never made.
+    int LinkLost(const std::string& during);
     std::string Address() const;
 
     // The connection's sockets and timers need an application object; the
@@ -90,7 +109,16 @@ private:
     std::unique_ptr<ErrorLog> m_log;
     std::unique_ptr<Connection> m_connection;
     QDeadlineTimer m_deadline;
+    // The command's own record of the parts received intact since it last
+    // asked for everything, as request bits. The session's pending masks
+    // cannot serve: a re-request replaces them and forgets the other parts.
+    uint32_t m_receivedA = 0;
+    uint32_t m_receivedC = 0;
+    int m_reasks = 0;
+    uint64_t m_bytesSeen = 0;
+    QElapsedTimer m_quiet; // since the last byte arrived or the last request
     bool m_linkLost = false;
+    bool m_wasConnected = false;
     std::string m_linkError;
     std::string m_lastProgress;
 };

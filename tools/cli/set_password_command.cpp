@@ -34,12 +34,15 @@ int RunSetPassword(const std::vector<std::string>& args) {
     if (!next.password) {
         return UsageError(next.error);
     }
+    if (const std::string problem = NewPasswordProblem(*next.password); !problem.empty()) {
+        return Error(ExitCode::BadInput, problem);
+    }
 
     ServerClient client(options);
-    if (const int code = client.LogIn(*current.password); code != 0) {
+    if (const int code = client.LogIn(PasswordBytes(*current.password)); code != 0) {
         return code;
     }
-    const int code = client.ChangePassword(*next.password);
+    const int code = client.ChangePassword(PasswordBytes(*next.password));
     client.Close();
     if (code != 0) {
         return code;

@@ -60,9 +60,7 @@ Delivery FaultInjector::Shape(const std::string& message, bool answer) {
     }
 
     if (m_options.slowMs > 0) {
-        for (char c : bytes) {
-            delivery.chunks.push_back({std::string(1, c), m_options.slowMs});
-        }
+        delivery.chunks.push_back({std::move(bytes), m_options.slowMs, m_options.slowMs});
     } else if (m_options.split) {
         size_t pos = 0;
         while (pos < bytes.size()) {

@@ -36,10 +36,12 @@ private:
     uint64_t m_state;
 };
 
-// One write to the socket, after a pause.
+// One write to the socket, after a pause; with a byte pause the bytes go out
+// one at a time, that long apart.
 struct Chunk {
     std::string bytes;
     int delayMs = 0;
+    int byteDelayMs = 0;
 };
 
 // How one message goes out: the chunks in order, and whether the connection

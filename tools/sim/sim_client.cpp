@@ -12,12 +12,19 @@ FaultOptions ConnectionFaults(const SimServer& server) {
     }
     return faults;
 }
+
+// What goes around each of a client's log lines: "lumeth-sim: client N: "
+// and the line end.
+size_t LogLineOverhead(uint64_t number) {
+    return std::string("lumeth-sim: client " + std::to_string(number) + ": \n").size();
+}
 } // namespace
 
 SimClient::SimClient(QTcpSocket* socket, SimState& state, SimServer& server, uint64_t number,
                      QObject* parent)
     : QObject(parent), m_socket(socket), m_server(server), m_number(number),
-      m_session(state, *this), m_faults(ConnectionFaults(server), number) {
+      m_session(state, *this), m_faults(ConnectionFaults(server), number),
+      m_logBudget(LogLineOverhead(number)) {
     m_socket->setParent(this);
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(m_socket, &QTcpSocket::readyRead, this, &SimClient::OnReadyRead);
@@ -42,8 +49,15 @@ void SimClient::OnReadyRead() {
     if (m_closing) {
         return;
     }
-    m_session.Receive(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
-    Flush();
+    m_logBudget.AddTraffic(static_cast<size_t>(bytes.size()));
+    // In slices, so a burst of requests is answered (and a client that does
+    // not read is cut off) a few at a time rather than all queued at once.
+    constexpr size_t kSlice = 256;
+    const std::string_view all(bytes.constData(), static_cast<size_t>(bytes.size()));
+    for (size_t at = 0; at < all.size() && !m_closing; at += kSlice) {
+        m_session.Receive(all.substr(at, kSlice));
+        Flush();
+    }
 }
 
 void SimClient::OnPollTick() {
@@ -60,7 +74,12 @@ void SimClient::OnDisconnected() {
     }
     m_pumpTimer.stop();
     m_queue.clear();
+    m_queuedBytes = 0;
     m_closing = true;
+    if (m_logBudget.suppressed() > 0) {
+        LogAlways(std::to_string(m_logBudget.suppressed()) +
+                  " log lines left out (more log than traffic)");
+    }
     emit closed();
 }
 
@@ -75,9 +94,10 @@ void SimClient::Flush() {
             for (const Chunk& chunk : delivery.chunks) {
                 sent += chunk.bytes;
             }
-            Log("> " + Hex(sent));
+            LogAlways("> " + Hex(sent));
         }
         for (size_t i = 0; i < delivery.chunks.size(); ++i) {
+            m_queuedBytes += delivery.chunks[i].bytes.size();
             Pending pending;
             pending.chunk = std::move(delivery.chunks[i]);
             pending.closeAfter = delivery.closeAfter && i + 1 == delivery.chunks.size();
@@ -88,9 +108,33 @@ void SimClient::Flush() {
             break;
         }
     }
+    if (CutOffIfNotReading()) {
+        return;
+    }
     if (!m_pumpTimer.isActive()) {
         Pump();
     }
+}
+
+bool SimClient::CutOffIfNotReading() {
+    const size_t waiting = m_queuedBytes + static_cast<size_t>(m_socket->bytesToWrite());
+    if (m_closing || waiting <= kMaxQueuedBytes) {
+        return false;
+    }
+    LogAlways("not reading: " + std::to_string(waiting) +
+              " bytes waiting to be sent, connection cut off");
+    m_closing = true;
+    m_pumpTimer.stop();
+    m_queue.clear();
+    m_queuedBytes = 0;
+    m_socket->abort();
+    return true;
+}
+
+void SimClient::Write(const char* data, size_t size) {
+    m_socket->write(data, static_cast<qint64>(size));
+    m_queuedBytes -= size;
+    m_logBudget.AddTraffic(size);
 }
 
 void SimClient::Pump() {
@@ -102,13 +146,23 @@ void SimClient::Pump() {
             return;
         }
         const std::string& bytes = front.chunk.bytes;
-        m_socket->write(bytes.data(), static_cast<qint64>(bytes.size()));
+        if (front.chunk.byteDelayMs > 0) {
+            // One byte now, the next after the pause.
+            Write(bytes.data() + front.sent, 1);
+            if (++front.sent < bytes.size()) {
+                m_pumpTimer.start(front.chunk.byteDelayMs);
+                return;
+            }
+        } else {
+            Write(bytes.data(), bytes.size());
+        }
         const bool closeAfter = front.closeAfter;
         m_queue.pop_front();
         if (closeAfter) {
             Log("closing the connection (drop fault)");
             m_closing = true;
             m_queue.clear();
+            m_queuedBytes = 0;
             m_socket->disconnectFromHost();
             return;
         }
@@ -116,12 +170,18 @@ void SimClient::Pump() {
 }
 
 void SimClient::Log(std::string_view line) {
-    m_server.Log("client " + std::to_string(m_number) + ": " + std::string(line));
+    for (const std::string& admitted : m_logBudget.Admit(std::string(line))) {
+        m_server.Log("client " + std::to_string(m_number) + ": " + admitted);
+    }
+}
+
+void SimClient::LogAlways(const std::string& line) {
+    m_server.Log("client " + std::to_string(m_number) + ": " + line);
 }
 
 void SimClient::FrameIn(std::string_view frame) {
     if (m_server.options().trace) {
-        Log("< " + Hex(frame));
+        LogAlways("< " + Hex(frame));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tools/sim/fault_injector.h"
+#include "tools/sim/log_budget.h"
 #include "tools/sim/sim_session.h"
 
 namespace lumeth::sim {
@@ -31,9 +32,16 @@ signals:
 private:
     struct Pending {
         Chunk chunk;
+        size_t sent = 0; // bytes of the chunk already written
         bool closeAfter = false;
         bool waited = false;
     };
+
+    // What may wait to be sent to one client, in the queue and the socket's
+    // buffer together: room for several full answers of the largest
+    // configuration (about 1.3 MB each). A client that keeps asking without
+    // reading is cut off past it.
+    static constexpr size_t kMaxQueuedBytes = 8u * 1024u * 1024u;
 
     void OnReadyRead();
     void OnPollTick();
@@ -42,6 +50,12 @@ private:
     void Flush();
     // Write queued chunks until one has to wait for its pause.
     void Pump();
+    void Write(const char* data, size_t size);
+    // Close a client that lets too much pile up; true when it did.
+    bool CutOffIfNotReading();
+    // A line outside the log budget: the trace (--trace asks for every
+    // frame) and the once-per-connection lines about closing it.
+    void LogAlways(const std::string& line);
 
     // SimSessionObserver
     void Log(std::string_view line) override;
@@ -53,6 +67,8 @@ private:
     SimSession m_session;
     FaultInjector m_faults;
     std::deque<Pending> m_queue;
+    size_t m_queuedBytes = 0; // unsent bytes in m_queue
+    LogBudget m_logBudget;
     QTimer m_pumpTimer;
     QTimer m_pollTimer;
     bool m_closing = false;
