@@ -1,5 +1,6 @@
 #include "files/json_document.h"
 
+#include <charconv>
 #include <initializer_list>
 #include <limits>
 
@@ -21,10 +22,6 @@ constexpr const char* kSubTypeKeys[4] = {"input", "output", "opto", "relay"};
 
 // ---- writing ----------------------------------------------------------------
 
-std::string Cut(const std::string& text, size_t width) {
-    return cp1252::ToUtf8(std::string_view(text).substr(0, width));
-}
-
 template <typename T> const T& At(const std::vector<T>& v, int i) {
     static const T kEmpty{};
     const auto pos = static_cast<size_t>(i);
@@ -35,60 +32,202 @@ int ValidCount(int16_t count) {
     return count < 0 ? 0 : count;
 }
 
-Json WriteDisplayLists(const PanelStore& store) {
-    Json lists = Json::object();
-    for (SubType s : kAllSubTypes) {
-        Json array = Json::array();
-        for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
-            const DisplayList& list = At(store.lists(s), i);
-            Json channels = Json::array();
-            for (int k = 0; k < ValidCount(list.channelCount); ++k) {
-                channels.push_back(At(list.channels, k));
+// Writes the document for people and for diff: one display list, group,
+// button or channel name per line, with its channel numbers or list entries
+// inline and written compactly ([0,13,26]; {"type":11,"index":0}), two-space
+// indentation. The text goes to the sink in pieces of about
+// 64 KiB, so a large configuration is never held as a whole.
+class DocumentWriter {
+public:
+    explicit DocumentWriter(const ByteSink& sink) : m_sink(sink) {
+        m_buffer.reserve(kChunk + 4096);
+    }
+
+    bool Write(const PanelStore& store, const JsonDocumentOptions& options) {
+        Raw("{\n  \"format\": ");
+        String(kFormatName);
+        Raw(",\n  \"version\": ");
+        Number(kFormatVersion);
+        Raw(",\n  \"display_lists\": {");
+        for (SubType s : kAllSubTypes) {
+            Raw(s == SubType::Input ? "\n    " : ",\n    ");
+            String(kSubTypeKeys[static_cast<size_t>(s)]);
+            Raw(": [");
+            for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
+                const DisplayList& list = At(store.lists(s), i);
+                Item(i, 6);
+                Raw("{\"name\": ");
+                Name(list.name, kNameWidth);
+                Raw(", \"channels\": [");
+                for (int k = 0; k < ValidCount(list.channelCount); ++k) {
+                    if (k > 0) {
+                        m_buffer += ',';
+                    }
+                    Number(At(list.channels, k));
+                }
+                Raw("]}");
             }
-            array.push_back(
-                Json{{"name", Cut(list.name, kNameWidth)}, {"channels", std::move(channels)}});
+            Close(store.listCount(s) > 0, 4, ']');
         }
-        lists[kSubTypeKeys[static_cast<size_t>(s)]] = std::move(array);
+        Raw("\n  },\n  \"user_groups\": [");
+        for (int i = 0; i < ValidCount(store.userGroupCount); ++i) {
+            const UserGroup& group = At(store.userGroups, i);
+            Item(i, 4);
+            Raw("{\"name\": ");
+            Name(At(store.userGroupNames, i), kNameWidth);
+            Raw(", \"lists\": [");
+            for (int k = 0; k < ValidCount(group.listCount); ++k) {
+                Raw(k > 0 ? ",{\"type\":" : "{\"type\":");
+                Number(At(group.listTypes, k));
+                Raw(",\"index\":");
+                Number(At(group.listIndexes, k));
+                Raw("}");
+            }
+            Raw("]}");
+        }
+        Close(store.userGroupCount > 0, 2, ']');
+        Raw(",\n  \"templates\": [");
+        for (int i = 0; i < ValidCount(store.templateCount); ++i) {
+            const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+            Item(i, 4);
+            Raw("{\"name\": ");
+            Name(At(store.templateNames, i), kNameWidth);
+            Raw(", \"number\": ");
+            Number(tmpl.number);
+            Raw(", \"buttons\": [");
+            for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
+                const PanelButton& b = At(tmpl.buttons, k);
+                Item(k, 6);
+                Raw("{\"type\": ");
+                Number(b.type);
+                Raw(", \"caption_option\": ");
+                Number(b.captionOption);
+                Raw(", \"label\": ");
+                Name(b.label, kLabelWidth);
+                Raw(", \"channel\": ");
+                Number(b.channel);
+                Raw(", \"channel2\": ");
+                Number(b.channel2);
+                Raw("}");
+            }
+            Close(tmpl.buttonCount > 0, 4, ']');
+            Raw("}");
+        }
+        Close(store.templateCount > 0, 2, ']');
+        if (options.includeAlphas) {
+            Raw(",\n  \"alphas\": {");
+            for (SubType s : kAllSubTypes) {
+                Raw(s == SubType::Input ? "\n    " : ",\n    ");
+                String(kSubTypeKeys[static_cast<size_t>(s)]);
+                Raw(": [");
+                const auto& names = store.alpha(s).channelNames;
+                for (size_t i = 0; i < names.size(); ++i) {
+                    Item(static_cast<int>(i), 6);
+                    Name(names[i], std::string::npos);
+                }
+                Close(!names.empty(), 4, ']');
+            }
+            Raw("\n  }");
+        }
+        if (options.password) {
+            Raw(",\n  \"password\": ");
+            Name(*options.password, std::string::npos);
+        }
+        Raw("\n}\n");
+        return Flush();
     }
-    return lists;
-}
 
-Json WriteUserGroups(const PanelStore& store) {
-    Json groups = Json::array();
-    for (int i = 0; i < ValidCount(store.userGroupCount); ++i) {
-        const UserGroup& group = At(store.userGroups, i);
-        Json entries = Json::array();
-        for (int k = 0; k < ValidCount(group.listCount); ++k) {
-            entries.push_back(
-                Json{{"type", At(group.listTypes, k)}, {"index", At(group.listIndexes, k)}});
-        }
-        groups.push_back(Json{{"name", Cut(At(store.userGroupNames, i), kNameWidth)},
-                              {"lists", std::move(entries)}});
-    }
-    return groups;
-}
+private:
+    static constexpr size_t kChunk = 64 * 1024;
 
-Json WriteTemplates(const PanelStore& store) {
-    Json templates = Json::array();
-    for (int i = 0; i < ValidCount(store.templateCount); ++i) {
-        const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
-        Json buttons = Json::array();
-        for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
-            const PanelButton& b = At(tmpl.buttons, k);
-            buttons.push_back(Json{{"type", b.type},
-                                   {"caption_option", b.captionOption},
-                                   {"label", Cut(b.label, kLabelWidth)},
-                                   {"channel", b.channel},
-                                   {"channel2", b.channel2}});
+    void Raw(std::string_view text) {
+        m_buffer += text;
+        if (m_buffer.size() >= kChunk) {
+            Flush();
         }
-        templates.push_back(Json{{"name", Cut(At(store.templateNames, i), kNameWidth)},
-                                 {"number", tmpl.number},
-                                 {"buttons", std::move(buttons)}});
     }
-    return templates;
-}
+
+    bool Flush() {
+        if (m_ok && !m_buffer.empty()) {
+            m_ok = m_sink(m_buffer);
+        }
+        m_buffer.clear();
+        return m_ok;
+    }
+
+    // The start of array element `index` on a line of its own.
+    void Item(int index, int indent) {
+        Raw(index > 0 ? ",\n" : "\n");
+        m_buffer.append(static_cast<size_t>(indent), ' ');
+    }
+
+    // The end of an array or object: on its own line after elements, right
+    // after the opening bracket when there were none.
+    void Close(bool hadElements, int indent, char bracket) {
+        if (hadElements) {
+            m_buffer += '\n';
+            m_buffer.append(static_cast<size_t>(indent), ' ');
+        }
+        m_buffer += bracket;
+    }
+
+    void Number(int value) {
+        char digits[16];
+        const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+        m_buffer.append(digits, end);
+    }
+
+    // Bytes of the store as a JSON string: cut to `width`, then Windows-1252
+    // to UTF-8.
+    void Name(const std::string& bytes, size_t width) {
+        String(cp1252::ToUtf8(std::string_view(bytes).substr(0, width)));
+    }
+
+    void String(std::string_view utf8) {
+        static constexpr char kHex[] = "0123456789abcdef";
+        m_buffer += '"';
+        for (const char c : utf8) {
+            const auto byte = static_cast<unsigned char>(c);
+            switch (c) {
+            case '"':
+                m_buffer += "\\\"";
+                break;
+            case '\\':
+                m_buffer += "\\\\";
+                break;
+            case '\n':
+                m_buffer += "\\n";
+                break;
+            case '\r':
+                m_buffer += "\\r";
+                break;
+            case '\t':
+                m_buffer += "\\t";
+                break;
+            default:
+                if (byte < 0x20) {
+                    m_buffer += "\\u00";
+                    m_buffer += kHex[byte >> 4];
+                    m_buffer += kHex[byte & 0xF];
+                } else {
+                    m_buffer += c;
+                }
+            }
+        }
+        m_buffer += '"';
+        if (m_buffer.size() >= kChunk) {
+            Flush();
+        }
+    }
+
+    const ByteSink& m_sink;
+    std::string m_buffer;
+    bool m_ok = true;
+};
 
 // ---- reading ----------------------------------------------------------------
+
+struct NestedTooDeep {};
 
 // Thrown inside the reader only; turned into a Status at its boundary.
 struct ReadError {
@@ -190,7 +329,7 @@ const Json& Array(const Json& value, const std::string& path) {
     return value;
 }
 
-void ReadDisplayLists(const Json& doc, PanelStore& store) {
+void ReadDisplayLists(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
     const std::string path = "display_lists";
     const Json empty = Json::object();
     const Json& section = doc.contains(path) ? doc[path] : empty;
@@ -200,6 +339,7 @@ void ReadDisplayLists(const Json& doc, PanelStore& store) {
         const std::string listsPath = Member(path, key);
         auto& lists = store.lists(s);
         if (!section.contains(key)) {
+            missing.push_back(listsPath);
             store.listCount(s) = 0;
             lists.assign(1, DisplayList{});
             continue;
@@ -224,8 +364,11 @@ void ReadDisplayLists(const Json& doc, PanelStore& store) {
     }
 }
 
-void ReadUserGroups(const Json& doc, PanelStore& store) {
+void ReadUserGroups(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
     const std::string path = "user_groups";
+    if (!doc.contains(path)) {
+        missing.push_back(path);
+    }
     const Json empty = Json::array();
     const Json& array = Array(doc.contains(path) ? doc[path] : empty, path);
     const auto count = static_cast<int16_t>(array.size());
@@ -257,8 +400,11 @@ void ReadUserGroups(const Json& doc, PanelStore& store) {
     }
 }
 
-void ReadTemplates(const Json& doc, PanelStore& store) {
+void ReadTemplates(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
     const std::string path = "templates";
+    if (!doc.contains(path)) {
+        missing.push_back(path);
+    }
     const Json empty = Json::array();
     const Json& array = Array(doc.contains(path) ? doc[path] : empty, path);
     const auto count = static_cast<int16_t>(array.size());
@@ -323,35 +469,109 @@ void ReadAlphas(const Json& section, PanelStore& store) {
 
 } // namespace
 
+Status CheckJsonDocumentSize(uintmax_t bytes) {
+    if (bytes <= kMaxJsonDocumentBytes) {
+        return Status::Ok();
+    }
+    return Status::Fail(ErrorCode::Overflow, "larger than " +
+                                                 std::to_string(kMaxJsonDocumentBytes >> 20) +
+                                                 " MiB, more than a JSON document is read");
+}
+
+Status JsonReadResult::RequireAllSections() const {
+    if (missingSections.empty()) {
+        return Status::Ok();
+    }
+    std::string names;
+    for (const std::string& name : missingSections) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    return Status::Fail(ErrorCode::InvalidFileFormat,
+                        "missing " + names +
+                            " (every section is sent; write [] to send an empty one)");
+}
+
+bool WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions& options,
+                       const ByteSink& sink) {
+    return DocumentWriter(sink).Write(store, options);
+}
+
 std::string WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions& options) {
-    Json doc;
-    doc["format"] = kFormatName;
-    doc["version"] = kFormatVersion;
-    doc["display_lists"] = WriteDisplayLists(store);
-    doc["user_groups"] = WriteUserGroups(store);
-    doc["templates"] = WriteTemplates(store);
-    if (options.includeAlphas) {
-        Json alphas = Json::object();
-        for (SubType s : kAllSubTypes) {
-            Json names = Json::array();
-            for (const std::string& name : store.alpha(s).channelNames) {
-                names.push_back(cp1252::ToUtf8(name));
+    std::string text;
+    WriteJsonDocument(store, options, [&text](std::string_view piece) {
+        text += piece;
+        return true;
+    });
+    return text;
+}
+
+Status CheckJsonDocumentValues(const PanelStore& store) {
+    const auto outside = [](int16_t channel) { return channel < 0 || channel > kNoChannel; };
+    const auto fail = [](const std::string& path) {
+        return Status::Fail(ErrorCode::Overflow,
+                            path + ": out of range 0.." + std::to_string(kNoChannel));
+    };
+    for (SubType s : kAllSubTypes) {
+        for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
+            const DisplayList& list = At(store.lists(s), i);
+            for (int k = 0; k < ValidCount(list.channelCount); ++k) {
+                if (outside(At(list.channels, k))) {
+                    return fail(std::string("display_lists.") +
+                                kSubTypeKeys[static_cast<size_t>(s)] +
+                                Element("", static_cast<size_t>(i)) + ".channels" +
+                                Element("", static_cast<size_t>(k)));
+                }
             }
-            alphas[kSubTypeKeys[static_cast<size_t>(s)]] = std::move(names);
         }
-        doc["alphas"] = std::move(alphas);
     }
-    if (options.password) {
-        doc["password"] = cp1252::ToUtf8(*options.password);
+    for (int i = 0; i < ValidCount(store.templateCount); ++i) {
+        const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+        for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
+            const PanelButton& b = At(tmpl.buttons, k);
+            const std::string at = "templates" + Element("", static_cast<size_t>(i)) + ".buttons" +
+                                   Element("", static_cast<size_t>(k));
+            if (outside(b.channel)) {
+                return fail(at + ".channel");
+            }
+            if (outside(b.channel2)) {
+                return fail(at + ".channel2");
+            }
+        }
     }
-    return doc.dump(2) + "\n";
+    for (SubType s : kAllSubTypes) {
+        if (store.alpha(s).channelNames.size() > static_cast<size_t>(kNoChannel)) {
+            return Status::Fail(ErrorCode::Overflow,
+                                std::string("alphas.") + kSubTypeKeys[static_cast<size_t>(s)] +
+                                    ": more than " + std::to_string(kNoChannel) + " channels");
+        }
+    }
+    return Status::Ok();
 }
 
 JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
     JsonReadResult result;
+    result.status = CheckJsonDocumentSize(text.size());
+    if (!result.status) {
+        return result;
+    }
     Json doc;
     try {
-        doc = Json::parse(text.begin(), text.end());
+        // The document nests five levels at most; a deeper one is refused
+        // while it is being read, before it can take memory.
+        const Json::parser_callback_t limitDepth = [](int depth, Json::parse_event_t event, Json&) {
+            if ((event == Json::parse_event_t::object_start ||
+                 event == Json::parse_event_t::array_start) &&
+                depth >= kMaxJsonDepth) {
+                throw NestedTooDeep{};
+            }
+            return true;
+        };
+        doc = Json::parse(text.begin(), text.end(), limitDepth);
+    } catch (const NestedTooDeep&) {
+        result.status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                     "invalid JSON: nested deeper than " +
+                                         std::to_string(kMaxJsonDepth) + " levels");
+        return result;
     } catch (const Json::exception& e) {
         // A syntax error or a number too large to hold (out_of_range.406).
         // what() is "[json.exception.parse_error.101] parse error at line 1, ...".
@@ -382,9 +602,9 @@ JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
             Fail(ErrorCode::InvalidFileFormat, "version",
                  "unsupported version (expected " + std::to_string(kFormatVersion) + ")");
         }
-        ReadDisplayLists(doc, next);
-        ReadUserGroups(doc, next);
-        ReadTemplates(doc, next);
+        ReadDisplayLists(doc, next, result.missingSections);
+        ReadUserGroups(doc, next, result.missingSections);
+        ReadTemplates(doc, next, result.missingSections);
         if (doc.contains("alphas")) {
             ReadAlphas(doc["alphas"], next);
             result.hasAlphas = true;
@@ -396,6 +616,7 @@ JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
         result.status = Status::Fail(e.code, e.path + ": " + e.message);
         result.hasAlphas = false;
         result.password.reset();
+        result.missingSections.clear();
         return result;
     }
     store = std::move(next);

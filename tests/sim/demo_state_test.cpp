@@ -7,6 +7,7 @@
 
 #include "tests/sim/sim_loop.h"
 #include "tests/sim/store_dump.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/temp_folder.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/state_file.h"
@@ -113,17 +114,21 @@ TEST(StateFile, ABadFileIsRefusedWithAReasonAndLeavesTheStateAlone) {
     EXPECT_EQ(DumpStore(state.store()), before);
 }
 
-TEST(StateFile, AFailedWriteKeepsTheOldFile) {
+TEST(StateFile, IsTheOwnersAloneAndAFailedWriteKeepsTheOldFile) {
     TempFolder dir;
     const std::string path = dir.file("state.json");
     SimState state(MakeDemo("demo").store, "one");
     ASSERT_EQ(SaveStateFile(path, state), "");
-    // The temporary file cannot be created where a directory stands.
-    std::filesystem::create_directory(path + ".tmp");
+    EXPECT_EQ(std::filesystem::status(path).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     state.ReplacePassword("two");
-    EXPECT_NE(SaveStateFile(path, state), "");
+    {
+        const lumeth::test::FileSizeLimit limit(100);
+        EXPECT_EQ(SaveStateFile(path, state), "cannot write " + path + ": File too large");
+    }
     SimState loaded;
     ASSERT_TRUE(LoadStateFile(path, loaded));
     EXPECT_EQ(loaded.password(), "one");
+    EXPECT_EQ(dir.EntryCount(), 1u);
     EXPECT_NE(SaveStateFile(dir.file("no/such/dir/state.json"), state), "");
 }
