@@ -32,18 +32,33 @@ PanelStore SmallStore() {
     return s;
 }
 
-// The document SmallStore() must give, written out by hand.
+// The document SmallStore() must give, written out by hand: one entry per
+// line, numbers and group entries inline, a final newline.
 const char* const kSmallDocument = R"({
-  "format": "lumeth-panel-data", "version": 1,
+  "format": "lumeth-panel-data",
+  "version": 1,
   "display_lists": {
-    "input": [ {"name": "Mics            ", "channels": [0, 4]} ],
+    "input": [
+      {"name": "Mics            ", "channels": [0,4]}
+    ],
     "output": [],
-    "opto": [ {"name": "First Opto List", "channels": []} ],
-    "relay": [ {"name": "Lights", "channels": [16383]} ] },
-  "user_groups": [ {"name": "Studio A", "lists": [ {"type": 11, "index": 0}, {"type": 41, "index": 0} ]} ],
-  "templates": [ {"name": "Desk", "number": 3, "buttons": [
-      {"type": 1010, "caption_option": 1, "label": "ON AIR", "channel": 2, "channel2": 7} ]} ]
-})";
+    "opto": [
+      {"name": "First Opto List", "channels": []}
+    ],
+    "relay": [
+      {"name": "Lights", "channels": [16383]}
+    ]
+  },
+  "user_groups": [
+    {"name": "Studio A", "lists": [{"type":11,"index":0},{"type":41,"index":0}]}
+  ],
+  "templates": [
+    {"name": "Desk", "number": 3, "buttons": [
+      {"type": 1010, "caption_option": 1, "label": "ON AIR", "channel": 2, "channel2": 7}
+    ]}
+  ]
+}
+)";
 
 // A document with the format and version lines and `rest` after them.
 std::string Doc(const std::string& rest) {
@@ -51,16 +66,8 @@ std::string Doc(const std::string& rest) {
            "}";
 }
 
-TEST(JsonDocument, WritesTheSchemaInKeyOrder) {
-    const std::string text = WriteJsonDocument(SmallStore());
-    EXPECT_EQ(json::parse(text), json::parse(kSmallDocument));
-    // Pretty-printed, two-space indent, keys in schema order, newline at end.
-    EXPECT_EQ(text.rfind("{\n  \"format\": \"lumeth-panel-data\",\n  \"version\": 1,\n", 0), 0u);
-    EXPECT_LT(text.find("\"display_lists\""), text.find("\"user_groups\""));
-    EXPECT_LT(text.find("\"user_groups\""), text.find("\"templates\""));
-    EXPECT_EQ(text.back(), '\n');
-    EXPECT_EQ(text.find("alphas"), std::string::npos);
-    EXPECT_EQ(text.find("password"), std::string::npos);
+TEST(JsonDocument, WritesOneEntryPerLine) {
+    EXPECT_EQ(WriteJsonDocument(SmallStore()), kSmallDocument);
 }
 
 TEST(JsonDocument, AlphasAndPasswordAreOptionalParts) {
@@ -69,7 +76,14 @@ TEST(JsonDocument, AlphasAndPasswordAreOptionalParts) {
     JsonDocumentOptions options;
     options.includeAlphas = true;
     options.password = "studio";
-    const json doc = json::parse(WriteJsonDocument(s, options));
+    const std::string text = WriteJsonDocument(s, options);
+    EXPECT_NE(
+        text.find("  ],\n  \"alphas\": {\n    \"input\": [\n      \"MIC 2\",\n      \"MIC 1\"\n"
+                  "    ],\n    \"output\": [],"),
+        std::string::npos)
+        << text;
+    EXPECT_TRUE(text.ends_with("\n    \"relay\": []\n  },\n  \"password\": \"studio\"\n}\n")) << text;
+    const json doc = json::parse(text);
     EXPECT_EQ(doc["alphas"]["input"], json::array({"MIC 2", "MIC 1"}));
     EXPECT_EQ(doc["alphas"]["relay"], json::array());
     EXPECT_EQ(doc["password"], "studio");
@@ -86,13 +100,25 @@ TEST(JsonDocument, AlphasAndPasswordAreOptionalParts) {
     EXPECT_EQ(in.numbers, (std::vector<int16_t>{1, 0}));
 }
 
+// Missing sections read as empty; sending such a document is refused by
+// name, an empty array is not missing.
 TEST(JsonDocument, MissingSectionsMeanEmptyAndPairsArePositions) {
     PanelStore s;
-    ASSERT_TRUE(ReadJsonDocument(Doc(R"("user_groups": [{"name": "A", "lists": []},
+    const JsonReadResult r = ReadJsonDocument(Doc(R"("display_lists": {"input": [], "relay": []},
+        "user_groups": [{"name": "A", "lists": []},
         {"name": "B", "lists": []}], "templates": [{"name": "T", "number": 0, "buttons": []},
         {"name": "U", "number": 0, "buttons": []}])"),
-                                 s)
-                    .status.ok());
+                                              s);
+    ASSERT_TRUE(r.status.ok());
+    EXPECT_EQ(r.RequireAllSections().failure().detail,
+              "missing display_lists.output, display_lists.opto (every section is sent; write [] "
+              "to send an empty one)");
+    PanelStore other;
+    EXPECT_EQ(ReadJsonDocument(Doc(""), other).RequireAllSections().failure().detail,
+              "missing display_lists.input, display_lists.output, display_lists.opto, "
+              "display_lists.relay, user_groups, templates (every section is sent; write [] to "
+              "send an empty one)");
+    EXPECT_TRUE(ReadJsonDocument(kSmallDocument, other).RequireAllSections().ok());
     for (SubType t : kAllSubTypes) {
         EXPECT_EQ(s.listCount(t), 0);
         EXPECT_EQ(s.lists(t).size(), 1u);
@@ -169,6 +195,7 @@ TEST(JsonDocument, StrictReadingNamesThePath) {
         {Doc(R"("alphas": {"input": ["A", 3]})"),
          "alphas.input[1]: expected a string, found an integer"},
         {Doc(R"("password": 1234)"), "password: expected a string, found an integer"},
+        {Doc(list + "[[[[[1]]]]]}]}"), "invalid JSON: nested deeper than 8 levels"},
     };
     for (const auto& [text, message] : cases) {
         SCOPED_TRACE(text);
@@ -197,12 +224,12 @@ TEST(JsonDocument, SyntaxErrorsSayWhere) {
 }
 
 // A version-3 panel data file survives the trip through the JSON document
-// byte for byte, including blank-padded names, bytes above 0x7F, negative
-// codes and "no channel".
+// byte for byte, including blank-padded names, quotes, backslashes, control
+// bytes, bytes above 0x7F, negative codes and "no channel".
 TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
     PanelStore s;
     s.ResetToDefaults();
-    s.lists(SubType::Opto)[0] = DisplayList{3, "Tally \x81\x9D\xFF      ", {0, 16383, 9}};
+    s.lists(SubType::Opto)[0] = DisplayList{3, "T\"\\\x01\n \x81\x9D\xFF      ", {0, 16383, 9}};
     s.userGroups[0] = UserGroup{1, {-1}, {99}};
     s.buttonTemplates[0].number = -7;
     s.buttonTemplates[0].buttonCount = 2;
@@ -217,10 +244,23 @@ TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
     const JsonReadResult r = ReadJsonDocument(WriteJsonDocument(loaded), viaJson);
     ASSERT_TRUE(r.status.ok()) << r.status.failure().detail;
     EXPECT_EQ(EncodePanelData(viaJson), file);
+    EXPECT_TRUE(CheckJsonDocumentValues(loaded).ok());
     EXPECT_FALSE(r.hasAlphas);
     EXPECT_FALSE(r.password.has_value());
     // Without an alphas section the tables stay as they were.
     EXPECT_EQ(viaJson.alpha(SubType::Opto).channelNames, std::vector<std::string>{"kept"});
+}
+
+// A panel data file can hold channel numbers the document refuses; the check
+// names the first before anything is written.
+TEST(JsonDocument, ValuesTheDocumentCannotHoldAreNamed) {
+    PanelStore s = SmallStore();
+    s.buttonTemplates[0].buttons[0].channel2 = -1;
+    EXPECT_EQ(CheckJsonDocumentValues(s).failure().detail,
+              "templates[0].buttons[0].channel2: out of range 0..16383");
+    s.lists(SubType::Relay)[0].channels[0] = 16384;
+    EXPECT_EQ(CheckJsonDocumentValues(s).failure().detail,
+              "display_lists.relay[0].channels[0]: out of range 0..16383");
 }
 
 } // namespace
