@@ -1,6 +1,9 @@
 #include "files/json_document.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdint>
 #include <initializer_list>
 #include <limits>
 
@@ -227,245 +230,567 @@ private:
 
 // ---- reading ----------------------------------------------------------------
 
-struct NestedTooDeep {};
-
-// Thrown inside the reader only; turned into a Status at its boundary.
-struct ReadError {
-    ErrorCode code;
-    std::string path;
-    std::string message;
-};
-
-[[noreturn]] void Fail(ErrorCode code, const std::string& path, std::string message) {
-    throw ReadError{code, path, std::move(message)};
-}
-
-std::string Member(const std::string& path, const char* key) {
-    return path.empty() ? std::string(key) : path + "." + key;
-}
-
 std::string Element(const std::string& path, size_t index) {
     return path + "[" + std::to_string(index) + "]";
 }
 
-const char* TypeName(const Json& value) {
-    if (value.is_number_integer()) {
+// Where a value sits in the document decides what it must be.
+enum class Slot {
+    Document,
+    Format,
+    Version,
+    Password,
+    ListSections, // "display_lists": {"input": [...], ...}
+    Lists,        // one sub type's display lists
+    List,
+    ListName,
+    Channels,
+    Channel,
+    Groups,
+    Group,
+    GroupName,
+    Entries,
+    Entry,
+    EntryType,
+    EntryIndex,
+    Templates,
+    Template,
+    TemplateName,
+    TemplateNumber,
+    Buttons,
+    Button,
+    ButtonType,
+    CaptionOption,
+    Label,
+    ButtonChannel,
+    ButtonChannel2,
+    AlphaSections,
+    Alphas,
+    AlphaName,
+};
+
+struct Key {
+    const char* name;
+    Slot slot;
+    int subType; // for the four sub type keys
+};
+
+// The keys an object may hold; the first `required` of them must be present.
+struct ObjectRule {
+    std::initializer_list<Key> keys;
+    size_t required;
+};
+
+const ObjectRule* RuleFor(Slot slot) {
+    static const ObjectRule kDocument{{{"format", Slot::Format, 0},
+                                       {"version", Slot::Version, 0},
+                                       {"display_lists", Slot::ListSections, 0},
+                                       {"user_groups", Slot::Groups, 0},
+                                       {"templates", Slot::Templates, 0},
+                                       {"alphas", Slot::AlphaSections, 0},
+                                       {"password", Slot::Password, 0}},
+                                      2};
+    static const ObjectRule kListSections{{{"input", Slot::Lists, 0},
+                                           {"output", Slot::Lists, 1},
+                                           {"opto", Slot::Lists, 2},
+                                           {"relay", Slot::Lists, 3}},
+                                          0};
+    static const ObjectRule kList{{{"name", Slot::ListName, 0}, {"channels", Slot::Channels, 0}},
+                                  2};
+    static const ObjectRule kGroup{{{"name", Slot::GroupName, 0}, {"lists", Slot::Entries, 0}}, 2};
+    static const ObjectRule kEntry{{{"type", Slot::EntryType, 0}, {"index", Slot::EntryIndex, 0}},
+                                   2};
+    static const ObjectRule kTemplate{{{"name", Slot::TemplateName, 0},
+                                       {"number", Slot::TemplateNumber, 0},
+                                       {"buttons", Slot::Buttons, 0}},
+                                      3};
+    static const ObjectRule kButton{{{"type", Slot::ButtonType, 0},
+                                     {"caption_option", Slot::CaptionOption, 0},
+                                     {"label", Slot::Label, 0},
+                                     {"channel", Slot::ButtonChannel, 0},
+                                     {"channel2", Slot::ButtonChannel2, 0}},
+                                    5};
+    static const ObjectRule kAlphaSections{{{"input", Slot::Alphas, 0},
+                                            {"output", Slot::Alphas, 1},
+                                            {"opto", Slot::Alphas, 2},
+                                            {"relay", Slot::Alphas, 3}},
+                                           0};
+    switch (slot) {
+    case Slot::Document:
+        return &kDocument;
+    case Slot::ListSections:
+        return &kListSections;
+    case Slot::List:
+        return &kList;
+    case Slot::Group:
+        return &kGroup;
+    case Slot::Entry:
+        return &kEntry;
+    case Slot::Template:
+        return &kTemplate;
+    case Slot::Button:
+        return &kButton;
+    case Slot::AlphaSections:
+        return &kAlphaSections;
+    default:
+        return nullptr;
+    }
+}
+
+// The slot of an array's elements, for the slots that are arrays.
+std::optional<Slot> ElementSlot(Slot slot) {
+    switch (slot) {
+    case Slot::Lists:
+        return Slot::List;
+    case Slot::Channels:
+        return Slot::Channel;
+    case Slot::Groups:
+        return Slot::Group;
+    case Slot::Entries:
+        return Slot::Entry;
+    case Slot::Templates:
+        return Slot::Template;
+    case Slot::Buttons:
+        return Slot::Button;
+    case Slot::Alphas:
+        return Slot::AlphaName;
+    default:
+        return std::nullopt;
+    }
+}
+
+// What a slot holds, for "expected ..." messages.
+const char* Expected(Slot slot) {
+    if (RuleFor(slot) != nullptr) {
+        return "an object";
+    }
+    if (ElementSlot(slot)) {
+        return "an array";
+    }
+    switch (slot) {
+    case Slot::ListName:
+    case Slot::GroupName:
+    case Slot::TemplateName:
+    case Slot::Label:
+    case Slot::AlphaName:
+    case Slot::Password:
+        return "a string";
+    default:
         return "an integer";
     }
-    if (value.is_number_float()) {
-        return "a fractional number";
-    }
-    return value.type_name();
 }
 
-void ExpectType(const Json& value, bool ok, const std::string& path, const char* expected) {
-    if (!ok) {
-        Fail(ErrorCode::TypeMismatch, path,
-             std::string("expected ") + expected + ", found " + TypeName(value));
+// Reads the document straight into store parts while the parser goes
+// through the text (no tree of the whole document is built). Every value is
+// checked against its slot as it arrives, so a value of the wrong kind stops
+// the reading at once: nesting never goes deeper than the schema's five
+// levels, and nothing is kept of a document that is refused.
+class DocumentReader : public nlohmann::json_sax<Json> {
+public:
+    bool null() override { return Scalar("null"); }
+    bool boolean(bool) override { return Scalar("boolean"); }
+    bool number_integer(number_integer_t value) override { return Integer(value); }
+    bool number_unsigned(number_unsigned_t value) override {
+        return Integer(static_cast<int64_t>(std::min<uint64_t>(value, INT64_MAX)));
     }
-}
+    bool number_float(number_float_t, const string_t&) override {
+        return Scalar("a fractional number");
+    }
+    bool binary(binary_t&) override { return Scalar("binary"); }
 
-// An object whose keys must all be among `allowed`; `required` ones must be
-// present.
-void CheckKeys(const Json& object, const std::string& path,
-               std::initializer_list<const char*> allowed,
-               std::initializer_list<const char*> required) {
-    ExpectType(object, object.is_object(), path.empty() ? std::string("(document)") : path,
-               "an object");
-    for (const auto& item : object.items()) {
-        bool known = false;
-        for (const char* key : allowed) {
-            known = known || item.key() == key;
+    bool string(string_t& value) override {
+        const Slot slot = Begin();
+        if (m_failed) {
+            return false;
         }
-        if (!known) {
-            Fail(ErrorCode::InvalidFileFormat, Member(path, item.key().c_str()), "unknown key");
+        switch (slot) {
+        case Slot::Format:
+            return value == kFormatName || Mismatch(slot, "string");
+        case Slot::ListName:
+            return Text(value, kNameWidth, m_lists[m_subType].back().name);
+        case Slot::GroupName:
+            return Text(value, kNameWidth, m_groupNames.back());
+        case Slot::TemplateName:
+            return Text(value, kNameWidth, m_templateNames.back());
+        case Slot::Label:
+            return Text(value, kLabelWidth, m_templates.back().buttons.back().label);
+        case Slot::AlphaName:
+            m_alphas[m_subType].push_back(cp1252::FromUtf8(value));
+            return true;
+        case Slot::Password:
+            m_password = cp1252::FromUtf8(value);
+            return true;
+        default:
+            return Mismatch(slot, "string");
         }
     }
-    for (const char* key : required) {
-        if (!object.contains(key)) {
-            Fail(ErrorCode::InvalidFileFormat, Member(path, key), "missing");
+
+    bool start_object(std::size_t) override {
+        const Slot slot = Begin();
+        if (m_failed) {
+            return false;
         }
-    }
-}
-
-int16_t Integer(const Json& value, const std::string& path, int min, int max) {
-    ExpectType(value, value.is_number_integer(), path, "an integer");
-    // Unsigned values above the int64 range compare correctly as unsigned.
-    if (value.is_number_unsigned() ? value.get<uint64_t>() > static_cast<uint64_t>(max)
-                                   : value.get<int64_t>() < min || value.get<int64_t>() > max) {
-        Fail(ErrorCode::Overflow, path,
-             "out of range " + std::to_string(min) + ".." + std::to_string(max));
-    }
-    return static_cast<int16_t>(value.get<int64_t>());
-}
-
-int16_t Code(const Json& value, const std::string& path) {
-    return Integer(value, path, std::numeric_limits<int16_t>::min(),
-                   std::numeric_limits<int16_t>::max());
-}
-
-int16_t Channel(const Json& value, const std::string& path) {
-    return Integer(value, path, 0, kNoChannel);
-}
-
-// Characters are counted after the UTF-8 text is mapped to Windows-1252 bytes,
-// one byte per character.
-std::string Text(const Json& value, const std::string& path, size_t maxChars,
-                 const char* limitText) {
-    ExpectType(value, value.is_string(), path, "a string");
-    const auto& utf8 = value.get_ref<const std::string&>();
-    if (maxChars > 0 && cp1252::Utf8Length(utf8) > maxChars) {
-        Fail(ErrorCode::Overflow, path, limitText);
-    }
-    return cp1252::FromUtf8(utf8);
-}
-
-const Json& Array(const Json& value, const std::string& path) {
-    ExpectType(value, value.is_array(), path, "an array");
-    if (value.size() > static_cast<size_t>(std::numeric_limits<int16_t>::max())) {
-        Fail(ErrorCode::Overflow, path,
-             "more than " + std::to_string(std::numeric_limits<int16_t>::max()) + " entries");
-    }
-    return value;
-}
-
-void ReadDisplayLists(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
-    const std::string path = "display_lists";
-    const Json empty = Json::object();
-    const Json& section = doc.contains(path) ? doc[path] : empty;
-    CheckKeys(section, path, {"input", "output", "opto", "relay"}, {});
-    for (SubType s : kAllSubTypes) {
-        const char* key = kSubTypeKeys[static_cast<size_t>(s)];
-        const std::string listsPath = Member(path, key);
-        auto& lists = store.lists(s);
-        if (!section.contains(key)) {
-            missing.push_back(listsPath);
-            store.listCount(s) = 0;
-            lists.assign(1, DisplayList{});
-            continue;
+        if (RuleFor(slot) == nullptr) {
+            return Mismatch(slot, "object");
         }
-        const Json& array = Array(section[key], listsPath);
-        store.listCount(s) = static_cast<int16_t>(array.size());
-        lists.assign(ArraySizeFor(store.listCount(s)), DisplayList{});
-        for (size_t i = 0; i < array.size(); ++i) {
-            const std::string at = Element(listsPath, i);
-            const Json& item = array[i];
-            CheckKeys(item, at, {"name", "channels"}, {"name", "channels"});
-            DisplayList& list = lists[i];
-            list.name =
-                Text(item["name"], Member(at, "name"), kNameWidth, "longer than 16 characters");
-            const Json& channels = Array(item["channels"], Member(at, "channels"));
-            list.channelCount = static_cast<int16_t>(channels.size());
-            list.channels.assign(ArraySizeFor(list.channelCount), 0);
-            for (size_t k = 0; k < channels.size(); ++k) {
-                list.channels[k] = Channel(channels[k], Element(Member(at, "channels"), k));
+        switch (slot) {
+        case Slot::ListSections:
+            // A repeated key replaces what came before, as in any JSON reader.
+            for (int s = 0; s < 4; ++s) {
+                m_lists[s].clear();
+                m_listsSeen[s] = false;
+            }
+            break;
+        case Slot::List:
+            m_lists[m_subType].emplace_back().channels.clear();
+            break;
+        case Slot::Group: {
+            m_groupNames.emplace_back();
+            UserGroup& group = m_groups.emplace_back();
+            group.listIndexes.clear();
+            group.listTypes.clear();
+            break;
+        }
+        case Slot::Entry: {
+            UserGroup& group = m_groups.back();
+            group.listTypes.push_back(0);
+            group.listIndexes.push_back(0);
+            break;
+        }
+        case Slot::Template:
+            m_templateNames.emplace_back();
+            m_templates.emplace_back().buttons.clear();
+            break;
+        case Slot::Button:
+            m_templates.back().buttons.emplace_back();
+            break;
+        case Slot::AlphaSections:
+            m_hasAlphas = true;
+            for (auto& names : m_alphas) {
+                names.clear();
+            }
+            break;
+        default:
+            break;
+        }
+        m_frames.emplace_back(slot, false);
+        return true;
+    }
+
+    bool key(string_t& name) override {
+        Frame& frame = m_frames.back();
+        const ObjectRule& rule = *RuleFor(frame.slot);
+        size_t bit = 0;
+        for (const Key& key : rule.keys) {
+            if (name == key.name) {
+                frame.key = key.name;
+                frame.child = key.slot;
+                frame.seen |= 1u << bit;
+                if (key.slot == Slot::Lists || key.slot == Slot::Alphas) {
+                    m_subType = key.subType;
+                }
+                return true;
+            }
+            ++bit;
+        }
+        frame.key = name;
+        return Fail(ErrorCode::InvalidFileFormat, "unknown key");
+    }
+
+    bool end_object() override {
+        const Frame& frame = m_frames.back();
+        const ObjectRule& rule = *RuleFor(frame.slot);
+        size_t bit = 0;
+        for (const Key& key : rule.keys) {
+            if (bit == rule.required) {
+                break;
+            }
+            if ((frame.seen & (1u << bit)) == 0) {
+                m_frames.back().key = key.name;
+                return Fail(ErrorCode::InvalidFileFormat, "missing");
+            }
+            ++bit;
+        }
+        // Counts from the array sizes; every array keeps at least one element.
+        if (frame.slot == Slot::List) {
+            DisplayList& list = m_lists[m_subType].back();
+            list.channelCount = static_cast<int16_t>(list.channels.size());
+            list.channels.resize(ArraySizeFor(list.channelCount));
+        } else if (frame.slot == Slot::Group) {
+            UserGroup& group = m_groups.back();
+            group.listCount = static_cast<int16_t>(group.listTypes.size());
+            group.listTypes.resize(ArraySizeFor(group.listCount));
+            group.listIndexes.resize(ArraySizeFor(group.listCount));
+        } else if (frame.slot == Slot::Template) {
+            ButtonTemplate& tmpl = m_templates.back();
+            tmpl.buttonCount = static_cast<int16_t>(tmpl.buttons.size());
+            tmpl.buttons.resize(ArraySizeFor(tmpl.buttonCount));
+        }
+        m_frames.pop_back();
+        return true;
+    }
+
+    bool start_array(std::size_t) override {
+        const Slot slot = Begin();
+        if (m_failed) {
+            return false;
+        }
+        if (!ElementSlot(slot)) {
+            return Mismatch(slot, "array");
+        }
+        switch (slot) {
+        case Slot::Lists:
+            m_lists[m_subType].clear();
+            m_listsSeen[m_subType] = true;
+            break;
+        case Slot::Groups:
+            m_groupsSeen = true;
+            m_groupNames.clear();
+            m_groups.clear();
+            break;
+        case Slot::Templates:
+            m_templatesSeen = true;
+            m_templateNames.clear();
+            m_templates.clear();
+            break;
+        case Slot::Alphas:
+            m_alphas[m_subType].clear();
+            break;
+        default:
+            break;
+        }
+        m_frames.emplace_back(slot, true);
+        return true;
+    }
+
+    bool end_array() override {
+        m_frames.pop_back();
+        return true;
+    }
+
+    bool parse_error(std::size_t, const std::string&,
+                     const nlohmann::detail::exception& e) override {
+        // what() is "[json.exception.parse_error.101] parse error at line 1, ...".
+        std::string message = e.what();
+        const auto bracket = message.find("] ");
+        if (bracket != std::string::npos) {
+            message.erase(0, bracket + 2);
+        }
+        m_failed = true;
+        m_status = Status::Fail(ErrorCode::InvalidFileFormat, "invalid JSON: " + message);
+        return false;
+    }
+
+    const Status& status() const { return m_status; }
+
+    // Replace the store's parts with what was read.
+    void MoveInto(PanelStore& store, JsonReadResult& result) {
+        static const char* const kListKeys[4] = {"display_lists.input", "display_lists.output",
+                                                 "display_lists.opto", "display_lists.relay"};
+        for (SubType s : kAllSubTypes) {
+            const auto i = static_cast<size_t>(s);
+            if (!m_listsSeen[i]) {
+                result.missingSections.push_back(kListKeys[i]);
+            }
+            store.listCount(s) = static_cast<int16_t>(m_lists[i].size());
+            store.lists(s) = std::move(m_lists[i]);
+            store.lists(s).resize(ArraySizeFor(store.listCount(s)));
+        }
+        if (!m_groupsSeen) {
+            result.missingSections.push_back("user_groups");
+        }
+        const auto groups = static_cast<int16_t>(m_groups.size());
+        store.userGroupCount = groups;
+        store.userGroupNames = std::move(m_groupNames);
+        store.userGroups = std::move(m_groups);
+        store.userGroupNames.resize(ArraySizeFor(groups));
+        store.userGroups.resize(ArraySizeFor(groups));
+        store.userGroupIndex.assign(ArraySizeFor(groups), 0);
+        store.userGroupNumber.assign(ArraySizeFor(groups), 0);
+        for (int16_t i = 0; i < groups; ++i) {
+            store.userGroupIndex[static_cast<size_t>(i)] = i;
+            store.userGroupNumber[static_cast<size_t>(i)] = i;
+        }
+        if (!m_templatesSeen) {
+            result.missingSections.push_back("templates");
+        }
+        const auto templates = static_cast<int16_t>(m_templates.size());
+        store.templateCount = templates;
+        store.templateNames = std::move(m_templateNames);
+        store.buttonTemplates = std::move(m_templates);
+        store.templateNames.resize(ArraySizeFor(templates));
+        store.buttonTemplates.resize(ArraySizeFor(templates));
+        // Like a download: each template's index pair is its own position.
+        store.templateIndex.assign(ArraySizeFor(templates), 0);
+        store.templatePosition.assign(ArraySizeFor(templates), 0);
+        for (int16_t i = 0; i < templates; ++i) {
+            store.templateIndex[static_cast<size_t>(i)] = i;
+            store.templatePosition[static_cast<size_t>(i)] = i;
+        }
+        if (m_hasAlphas) {
+            for (SubType s : kAllSubTypes) {
+                BuildAlphaTable(store.alpha(s), std::move(m_alphas[static_cast<size_t>(s)]));
             }
         }
+        result.hasAlphas = m_hasAlphas;
+        result.password = std::move(m_password);
     }
-}
 
-void ReadUserGroups(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
-    const std::string path = "user_groups";
-    if (!doc.contains(path)) {
-        missing.push_back(path);
-    }
-    const Json empty = Json::array();
-    const Json& array = Array(doc.contains(path) ? doc[path] : empty, path);
-    const auto count = static_cast<int16_t>(array.size());
-    store.userGroupCount = count;
-    store.userGroupNames.assign(ArraySizeFor(count), std::string());
-    store.userGroups.assign(ArraySizeFor(count), UserGroup{});
-    store.userGroupIndex.assign(ArraySizeFor(count), 0);
-    store.userGroupNumber.assign(ArraySizeFor(count), 0);
-    for (size_t i = 0; i < array.size(); ++i) {
-        const std::string at = Element(path, i);
-        const Json& item = array[i];
-        CheckKeys(item, at, {"name", "lists"}, {"name", "lists"});
-        store.userGroupNames[i] =
-            Text(item["name"], Member(at, "name"), kNameWidth, "longer than 16 characters");
-        const std::string entriesPath = Member(at, "lists");
-        const Json& entries = Array(item["lists"], entriesPath);
-        UserGroup& group = store.userGroups[i];
-        group.listCount = static_cast<int16_t>(entries.size());
-        group.listIndexes.assign(ArraySizeFor(group.listCount), 0);
-        group.listTypes.assign(ArraySizeFor(group.listCount), 0);
-        for (size_t k = 0; k < entries.size(); ++k) {
-            const std::string entryPath = Element(entriesPath, k);
-            CheckKeys(entries[k], entryPath, {"type", "index"}, {"type", "index"});
-            group.listTypes[k] = Code(entries[k]["type"], Member(entryPath, "type"));
-            group.listIndexes[k] = Code(entries[k]["index"], Member(entryPath, "index"));
+private:
+    struct Frame {
+        Frame(Slot s, bool isArray) : slot(s), array(isArray) {}
+        Slot slot;
+        bool array;
+        size_t count = 0;            // array: elements begun so far
+        std::string_view key;        // object: the current key
+        Slot child = Slot::Document; // object: the slot of the current key
+        unsigned seen = 0;           // object: bit per key of its rule
+    };
+
+    // The slot of the value that begins now. An array counts its element and
+    // closes the element off with the count it finishes (lists, groups and
+    // templates keep their counts from their array sizes).
+    Slot Begin() {
+        if (m_frames.empty()) {
+            return Slot::Document;
         }
-        store.userGroupIndex[i] = static_cast<int16_t>(i);
-        store.userGroupNumber[i] = static_cast<int16_t>(i);
-    }
-}
-
-void ReadTemplates(const Json& doc, PanelStore& store, std::vector<std::string>& missing) {
-    const std::string path = "templates";
-    if (!doc.contains(path)) {
-        missing.push_back(path);
-    }
-    const Json empty = Json::array();
-    const Json& array = Array(doc.contains(path) ? doc[path] : empty, path);
-    const auto count = static_cast<int16_t>(array.size());
-    store.templateCount = count;
-    store.templateNames.assign(ArraySizeFor(count), std::string());
-    store.buttonTemplates.assign(ArraySizeFor(count), ButtonTemplate{});
-    // Like a download: each template's index pair is its own position.
-    store.templateIndex.assign(ArraySizeFor(count), 0);
-    store.templatePosition.assign(ArraySizeFor(count), 0);
-    for (size_t i = 0; i < array.size(); ++i) {
-        const std::string at = Element(path, i);
-        const Json& item = array[i];
-        CheckKeys(item, at, {"name", "number", "buttons"}, {"name", "number", "buttons"});
-        store.templateNames[i] =
-            Text(item["name"], Member(at, "name"), kNameWidth, "longer than 16 characters");
-        ButtonTemplate& tmpl = store.buttonTemplates[i];
-        tmpl.number = Code(item["number"], Member(at, "number"));
-        const std::string buttonsPath = Member(at, "buttons");
-        const Json& buttons = Array(item["buttons"], buttonsPath);
-        tmpl.buttonCount = static_cast<int16_t>(buttons.size());
-        tmpl.buttons.assign(ArraySizeFor(tmpl.buttonCount), PanelButton{});
-        for (size_t k = 0; k < buttons.size(); ++k) {
-            const std::string bp = Element(buttonsPath, k);
-            const Json& b = buttons[k];
-            CheckKeys(b, bp, {"type", "caption_option", "label", "channel", "channel2"},
-                      {"type", "caption_option", "label", "channel", "channel2"});
-            PanelButton& button = tmpl.buttons[k];
-            button.type = Code(b["type"], Member(bp, "type"));
-            button.captionOption = Code(b["caption_option"], Member(bp, "caption_option"));
-            button.label =
-                Text(b["label"], Member(bp, "label"), kLabelWidth, "longer than 8 characters");
-            button.channel = Channel(b["channel"], Member(bp, "channel"));
-            button.channel2 = Channel(b["channel2"], Member(bp, "channel2"));
+        Frame& frame = m_frames.back();
+        if (!frame.array) {
+            return frame.child;
         }
-        store.templateIndex[i] = static_cast<int16_t>(i);
-        store.templatePosition[i] = static_cast<int16_t>(i);
+        const size_t limit = frame.slot == Slot::Alphas ? static_cast<size_t>(kNoChannel)
+                                                        : static_cast<size_t>(INT16_MAX);
+        if (frame.count == limit) {
+            m_frames.back().count = SIZE_MAX; // the path names the array itself
+            Fail(ErrorCode::Overflow, frame.slot == Slot::Alphas
+                                          ? "more than " + std::to_string(kNoChannel) + " channels"
+                                          : "more than " + std::to_string(INT16_MAX) + " entries");
+            return frame.slot;
+        }
+        ++frame.count;
+        return *ElementSlot(frame.slot);
     }
-}
 
-void ReadAlphas(const Json& section, PanelStore& store) {
-    const std::string path = "alphas";
-    CheckKeys(section, path, {"input", "output", "opto", "relay"}, {});
-    for (SubType s : kAllSubTypes) {
-        const char* key = kSubTypeKeys[static_cast<size_t>(s)];
-        std::vector<std::string> names;
-        if (section.contains(key)) {
-            const std::string namesPath = Member(path, key);
-            const Json& array = Array(section[key], namesPath);
-            // Channels are numbered 0..16382 (16383 means "no channel").
-            if (array.size() > static_cast<size_t>(kNoChannel)) {
-                Fail(ErrorCode::Overflow, namesPath,
-                     "more than " + std::to_string(kNoChannel) + " channels");
+    bool Scalar(const char* found) {
+        const Slot slot = Begin();
+        if (m_failed) {
+            return false;
+        }
+        return Mismatch(slot, found);
+    }
+
+    bool Integer(int64_t value) {
+        const Slot slot = Begin();
+        if (m_failed) {
+            return false;
+        }
+        int64_t min = INT16_MIN;
+        int64_t max = INT16_MAX;
+        int16_t* target = nullptr;
+        switch (slot) {
+        case Slot::Version:
+            return value == kFormatVersion || Mismatch(slot, "");
+        case Slot::Channel:
+            m_lists[m_subType].back().channels.push_back(0);
+            target = &m_lists[m_subType].back().channels.back();
+            min = 0;
+            max = kNoChannel;
+            break;
+        case Slot::EntryType:
+            target = &m_groups.back().listTypes.back();
+            break;
+        case Slot::EntryIndex:
+            target = &m_groups.back().listIndexes.back();
+            break;
+        case Slot::TemplateNumber:
+            target = &m_templates.back().number;
+            break;
+        case Slot::ButtonType:
+            target = &m_templates.back().buttons.back().type;
+            break;
+        case Slot::CaptionOption:
+            target = &m_templates.back().buttons.back().captionOption;
+            break;
+        case Slot::ButtonChannel:
+        case Slot::ButtonChannel2: {
+            PanelButton& button = m_templates.back().buttons.back();
+            target = slot == Slot::ButtonChannel ? &button.channel : &button.channel2;
+            min = 0;
+            max = kNoChannel;
+            break;
+        }
+        default:
+            return Mismatch(slot, "an integer");
+        }
+        if (value < min || value > max) {
+            return Fail(ErrorCode::Overflow,
+                        "out of range " + std::to_string(min) + ".." + std::to_string(max));
+        }
+        *target = static_cast<int16_t>(value);
+        return true;
+    }
+
+    // Characters are counted after the UTF-8 text is mapped to Windows-1252
+    // bytes, one byte per character.
+    bool Text(const std::string& utf8, size_t maxChars, std::string& target) {
+        if (cp1252::Utf8Length(utf8) > maxChars) {
+            return Fail(ErrorCode::Overflow,
+                        "longer than " + std::to_string(maxChars) + " characters");
+        }
+        target = cp1252::FromUtf8(utf8);
+        return true;
+    }
+
+    // A value of the wrong kind (format and version: of the wrong value).
+    bool Mismatch(Slot slot, const char* found) {
+        if (slot == Slot::Format) {
+            return Fail(ErrorCode::InvalidFileFormat,
+                        std::string("expected \"") + kFormatName + "\"");
+        }
+        if (slot == Slot::Version) {
+            return Fail(ErrorCode::InvalidFileFormat,
+                        "unsupported version (expected " + std::to_string(kFormatVersion) + ")");
+        }
+        return Fail(ErrorCode::TypeMismatch,
+                    std::string("expected ") + Expected(slot) + ", found " + found);
+    }
+
+    // Fails naming the value being read: the path down the open containers.
+    bool Fail(ErrorCode code, const std::string& message) {
+        std::string path;
+        for (const Frame& frame : m_frames) {
+            if (frame.array) {
+                if (frame.count != SIZE_MAX) {
+                    path = Element(path, frame.count - 1);
+                }
+            } else {
+                if (!path.empty()) {
+                    path += '.';
+                }
+                path.append(frame.key);
             }
-            names.reserve(array.size());
-            for (size_t i = 0; i < array.size(); ++i) {
-                names.push_back(Text(array[i], Element(namesPath, i), 0, ""));
-            }
         }
-        BuildAlphaTable(store.alpha(s), std::move(names));
+        m_failed = true;
+        m_status = Status::Fail(code, (path.empty() ? "(document)" : path) + ": " + message);
+        return false;
     }
-}
+
+    std::vector<Frame> m_frames;
+    bool m_failed = false;
+    Status m_status;
+    size_t m_subType = 0;
+    std::array<std::vector<DisplayList>, 4> m_lists;
+    std::array<bool, 4> m_listsSeen{};
+    bool m_groupsSeen = false;
+    std::vector<std::string> m_groupNames;
+    std::vector<UserGroup> m_groups;
+    bool m_templatesSeen = false;
+    std::vector<std::string> m_templateNames;
+    std::vector<ButtonTemplate> m_templates;
+    bool m_hasAlphas = false;
+    std::array<std::vector<std::string>, 4> m_alphas;
+    std::optional<std::string> m_password;
+};
 
 } // namespace
 
@@ -554,72 +879,14 @@ JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
     if (!result.status) {
         return result;
     }
-    Json doc;
-    try {
-        // The document nests five levels at most; a deeper one is refused
-        // while it is being read, before it can take memory.
-        const Json::parser_callback_t limitDepth = [](int depth, Json::parse_event_t event, Json&) {
-            if ((event == Json::parse_event_t::object_start ||
-                 event == Json::parse_event_t::array_start) &&
-                depth >= kMaxJsonDepth) {
-                throw NestedTooDeep{};
-            }
-            return true;
-        };
-        doc = Json::parse(text.begin(), text.end(), limitDepth);
-    } catch (const NestedTooDeep&) {
-        result.status = Status::Fail(ErrorCode::InvalidFileFormat,
-                                     "invalid JSON: nested deeper than " +
-                                         std::to_string(kMaxJsonDepth) + " levels");
-        return result;
-    } catch (const Json::exception& e) {
-        // A syntax error or a number too large to hold (out_of_range.406).
-        // what() is "[json.exception.parse_error.101] parse error at line 1, ...".
-        std::string message = e.what();
-        const auto bracket = message.find("] ");
-        if (bracket != std::string::npos) {
-            message.erase(0, bracket + 2);
-        }
-        result.status = Status::Fail(ErrorCode::InvalidFileFormat, "invalid JSON: " + message);
+    // A bad document leaves the store as it was: the parts are only moved in
+    // once the whole text has been read.
+    DocumentReader reader;
+    if (!Json::sax_parse(text.begin(), text.end(), &reader)) {
+        result.status = reader.status();
         return result;
     }
-
-    // Everything is read into a copy so that a bad document leaves the store
-    // as it was.
-    PanelStore next = store;
-    try {
-        CheckKeys(doc, "",
-                  {"format", "version", "display_lists", "user_groups", "templates", "alphas",
-                   "password"},
-                  {"format", "version"});
-        if (!doc["format"].is_string() ||
-            doc["format"].get_ref<const std::string&>() != kFormatName) {
-            Fail(ErrorCode::InvalidFileFormat, "format",
-                 std::string("expected \"") + kFormatName + "\"");
-        }
-        if (!doc["version"].is_number_integer() ||
-            doc["version"].get<int64_t>() != kFormatVersion) {
-            Fail(ErrorCode::InvalidFileFormat, "version",
-                 "unsupported version (expected " + std::to_string(kFormatVersion) + ")");
-        }
-        ReadDisplayLists(doc, next, result.missingSections);
-        ReadUserGroups(doc, next, result.missingSections);
-        ReadTemplates(doc, next, result.missingSections);
-        if (doc.contains("alphas")) {
-            ReadAlphas(doc["alphas"], next);
-            result.hasAlphas = true;
-        }
-        if (doc.contains("password")) {
-            result.password = Text(doc["password"], "password", 0, "");
-        }
-    } catch (const ReadError& e) {
-        result.status = Status::Fail(e.code, e.path + ": " + e.message);
-        result.hasAlphas = false;
-        result.password.reset();
-        result.missingSections.clear();
-        return result;
-    }
-    store = std::move(next);
+    reader.MoveInto(store, result);
     return result;
 }
 

@@ -20,9 +20,6 @@ struct JsonDocumentOptions {
     std::optional<std::string> password; // bytes
 };
 
-// A document nested deeper than this is refused while it is read (the
-// schema itself nests five levels).
-inline constexpr int kMaxJsonDepth = 8;
 // A larger document is refused unread. Counts are 16-bit, so the format
 // could in principle describe configurations of many GiB, more than reading
 // (a few bytes of memory per byte of text) could hold; the limit is set by

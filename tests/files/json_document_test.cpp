@@ -82,7 +82,8 @@ TEST(JsonDocument, AlphasAndPasswordAreOptionalParts) {
                   "    ],\n    \"output\": [],"),
         std::string::npos)
         << text;
-    EXPECT_TRUE(text.ends_with("\n    \"relay\": []\n  },\n  \"password\": \"studio\"\n}\n")) << text;
+    EXPECT_TRUE(text.ends_with("\n    \"relay\": []\n  },\n  \"password\": \"studio\"\n}\n"))
+        << text;
     const json doc = json::parse(text);
     EXPECT_EQ(doc["alphas"]["input"], json::array({"MIC 2", "MIC 1"}));
     EXPECT_EQ(doc["alphas"]["relay"], json::array());
@@ -160,6 +161,10 @@ TEST(JsonDocument, StrictReadingNamesThePath) {
     const std::string list = R"("display_lists": {"input": [{"name": "a", "channels": )";
     const std::string button = R"("templates": [{"name": "t", "number": 0, "buttons": [{"type": 40,
         "caption_option": 0, "channel": 0, "channel2": 0, )";
+    std::string zeros;
+    for (int i = 0; i < 32767; ++i) {
+        zeros += "0,";
+    }
     const std::vector<std::pair<std::string, std::string>> cases{
         {R"({"format": "lumeth-panel-data"})", "version: missing"},
         {R"({"version": 1})", "format: missing"},
@@ -195,7 +200,11 @@ TEST(JsonDocument, StrictReadingNamesThePath) {
         {Doc(R"("alphas": {"input": ["A", 3]})"),
          "alphas.input[1]: expected a string, found an integer"},
         {Doc(R"("password": 1234)"), "password: expected a string, found an integer"},
-        {Doc(list + "[[[[[1]]]]]}]}"), "invalid JSON: nested deeper than 8 levels"},
+        // Hostile shapes stop at the first value the schema does not allow.
+        {Doc(list + std::string(100000, '[')),
+         "display_lists.input[0].channels[0]: expected an integer, found array"},
+        {Doc(list + "[" + zeros + "0]}]}"),
+         "display_lists.input[0].channels: more than 32767 entries"},
     };
     for (const auto& [text, message] : cases) {
         SCOPED_TRACE(text);
