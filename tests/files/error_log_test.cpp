@@ -103,14 +103,6 @@ TEST(ErrorLog, ReportErrorWritesNumberAndDescriptionUnderLocation) {
     EXPECT_EQ(text.find("detail"), std::string::npos);
 }
 
-TEST(ErrorLog, LogActivityLeavesTheFolderUnchanged) {
-    test::TempFolder dir;
-    ErrorLog log(dir.path(), FixedClock);
-    log.LogActivity("Alpha table received", "Alpha Download");
-    EXPECT_EQ(dir.EntryCount(), 0u);
-    EXPECT_EQ(log.lastWriteFailure().code, ErrorCode::None);
-}
-
 TEST(ErrorLog, FailureToWriteTheLogDoesNotRecurse) {
     test::TempFolder dir;
     // The folder does not exist: creating the log fails, and the report of
@@ -131,24 +123,6 @@ TEST(ErrorLog, FailureToWriteTheLogDoesNotRecurse) {
     std::filesystem::remove(dir.file("Errorlog.txt"));
     blocked.WriteErrorLog("after", "recovered");
     EXPECT_NE(dir.Read("Errorlog.txt").find("after"), std::string::npos);
-}
-
-TEST(ErrorLog, ReportFromInsideARecordIsDroppedNotLooped) {
-    test::TempFolder dir;
-    ErrorLog* self = nullptr;
-    int clockCalls = 0;
-    ErrorLog log(dir.path(), [&] {
-        ++clockCalls;
-        self->ReportError("Clock", "Time Error", Failure{ErrorCode::Overflow, ""});
-        return std::string(kTime);
-    });
-    self = &log;
-    log.WriteErrorLog("outer", "Outer");
-    EXPECT_EQ(clockCalls, 1);
-    EXPECT_EQ(log.droppedRecords(), 1);
-    const std::string text = dir.Read("Errorlog.txt");
-    EXPECT_NE(text.find("outer"), std::string::npos);
-    EXPECT_EQ(text.find("Overflow"), std::string::npos);
 }
 
 // The date and time follow the locale of the process, not one fixed form. A

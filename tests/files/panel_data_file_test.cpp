@@ -327,24 +327,6 @@ TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
 
 // ---- files on disk ----------------------------------------------------------
 
-TEST(PanelDataFileOnDisk, SaveReplacesAnExistingFileEntirelyOrFailsCleanly) {
-    test::TempFolder dir;
-    dir.Write(kDefaultPanelDataFileName, std::string(5000, 'x'));
-    PanelStore store;
-    ASSERT_EQ(LoadPanelData(Version3File().bytes(), store).outcome, LoadOutcome::Loaded);
-    ASSERT_TRUE(SavePanelDataFile(dir.file(kDefaultPanelDataFileName), store).ok());
-    EXPECT_EQ(dir.Read(kDefaultPanelDataFileName), Version3File().bytes());
-    EXPECT_EQ(dir.EntryCount(), 1u); // no temporary file left behind
-
-    PanelStore back;
-    EXPECT_EQ(LoadPanelDataFile(dir.file(kDefaultPanelDataFileName), back).outcome,
-              LoadOutcome::Loaded);
-    EXPECT_EQ(EncodePanelData(back), Version3File().bytes());
-
-    EXPECT_FALSE(SavePanelDataFile(dir.file("no-such-folder/panel.dat"), store).ok());
-    EXPECT_EQ(dir.EntryCount(), 1u);
-}
-
 TEST(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
     test::TempFolder dir;
     const std::string old = Version3File().bytes();

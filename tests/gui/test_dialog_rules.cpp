@@ -60,12 +60,6 @@ private slots:
         QCOMPARE(port.text(), QString("71/2"));
     }
 
-    void fileDialogFilterList() {
-        QCOMPARE(FileFilterText("dat"), QString("(*.dat)|*.dat|All Files (*.*)|*.*"));
-        QCOMPARE(FileFilterText(""), QString("All Files (*.*)|*.*"));
-        QCOMPARE(FileNameFilters("dat"), QStringList({"(*.dat)", "All Files (*.*)"}));
-    }
-
     void programFolder() {
         QTemporaryDir temp;
         QVERIFY(temp.isValid());
@@ -90,13 +84,6 @@ private slots:
         QCOMPARE(ChooseProgramFolder(std::nullopt, exe, data), data + "/");
         QVERIFY(QDir(data).exists());
         QFile::setPermissions(exe, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-
-    void homeArgument() {
-        QCOMPARE(HomeArgument({"lumeth-admin", "--home", "/a b"}), std::optional<QString>("/a b"));
-        QCOMPARE(HomeArgument({"lumeth-admin", "--home=/c"}), std::optional<QString>("/c"));
-        QVERIFY(!HomeArgument({"lumeth-admin"}).has_value());
-        QVERIFY(!HomeArgument({"lumeth-admin", "--home"}).has_value());
     }
 };
 

@@ -153,61 +153,6 @@ private slots:
     }
     void cleanup() { delete m_host; }
 
-    void itemKeysCountGroupsFromOneListsFromZeroChannelsFromOne() {
-        QCOMPARE(GroupKey(0), std::string("Gr.001"));
-        QCOMPARE(ListKey(0), std::string("Lst.000"));
-        QCOMPARE(ChannelKey(0), std::string("Ch.0001"));
-        QCOMPARE(ChannelKey(16382), std::string("Ch.16383"));
-        // Too wide for three digits: the key grows, the decoder reads the last three.
-        QCOMPARE(GroupKey(999), std::string("Gr.1000"));
-        QCOMPARE(KeyNumber("Gr.1000"), 0);
-        QCOMPARE(KeyNumber("Gr.012"), 12);
-        QCOMPARE(KeyNumber("Lst.1234"), 234);
-        QCOMPARE(TextNumber("21"), 21);
-        QCOMPARE(TextNumber(""), 0);
-    }
-
-    void userGroupsShowNameAndKey() {
-        m_store.userGroupIndex = {0, 1, 2, 999};
-        m_views->DisplayUserGroups();
-        QTreeWidget* groups = m_views->groups();
-        QCOMPARE(Column(groups, 0), QStringList({"Studio A", "Newsroom", "Tally Only", "Empty"}));
-        QCOMPARE(Column(groups, 1), QStringList({"Gr.001", "Gr.002", "Gr.003", "Gr.1000"}));
-        QCOMPARE(Keys(groups), Column(groups, 1));
-        QVERIFY(m_reports.empty());
-
-        // Redrawing replaces the items rather than adding to them.
-        m_store.userGroupCount = 1;
-        m_views->DisplayUserGroups();
-        QCOMPARE(groups->topLevelItemCount(), 1);
-    }
-
-    void groupDataListsOneSubTypeInEntryOrder() {
-        m_views->ShowDisplayListData(0); // something in lvItems to be cleared
-        QVERIFY(m_views->items()->topLevelItemCount() > 0);
-        QVERIFY(!m_views->subTypeFrame()->isEnabled());
-
-        m_store.currentListType = 11;
-        m_views->ShowGroupData(0);
-        QTreeWidget* lists = m_views->displayLists();
-        QCOMPARE(Column(lists, 0), QStringList({"Mics", "Everything"}));
-        QCOMPARE(Keys(lists), QStringList({"Lst.000", "Lst.002"}));
-        QCOMPARE(Column(lists, 2), QStringList({"11", "11"}));
-        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
-        QCOMPARE(m_views->caption(2)->text(), QString("Items"));
-        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
-        QVERIFY(m_views->subTypeFrame()->isEnabled());
-        QVERIFY(m_views->subTypeButton(11)->isChecked());
-
-        m_store.currentListType = 21;
-        m_views->ShowGroupData(0);
-        QCOMPARE(Column(lists, 0), QStringList({"Aux"}));
-        QCOMPARE(Keys(lists), QStringList({"Lst.001"}));
-        QVERIFY(m_views->subTypeButton(21)->isChecked());
-        QVERIFY(!m_views->subTypeButton(11)->isChecked());
-        QVERIFY(m_reports.empty());
-    }
-
     void subTypeChoicePrefersInputThenOutputOptoRelay() {
         const std::pair<int, int16_t> cases[] = {
             {0, 11}, // Input first although an Output list is in between
@@ -291,42 +236,6 @@ private slots:
         QCOMPARE(m_store.currentListType, int16_t(11));
         QCOMPARE(m_reports.back().location, std::string("Error Determing Sub type"));
         QCOMPARE(m_reports.back().category, std::string("Display Error"));
-    }
-
-    void doubleClicksOpenTheEditorAndRedraw() {
-        m_views->DisplayUserGroups();
-        ClickItem(m_views->groups(), 2, true);
-        QCOMPARE(m_editorShown, 1);
-        QCOMPARE(m_groupWhenEditorShown, 2);
-        // Whatever was double-clicked, the first group is shown afterwards.
-        QCOMPARE(m_store.currentUserGroup, int16_t(0));
-        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
-
-        m_store.currentListType = 11;
-        m_views->ShowGroupData(0);
-        ClickItem(m_views->displayLists(), 1, true);
-        QCOMPARE(m_editorShown, 2);
-        QCOMPARE(m_store.currentList, int16_t(2));
-        QCOMPARE(m_views->items()->topLevelItemCount(), 4);
-    }
-
-    void handlersOnEmptyViewsDoNothing() {
-        m_store.currentUserGroup = 3;
-        m_views->GroupClicked();
-        m_views->GroupDoubleClicked();
-        m_views->ListClicked();
-        m_views->ListDoubleClicked();
-        QCOMPARE(m_store.currentUserGroup, int16_t(3));
-        QCOMPARE(m_editorShown, 0);
-        m_views->SelectFirstGroup(); // no first item: nothing happens
-        QVERIFY(m_reports.empty());
-    }
-
-    void channelViewPassesFocusToTheLists() {
-        m_host->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_host));
-        m_views->items()->setFocus();
-        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(m_views->displayLists()));
     }
 };
 

@@ -56,21 +56,6 @@ TEST(AlphaSort, MatchesTheLiteralExchangeSort) {
         SCOPED_TRACE(round);
         ExpectSameOrder(RandomNames(rng, n), numbers);
     }
-    // Larger tables, already sorted either way.
-    std::vector<std::string> ascending = RandomNames(rng, 1500);
-    ExpectSameOrder(ascending, Iota(ascending.size()));
-    std::sort(ascending.begin(), ascending.end());
-    ExpectSameOrder(ascending, Iota(ascending.size()));
-    ExpectSameOrder({ascending.rbegin(), ascending.rend()}, Iota(ascending.size()));
-    // Long runs of equal names exercise the reordering inside each group.
-    const std::vector<std::string> pool = {"", "Spare", "SPARE", "b", "B"};
-    for (size_t n : {2u, 3u, 50u, 777u}) {
-        std::vector<std::string> names(n);
-        for (auto& name : names) {
-            name = pool[std::uniform_int_distribution<size_t>(0, pool.size() - 1)(rng)];
-        }
-        ExpectSameOrder(names, Iota(n));
-    }
 }
 
 TEST(AlphaSort, WorkedExampleIsNotStable) {

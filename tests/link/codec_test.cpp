@@ -30,16 +30,6 @@ TEST(Codec, IdentityRequestAndPasswordMessages) {
                  Layout(0x80).Bytes({0x05, 3}).Text("ab").Finish());
 }
 
-TEST(Codec, FixedWidthAndEndOfMessage) {
-    EXPECT_EQ(codec::FixedWidth("Mix", 16), "Mix             ");
-    EXPECT_EQ(codec::FixedWidth("Twenty characters!!!", 16), "Twenty character");
-    EXPECT_EQ(codec::FixedWidth("", 8), std::string(8, ' '));
-    EXPECT_EQ(codec::FindEndOfMessage(""), 0u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0xDF, 0x0B, 0x01})), 0u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0xFF})), 1u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0x81, 0x11, 0x01, 0x12, 0xFF, 0x80, 0xFF})), 5u);
-}
-
 PanelStore StoreWithLists() {
     PanelStore s;
     s.ResetToDefaults();
@@ -107,21 +97,6 @@ TEST(CodecUpload, ButtonTemplates) {
                             {{"Desk", 300, {{810, 1, 12, 7, "Listen t"}, {0, 0, 16383, 16383, ""}}},
                              {"A very long template name", 1, {}}})
                      .Finish());
-}
-
-TEST(CodecServer, AlphaTableWidthAndNumbers) {
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Output, {"Mic 1", "Studio B long", ""}),
-                 AlphaBody(20, 13, {"Mic 1", "Studio B long", ""}, {0, 1, 2}).Finish());
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Relay, {"Mic 1"}, 4),
-                 AlphaBody(40, 4, {"Mic "}, {0}).Finish());
-    // Counts and numbers above 127 use both septets.
-    std::vector<std::string> names(300, "x");
-    std::vector<int> numbers(300);
-    for (int i = 0; i < 300; ++i) {
-        numbers[static_cast<size_t>(i)] = i;
-    }
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Input, names),
-                 AlphaBody(10, 1, names, numbers).Finish());
 }
 
 } // namespace

@@ -176,13 +176,6 @@ TEST(Download, RejectedMessagesLeaveTheStoreAsItWas) {
     }
 }
 
-TEST(Download, PasswordIsStored) {
-    Harness h;
-    h.Feed(PasswordAnswer("abc"));
-    EXPECT_EQ(h.state.serverPassword, "abc");
-    EXPECT_TRUE(h.state.passwordReceived);
-}
-
 TEST(AlphaDownload, SortsCaseInsensitivelyKeepingChannelOrderAlongside) {
     Harness h;
     h.Feed(AlphaBody(20, 5, {"beta", "Alpha", "alpha"}, {0, 1, 2}).Finish());
@@ -421,16 +414,6 @@ TEST(DownloadSplitPoints, AnyChunkingGivesTheSameResult) {
         every.push_back(i);
     }
     EXPECT_EQ(FeedInChunks(stream, every), whole);
-    // Random pieces of 1 to 40 bytes.
-    std::mt19937 rng(1234);
-    std::uniform_int_distribution<size_t> step(1, 40);
-    for (int round = 0; round < 200 && !HasFailure(); ++round) {
-        std::vector<size_t> cuts;
-        for (size_t at = step(rng); at < stream.size(); at += step(rng)) {
-            cuts.push_back(at);
-        }
-        EXPECT_EQ(FeedInChunks(stream, cuts), whole) << "round " << round;
-    }
 }
 
 } // namespace

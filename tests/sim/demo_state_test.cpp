@@ -17,55 +17,6 @@ using namespace lumeth::sim;
 using lumeth::test::TempFolder;
 using lumeth::testing::DumpStore;
 
-// The large and max shapes feed the benchmarks; every reference in them must
-// point inside the tables, and they are generated the same way every time.
-TEST(DemoConfig, LargeAndMaxAreConsistentAndRepeatable) {
-    for (const char* name : {"large", "max"}) {
-        SCOPED_TRACE(name);
-        const DemoResult demo = MakeDemo(name);
-        ASSERT_TRUE(demo.status);
-        const int channels = std::string(name) == "max" ? 16383 : 1024;
-        EXPECT_EQ(demo.store.userGroupCount, 200);
-        EXPECT_EQ(demo.store.templateCount, 500);
-        for (SubType s : kAllSubTypes) {
-            EXPECT_EQ(demo.store.alpha(s).count, channels);
-            EXPECT_EQ(demo.store.listCount(s), 500);
-            for (int l = 0; l < demo.store.listCount(s); ++l) {
-                for (int16_t c : demo.store.lists(s)[size_t(l)].channels) {
-                    ASSERT_LT(c, channels);
-                }
-            }
-        }
-        for (int g = 0; g < demo.store.userGroupCount; ++g) {
-            const UserGroup& group = demo.store.userGroups[size_t(g)];
-            for (int k = 0; k < group.listCount; ++k) {
-                const auto type = SubTypeFromListCode(group.listTypes[size_t(k)]);
-                ASSERT_TRUE(type);
-                ASSERT_LT(group.listIndexes[size_t(k)], demo.store.listCount(*type));
-            }
-        }
-        EXPECT_EQ(DumpStore(MakeDemo(name).store), DumpStore(demo.store));
-    }
-    EXPECT_FALSE(MakeDemo("huge").status);
-    // The max tables hold blank and repeated names.
-    const DemoResult max = MakeDemo("max");
-    const auto& names = max.store.alpha(SubType::Output).channelNames;
-    const std::set<std::string> distinct(names.begin(), names.end());
-    const auto blank = size_t(std::count(names.begin(), names.end(), std::string()));
-    EXPECT_GT(blank, 1000u);
-    EXPECT_LT(distinct.size() + blank, names.size()) << "some names repeat";
-}
-
-TEST(DemoConfig, TheLargeDemoSurvivesAFetch) {
-    const DemoResult demo = MakeDemo("large");
-    SimState state(demo.store, demo.password);
-    lumeth::testing::SimLoop loop(state);
-    loop.sim.Start();
-    loop.Run();
-    EXPECT_FALSE(loop.link.AnyPending());
-    EXPECT_EQ(DumpStore(loop.clientStore), DumpStore(demo.store));
-}
-
 TEST(StateFile, SavesAndLoadsTheWholeState) {
     TempFolder dir;
     const std::string path = dir.file("state.json");

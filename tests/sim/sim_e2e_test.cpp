@@ -26,53 +26,6 @@ std::string ReadFile(const QString& path) {
 
 } // namespace
 
-TEST(SimProcessTest, CreatesAMissingStateFileFromTheDemo) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("state.json");
-    {
-        SimProcess sim;
-        ASSERT_TRUE(sim.Start({"--state", path})) << sim.Log().toStdString();
-        EXPECT_TRUE(sim.firstLine.contains(path)) << sim.firstLine.toStdString();
-        EXPECT_TRUE(sim.firstLine.contains("password: studio")) << sim.firstLine.toStdString();
-    }
-    sim::SimState loaded;
-    ASSERT_TRUE(sim::LoadStateFile(path.toStdString(), loaded));
-    EXPECT_EQ(loaded.password(), "studio");
-    EXPECT_EQ(DumpStore(loaded.store()), DumpStore(sim::MakeDemo("demo").store));
-}
-
-TEST(SimProcessTest, StartUpFailuresExitWithTheirCodeAndOneLine) {
-    QTemporaryDir dir;
-    const QString bad = dir.filePath("bad.json");
-    QFile f(bad);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("{\"format\": \"lumeth-panel-data\", \"version\": 1, \"password\": 5}");
-    f.close();
-    SimProcess first;
-    ASSERT_TRUE(first.Start({}));
-
-    struct Case {
-        QStringList args;
-        int exitCode;
-        QStringList logged;
-    };
-    const Case cases[] = {
-        {{"--state", bad}, 2, {bad, "password"}},
-        {{"--listen", QString("127.0.0.1:%1").arg(first.port)}, 3, {"already in use"}},
-    };
-    for (const Case& c : cases) {
-        SimProcess refused;
-        EXPECT_FALSE(refused.Start(c.args));
-        EXPECT_EQ(refused.WaitForExit(), c.exitCode);
-        const QString log = refused.Log().trimmed();
-        for (const QString& text : c.logged) {
-            EXPECT_TRUE(log.contains(text)) << log.toStdString();
-        }
-        EXPECT_FALSE(log.contains('\n')) << "one line: " << log.toStdString();
-    }
-    EXPECT_TRUE(first.Running());
-}
-
 TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     QTemporaryDir dir;
     const QString path = dir.filePath("state.json");
@@ -110,16 +63,4 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     EXPECT_EQ(ReadFile(path), before);
     EXPECT_TRUE(sim.WaitForLog("Incomplete Message DF")) << sim.Log().toStdString();
     EXPECT_TRUE(sim.WaitForLog("rejected")) << sim.Log().toStdString();
-}
-
-TEST(SimProcessTest, TracesFramesAndLogsUnansweredPolls) {
-    SimProcess sim;
-    ASSERT_TRUE(sim.Start({"--trace", "--poll-interval", "40"}));
-    RawClient client;
-    ASSERT_TRUE(client.Connect(sim.port));
-    ASSERT_EQ(client.Read(1).size(), 1u);
-    client.Send(codec::IdentityAnswer());
-    for (const char* text : {"> 81 64 64 FF", "< 81 11 01 12 FF", "> F5", "no poll answer"}) {
-        EXPECT_TRUE(sim.WaitForLog(text)) << text << "\n" << sim.Log().toStdString();
-    }
 }

@@ -76,12 +76,7 @@ public:
         }
         return true;
     }
-    // Run to the end (for start-up failures); returns the exit code.
-    int WaitForExit(int timeoutMs = 10000) {
-        m_process.waitForFinished(timeoutMs);
-        Log();
-        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
+    // Ends the emulator: asked first, then killed.
     void Stop() {
         if (m_process.state() != QProcess::NotRunning) {
             m_process.terminate();
