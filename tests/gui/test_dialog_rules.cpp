@@ -1,14 +1,11 @@
-// The rules the dialogs share: address normalisation, the key filters, the
-// file dialog's filter list and the choice of the program folder.
+// The rules the dialogs share: address normalisation and the choice of the
+// program folder.
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "app/program_folder.h"
-#include "ui/file_dialog.h"
-#include "ui/key_filter.h"
 #include "ui/normalise_address.h"
 
 using namespace lumeth;
@@ -37,27 +34,6 @@ private slots:
         std::string result = "previous";
         QCOMPARE(NormaliseAddress(typed.toStdString(), result), accepted);
         QCOMPARE(QString::fromStdString(result), normalised);
-    }
-
-    void keyFiltersDiscardRefusedCharacters() {
-        QLineEdit address;
-        KeyFilter::Install(&address, AcceptsAddressKey);
-        QTest::keyClicks(&address, "10.a0/.1 x");
-        QCOMPARE(address.text(), QString("10.0.1"));
-        QTest::keyClick(&address, Qt::Key_Backspace);
-        QCOMPARE(address.text(), QString("10.0."));
-
-        // The numeric boxes let the slash through on purpose.
-        QLineEdit port;
-        KeyFilter::Install(&port, AcceptsNumberKey);
-        QTest::keyClicks(&port, "1/2.x-9");
-        QCOMPARE(port.text(), QString("1/29"));
-        QTest::keyClick(&port, Qt::Key_Backspace);
-        QCOMPARE(port.text(), QString("1/2"));
-        // Navigation still works.
-        QTest::keyClick(&port, Qt::Key_Home);
-        QTest::keyClicks(&port, "7");
-        QCOMPARE(port.text(), QString("71/2"));
     }
 
     void programFolder() {

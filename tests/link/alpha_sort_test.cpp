@@ -74,15 +74,5 @@ TEST(AlphaSort, UpperCaseFollowsTheCodePage) {
     EXPECT_EQ(UpperCase("\xF7\xDF\xB5"), "\xF7\xDF\xB5");
 }
 
-TEST(AlphaSort, BuildAlphaTableInvertsTheNumbers) {
-    AlphaTable t;
-    BuildAlphaTable(t, {"c", "A", "b", "a"});
-    EXPECT_EQ(t.count, 4);
-    EXPECT_EQ(t.channelNames, (std::vector<std::string>{"c", "A", "b", "a"}));
-    EXPECT_EQ(t.names, (std::vector<std::string>{"A", "a", "b", "c"}));
-    EXPECT_EQ(t.numbers, (std::vector<int16_t>{1, 3, 2, 0}));
-    EXPECT_EQ(t.positionOf, (std::vector<int16_t>{3, 0, 2, 1}));
-}
-
 } // namespace
 } // namespace lumeth

@@ -12,24 +12,6 @@ using namespace lumeth::testing;
 
 #define EXPECT_BYTES(actual, expected) EXPECT_EQ(Hex(actual), Hex(expected))
 
-TEST(Codec, IdentityRequestAndPasswordMessages) {
-    EXPECT_BYTES(codec::IdentityQuery(), Raw({0x81, 0x64, 0x64, 0xFF}));
-    EXPECT_BYTES(codec::IdentityAnswer(), Raw({0x81, 0x11, 0x01, 0x12, 0xFF}));
-    // The request for everything, byte by byte.
-    EXPECT_BYTES(codec::DataRequest(0x03000302, 0, 0x00FC),
-                 Raw({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x7C, 0x01, 0x00, 0x00,
-                      0x00, 0x00, 0x1D, 0xFF}));
-    // Mask B is never used by the tool, but a builder that dropped or swapped
-    // it would still be wrong for the emulator.
-    EXPECT_BYTES(codec::DataRequest(0x0ABCDEF1, 0x01234567, 0x0080),
-                 Request(0x0ABCDEF1, 0x01234567, 0x0080));
-    EXPECT_BYTES(codec::PasswordMessage(""), Raw({0x80, 0x05, 0x00, 0x05, 0xFF}));
-    EXPECT_BYTES(codec::PasswordMessage("abc"), PasswordAnswer("abc"));
-    // Zero bytes are left out but counted.
-    EXPECT_BYTES(codec::PasswordMessage(std::string("a\0b", 3)),
-                 Layout(0x80).Bytes({0x05, 3}).Text("ab").Finish());
-}
-
 PanelStore StoreWithLists() {
     PanelStore s;
     s.ResetToDefaults();

@@ -1,16 +1,12 @@
 // The Qt connection against a peer on 127.0.0.1: connect and status texts,
-// moving bytes both ways through the session, the peer closing, the poll
-// timer's reconnect and login hook, and Wait.
+// moving bytes both ways through the session, and the peer closing.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
 
-#include <ctime>
 #include <memory>
 #include <string>
 
@@ -83,14 +79,6 @@ protected:
     QString m_status;
 };
 
-int Occurrences(const std::string& text, const std::string& what) {
-    int count = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-
 TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
     Peer peer;
     ASSERT_TRUE(ConnectTo(peer));
@@ -149,29 +137,6 @@ TEST_F(ConnectionTest, PeerClosingDisconnectsAndForgetsTheLogin) {
     EXPECT_TRUE(m_state.enteredPassword.empty());
     EXPECT_FALSE(m_state.passwordReceived);
     EXPECT_EQ(disconnects, 1);
-}
-
-TEST_F(ConnectionTest, PollReconnectsOnceTheServerIsUpAndLogsTheOutageOnce) {
-    // Find a free port, then leave it closed for a while.
-    quint16 port = 0;
-    {
-        QTcpServer probe;
-        ASSERT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
-        port = probe.serverPort();
-    }
-    m_state.serverAddress = "127.0.0.1";
-    m_state.serverPort = port;
-    m_state.enteredPassword = "logged in";
-    m_connection->StartPolling();
-    QTest::qWait(1300); // two or three refused attempts
-    EXPECT_FALSE(m_connection->IsConnected());
-    EXPECT_EQ(Occurrences(m_folder.Read("Errorlog.txt"), "Error Connecting to Switcher"), 1);
-
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost, port));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->IsConnected(); }, 3000));
-    EXPECT_EQ(m_status, "Server Module Connected");
-    m_connection->StopPolling();
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <random>
 #include <tuple>
 
 #include "tests/link/messages.h"
@@ -197,21 +196,6 @@ TEST(AlphaDownload, SortsCaseInsensitivelyKeepingChannelOrderAlongside) {
     EXPECT_EQ(h.store.alpha(SubType::Output).count, 0);
     EXPECT_TRUE(h.store.alpha(SubType::Output).names.empty());
     EXPECT_TRUE(h.observer.Quiet());
-}
-
-TEST(AlphaDownload, ChannelNumberOutsideTheTableStoresOnlyTheChannelOrder) {
-    Harness h;
-    h.Feed(AlphaBody(10, 1, {"x", "y"}, {0, 1}).Finish());
-    h.state.pendingA = request::kInputAlphas;
-    h.Feed(AlphaBody(10, 1, {"a", "b"}, {0, 2}).Finish());
-    ASSERT_EQ(h.observer.reports.size(), 1u);
-    EXPECT_EQ(h.observer.reports[0].location, "Error Processing Alpha Table");
-    EXPECT_EQ(h.observer.reports[0].category, "IP Error");
-    EXPECT_EQ(h.observer.reports[0].failure.code, ErrorCode::SubscriptOutOfRange);
-    const AlphaTable& t = h.store.alpha(SubType::Input);
-    EXPECT_EQ(t.channelNames, (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(t.names, (std::vector<std::string>{"x", "y"}));
-    EXPECT_EQ(h.state.pendingA, request::kInputAlphas);
 }
 
 TEST(DisplayListDownload, ReplacesTheListsOfItsSubTypeOnly) {

@@ -1,5 +1,5 @@
 // What the session sends: identity answer, data requests, the password and
-// the Apply messages; and the shared layouts read back by a session.
+// the Apply messages.
 #include <gtest/gtest.h>
 
 #include "link/codec.h"

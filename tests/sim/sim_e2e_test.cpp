@@ -1,5 +1,5 @@
-// lumeth-sim as a process on loopback: start-up, the state file, bad input
-// from a bare socket client and the trace.
+// lumeth-sim as a process on loopback: bad input from a bare socket client
+// never crashes it or changes its state.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -8,11 +8,9 @@
 #include "link/codec.h"
 #include "link/link_state.h"
 #include "link/session.h"
-#include "tests/sim/sim_loop.h"
+#include "tests/sim/client_recorder.h"
 #include "tests/sim/sim_process.h"
-#include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
-#include "tools/sim/state_file.h"
 
 using namespace lumeth;
 using namespace lumeth::testing;
