@@ -12,6 +12,8 @@
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
+#include <string>
 
 #include "files/error_log.h"
 #include "link/connection.h"
@@ -31,23 +33,35 @@ QCoreApplication& App() {
     return app;
 }
 
+// The emulator serving a demo set on a free loopback port of this process.
+struct Emulator {
+    lumeth::sim::SimState state;
+    std::unique_ptr<lumeth::sim::SimServer> server;
+
+    // Empty, or why it could not start.
+    std::string Start(const char* demoName) {
+        lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo(demoName);
+        if (!demo.status) {
+            return demo.status.failure().detail;
+        }
+        state.Reset(std::move(demo.store), demo.password);
+        lumeth::sim::SimServerOptions options;
+        options.pollIntervalMs = 0;
+        server = std::make_unique<lumeth::sim::SimServer>(state, options);
+        QString error;
+        bool inUse = false;
+        return server->Listen("127.0.0.1", 0, error, inUse) ? std::string() : error.toStdString();
+    }
+};
+
 void BM_SimFetch(benchmark::State& st, const char* demoName) {
     App();
-    lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo(demoName);
-    if (!demo.status) {
-        st.SkipWithError(demo.status.failure().detail.c_str());
+    Emulator emulator;
+    if (const std::string error = emulator.Start(demoName); !error.empty()) {
+        st.SkipWithError(error.c_str());
         return;
     }
-    lumeth::sim::SimState state(std::move(demo.store), demo.password);
-    lumeth::sim::SimServerOptions options;
-    options.pollIntervalMs = 0;
-    lumeth::sim::SimServer server(state, options);
-    QString error;
-    bool inUse = false;
-    if (!server.Listen("127.0.0.1", 0, error, inUse)) {
-        st.SkipWithError(error.toStdString().c_str());
-        return;
-    }
+    const lumeth::sim::SimServer& server = *emulator.server;
     QTemporaryDir folder;
     lumeth::ErrorLog log(folder.path().toStdString() + "/");
 
@@ -120,20 +134,14 @@ double RunCli(const QStringList& args, const QString& folder) {
 // costs (measured as `lumeth-cli --help`).
 void BM_CliFetchProcess(benchmark::State& st) {
     App();
-    lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo("large");
-    lumeth::sim::SimState state(std::move(demo.store), demo.password);
-    lumeth::sim::SimServerOptions options;
-    options.pollIntervalMs = 0;
-    lumeth::sim::SimServer server(state, options);
-    QString error;
-    bool inUse = false;
-    if (!server.Listen("127.0.0.1", 0, error, inUse)) {
-        st.SkipWithError(error.toStdString().c_str());
+    Emulator emulator;
+    if (const std::string error = emulator.Start("large"); !error.empty()) {
+        st.SkipWithError(error.c_str());
         return;
     }
     QTemporaryDir folder;
     const QStringList fetch{"fetch", "-o", "large.json", "--server",
-                            QString("127.0.0.1:%1").arg(server.port())};
+                            QString("127.0.0.1:%1").arg(emulator.server->port())};
     double startMs = 0;
     double fetchMs = 0;
     for (auto _ : st) {

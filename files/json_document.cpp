@@ -599,34 +599,24 @@ public:
         if (!m_groupsSeen) {
             result.missingSections.push_back("user_groups");
         }
-        const auto groups = static_cast<int16_t>(m_groups.size());
-        store.userGroupCount = groups;
+        store.userGroupCount = static_cast<int16_t>(m_groups.size());
         store.userGroupNames = std::move(m_groupNames);
         store.userGroups = std::move(m_groups);
-        store.userGroupNames.resize(ArraySizeFor(groups));
-        store.userGroups.resize(ArraySizeFor(groups));
-        store.userGroupIndex.assign(ArraySizeFor(groups), 0);
-        store.userGroupNumber.assign(ArraySizeFor(groups), 0);
-        for (int16_t i = 0; i < groups; ++i) {
-            store.userGroupIndex[static_cast<size_t>(i)] = i;
-            store.userGroupNumber[static_cast<size_t>(i)] = i;
-        }
+        store.userGroupIndex.clear();
+        store.userGroupNumber.clear();
+        store.ResizeUserGroups(store.userGroupCount);
+        OwnPositions(store.userGroupIndex, store.userGroupNumber, store.userGroupCount);
         if (!m_templatesSeen) {
             result.missingSections.push_back("templates");
         }
-        const auto templates = static_cast<int16_t>(m_templates.size());
-        store.templateCount = templates;
+        store.templateCount = static_cast<int16_t>(m_templates.size());
         store.templateNames = std::move(m_templateNames);
         store.buttonTemplates = std::move(m_templates);
-        store.templateNames.resize(ArraySizeFor(templates));
-        store.buttonTemplates.resize(ArraySizeFor(templates));
+        store.templateIndex.clear();
+        store.templatePosition.clear();
+        store.ResizeTemplates(store.templateCount);
         // Like a download: each template's index pair is its own position.
-        store.templateIndex.assign(ArraySizeFor(templates), 0);
-        store.templatePosition.assign(ArraySizeFor(templates), 0);
-        for (int16_t i = 0; i < templates; ++i) {
-            store.templateIndex[static_cast<size_t>(i)] = i;
-            store.templatePosition[static_cast<size_t>(i)] = i;
-        }
+        OwnPositions(store.templateIndex, store.templatePosition, store.templateCount);
         if (m_hasAlphas) {
             for (SubType s : kAllSubTypes) {
                 BuildAlphaTable(store.alpha(s), std::move(m_alphas[static_cast<size_t>(s)]));
@@ -637,6 +627,14 @@ public:
     }
 
 private:
+    // Both values of each entry's index pair are its own position.
+    static void OwnPositions(std::vector<int16_t>& a, std::vector<int16_t>& b, int16_t count) {
+        for (int16_t i = 0; i < count; ++i) {
+            a[static_cast<size_t>(i)] = i;
+            b[static_cast<size_t>(i)] = i;
+        }
+    }
+
     struct Frame {
         Frame(Slot s, bool isArray) : slot(s), array(isArray) {}
         Slot slot;

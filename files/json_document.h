@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "files/file_io.h"
-
 #include "model/failure.h"
 #include "model/panel_store.h"
 
@@ -21,11 +20,12 @@ struct JsonDocumentOptions {
 };
 
 // A larger document is refused unread. Counts are 16-bit, so the format
-// could in principle describe configurations of many GiB, more than reading
-// (a few bytes of memory per byte of text) could hold; the limit is set by
-// the largest panel data files in use instead: their documents take 3.5 bytes
-// per file byte for channel numbers ("16383, " for two bytes), so a 134 MB
-// file of display lists (about 470 MB of text) still converts both ways.
+// could describe configurations of tens of GiB of text, more than any machine
+// reads; the limit follows the largest panel data files in use instead: their
+// documents take about 2.6 bytes per file byte for display lists (a two-byte
+// channel becomes "16383,"), so a 134 MB file of display lists (350 MB of
+// text) converts both ways. Reading needs memory in proportion to the
+// configuration read, not to the text.
 inline constexpr size_t kMaxJsonDocumentBytes = size_t{512} << 20;
 // Fails for a document of `bytes` above that limit.
 Status CheckJsonDocumentSize(uintmax_t bytes);
