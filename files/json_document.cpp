@@ -442,15 +442,12 @@ public:
             }
             break;
         case Slot::List:
-            m_lists[m_subType].emplace_back().channels.clear();
+            m_lists[m_subType].emplace_back();
             break;
-        case Slot::Group: {
+        case Slot::Group:
             m_groupNames.emplace_back();
-            UserGroup& group = m_groups.emplace_back();
-            group.listIndexes.clear();
-            group.listTypes.clear();
+            m_groups.emplace_back();
             break;
-        }
         case Slot::Entry: {
             UserGroup& group = m_groups.back();
             group.listTypes.push_back(0);
@@ -459,7 +456,7 @@ public:
         }
         case Slot::Template:
             m_templateNames.emplace_back();
-            m_templates.emplace_back().buttons.clear();
+            m_templates.emplace_back();
             break;
         case Slot::Button:
             m_templates.back().buttons.emplace_back();
@@ -552,6 +549,16 @@ public:
             m_templatesSeen = true;
             m_templateNames.clear();
             m_templates.clear();
+            break;
+        case Slot::Channels:
+            m_lists[m_subType].back().channels.clear();
+            break;
+        case Slot::Entries:
+            m_groups.back().listTypes.clear();
+            m_groups.back().listIndexes.clear();
+            break;
+        case Slot::Buttons:
+            m_templates.back().buttons.clear();
             break;
         case Slot::Alphas:
             m_alphas[m_subType].clear();

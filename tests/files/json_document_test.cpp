@@ -116,6 +116,12 @@ TEST(JsonDocument, MissingSectionsMeanEmptyAndPairsArePositions) {
               "display_lists.relay, user_groups, templates (every section is sent; write [] to "
               "send an empty one)");
     EXPECT_TRUE(ReadJsonDocument(kSmallDocument, other).RequireAllSections().ok());
+    // A repeated key replaces what came before.
+    ASSERT_TRUE(ReadJsonDocument(Doc(R"("display_lists": {"input": [{"name": "a",
+        "channels": [1, 2], "channels": [3]}]})"),
+                                 other)
+                    .status.ok());
+    EXPECT_EQ(other.lists(SubType::Input)[0].channels, std::vector<int16_t>{3});
     for (SubType t : kAllSubTypes) {
         EXPECT_EQ(s.listCount(t), 0);
         EXPECT_EQ(s.lists(t).size(), 1u);
