@@ -86,13 +86,14 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
         error = path + ": cannot open: " + std::strerror(errno);
         return false;
     }
-    // A JSON document too large to read is refused before it is loaded.
-    std::string bytes(std::min<std::uintmax_t>(fs::file_size(path, ec), 4096), '\0');
+    // A JSON document too large to read is refused before it is loaded (its
+    // size known: a pipe is read as it comes).
+    std::string bytes(4096, '\0');
     in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(in.gcount()));
-    if (const Status size = CheckJsonDocumentSize(fs::file_size(path, ec));
-        LooksLikeJson(bytes) && !size) {
-        error = path + ": " + size.failure().detail;
+    const std::uintmax_t size = fs::file_size(path, ec);
+    if (const Status fits = CheckJsonDocumentSize(size); !ec && LooksLikeJson(bytes) && !fits) {
+        error = path + ": " + fits.failure().detail;
         return false;
     }
     bytes.append(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
