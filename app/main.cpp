@@ -1,10 +1,15 @@
 #include <QApplication>
 #include <QTextStream>
 
+#include <cstdio>
+#include <new>
+
 #include "app/main_window.h"
 #include "app/program_folder.h"
 
-int main(int argc, char* argv[]) {
+namespace {
+
+int Run(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("Lumeth Admin");
     QApplication::setOrganizationName("KOV");
@@ -23,4 +28,16 @@ int main(int argc, char* argv[]) {
     window.Start();
     window.show();
     return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        // A file too large for memory: one line instead of an abort.
+        std::fputs("lumeth-admin: not enough memory\n", stderr);
+        return 2;
+    }
 }

@@ -1,13 +1,16 @@
 // Load and save of a large configuration: 4 x 500 display lists of 64
 // channels, 200 user groups of 40 lists, 500 templates of 32 buttons. The
-// target is 10 ms or less each way, in memory and through a file.
+// target is 10 ms or less each way for the panel data file, in memory and
+// through a file; the JSON document's targets are given below.
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
 #include <benchmark/benchmark.h>
 
+#include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "tools/sim/demo_config.h"
@@ -70,17 +73,77 @@ void BM_LoadFromFile(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadFromFile)->Unit(benchmark::kMillisecond);
 
-// The JSON document of the same configuration, for comparison.
-void BM_JsonWrite(benchmark::State& state) {
-    const lumeth::PanelStore store = LargeStore();
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(lumeth::WriteJsonDocument(store));
+// The JSON document of the same configuration as `lumeth-cli fetch -o`
+// writes it (with the channel names). Targets: the document 2.5 MB or less,
+// written in 20 ms or less, read in 50 ms or less.
+// The large set as a fetch receives it: the download keeps names at their
+// wire width (16 for lists, groups and templates, 8 for labels, the longest
+// name for the channel names).
+lumeth::PanelStore FetchedLargeStore() {
+    lumeth::PanelStore store = LargeStore();
+    const auto pad = [](std::string& text, size_t width) { text.resize(width, ' '); };
+    for (lumeth::SubType s : lumeth::kAllSubTypes) {
+        for (lumeth::DisplayList& list : store.lists(s)) {
+            pad(list.name, lumeth::kNameWidth);
+        }
+        auto& names = store.alpha(s).channelNames;
+        size_t width = 0;
+        for (const std::string& name : names) {
+            width = std::max(width, name.size());
+        }
+        for (std::string& name : names) {
+            pad(name, width);
+        }
     }
+    for (std::string& name : store.userGroupNames) {
+        pad(name, lumeth::kNameWidth);
+    }
+    for (std::string& name : store.templateNames) {
+        pad(name, lumeth::kNameWidth);
+    }
+    for (lumeth::ButtonTemplate& tmpl : store.buttonTemplates) {
+        for (lumeth::PanelButton& button : tmpl.buttons) {
+            pad(button.label, lumeth::kLabelWidth);
+        }
+    }
+    return store;
+}
+
+lumeth::JsonDocumentOptions FetchOptions() {
+    lumeth::JsonDocumentOptions options;
+    options.includeAlphas = true;
+    return options;
+}
+
+void BM_JsonWrite(benchmark::State& state) {
+    const lumeth::PanelStore store = FetchedLargeStore();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(lumeth::WriteJsonDocument(store, FetchOptions()));
+    }
+    state.counters["MB"] =
+        static_cast<double>(lumeth::WriteJsonDocument(store, FetchOptions()).size()) / 1e6;
 }
 BENCHMARK(BM_JsonWrite)->Unit(benchmark::kMillisecond);
 
+// Streamed into a replaced file: written beside it, fsync, rename.
+void BM_JsonWriteToFile(benchmark::State& state) {
+    const lumeth::PanelStore store = FetchedLargeStore();
+    const std::string path = TempPath() + ".json";
+    for (auto _ : state) {
+        const lumeth::Status written = lumeth::ReplaceFile(path, [&](const lumeth::ByteSink& sink) {
+            return lumeth::WriteJsonDocument(store, FetchOptions(), sink);
+        });
+        if (!written) {
+            state.SkipWithError(written.failure().detail.c_str());
+            break;
+        }
+    }
+    std::filesystem::remove(path);
+}
+BENCHMARK(BM_JsonWriteToFile)->Unit(benchmark::kMillisecond);
+
 void BM_JsonRead(benchmark::State& state) {
-    const std::string text = lumeth::WriteJsonDocument(LargeStore());
+    const std::string text = lumeth::WriteJsonDocument(FetchedLargeStore(), FetchOptions());
     lumeth::PanelStore store;
     for (auto _ : state) {
         benchmark::DoNotOptimize(lumeth::ReadJsonDocument(text, store));

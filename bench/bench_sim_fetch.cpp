@@ -7,10 +7,13 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
+#include <string>
 
 #include "files/error_log.h"
 #include "link/connection.h"
@@ -30,23 +33,35 @@ QCoreApplication& App() {
     return app;
 }
 
+// The emulator serving a demo set on a free loopback port of this process.
+struct Emulator {
+    lumeth::sim::SimState state;
+    std::unique_ptr<lumeth::sim::SimServer> server;
+
+    // Empty, or why it could not start.
+    std::string Start(const char* demoName) {
+        lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo(demoName);
+        if (!demo.status) {
+            return demo.status.failure().detail;
+        }
+        state.Reset(std::move(demo.store), demo.password);
+        lumeth::sim::SimServerOptions options;
+        options.pollIntervalMs = 0;
+        server = std::make_unique<lumeth::sim::SimServer>(state, options);
+        QString error;
+        bool inUse = false;
+        return server->Listen("127.0.0.1", 0, error, inUse) ? std::string() : error.toStdString();
+    }
+};
+
 void BM_SimFetch(benchmark::State& st, const char* demoName) {
     App();
-    lumeth::sim::DemoResult demo = lumeth::sim::MakeDemo(demoName);
-    if (!demo.status) {
-        st.SkipWithError(demo.status.failure().detail.c_str());
+    Emulator emulator;
+    if (const std::string error = emulator.Start(demoName); !error.empty()) {
+        st.SkipWithError(error.c_str());
         return;
     }
-    lumeth::sim::SimState state(std::move(demo.store), demo.password);
-    lumeth::sim::SimServerOptions options;
-    options.pollIntervalMs = 0;
-    lumeth::sim::SimServer server(state, options);
-    QString error;
-    bool inUse = false;
-    if (!server.Listen("127.0.0.1", 0, error, inUse)) {
-        st.SkipWithError(error.toStdString().c_str());
-        return;
-    }
+    const lumeth::sim::SimServer& server = *emulator.server;
     QTemporaryDir folder;
     lumeth::ErrorLog log(folder.path().toStdString() + "/");
 
@@ -87,8 +102,69 @@ void BM_SimFetch(benchmark::State& st, const char* demoName) {
     st.counters["x_floor"] = meanMs / kFloorMs;
 }
 
+// Runs lumeth-cli with `args` to its end, serving this process's events
+// meanwhile; returns the wall time in ms, or a negative value on failure.
+double RunCli(const QStringList& args, const QString& folder) {
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("LUMETH_PASSWORD", "studio");
+    process.setProcessEnvironment(env);
+    process.setWorkingDirectory(folder);
+    QEventLoop loop;
+    QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
+    QTimer::singleShot(120000, &loop, &QEventLoop::quit);
+    const auto start = std::chrono::steady_clock::now();
+    process.start(QStringLiteral(LUMETH_CLI_PATH), args);
+    loop.exec();
+    const auto end = std::chrono::steady_clock::now();
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(2000);
+        return -1;
+    }
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+        return -1;
+    }
+    return std::chrono::duration<double, std::milli>(end - start).count();
+}
+
+// The whole `lumeth-cli fetch -o large.json` process against the emulator
+// (here in this process): log in, download, write the JSON document. Target:
+// within 1.3 times the decode-tick floor, plus what starting the process
+// costs (measured as `lumeth-cli --help`).
+void BM_CliFetchProcess(benchmark::State& st) {
+    App();
+    Emulator emulator;
+    if (const std::string error = emulator.Start("large"); !error.empty()) {
+        st.SkipWithError(error.c_str());
+        return;
+    }
+    QTemporaryDir folder;
+    const QStringList fetch{"fetch", "-o", "large.json", "--server",
+                            QString("127.0.0.1:%1").arg(emulator.server->port())};
+    double startMs = 0;
+    double fetchMs = 0;
+    for (auto _ : st) {
+        const double start = RunCli({"--help"}, folder.path());
+        const double ms = RunCli(fetch, folder.path());
+        if (start < 0 || ms < 0) {
+            st.SkipWithError("lumeth-cli failed");
+            return;
+        }
+        st.SetIterationTime(ms / 1000.0);
+        startMs += start;
+        fetchMs += ms;
+    }
+    const auto n = static_cast<double>(st.iterations());
+    st.counters["fetch_ms"] = fetchMs / n;
+    st.counters["start_ms"] = startMs / n;
+    st.counters["target_ms"] = 1.3 * kFloorMs + startMs / n;
+    st.counters["x_target"] = (fetchMs / n) / (1.3 * kFloorMs + startMs / n);
+}
+
 } // namespace
 
+BENCHMARK(BM_CliFetchProcess)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "files/cp1252.h"
-#include "files/panel_data_file.h"
+#include "files/file_io.h"
 #include "model/channel_alpha.h"
 #include "model/view_keys.h"
 

@@ -103,12 +103,9 @@ std::string ErrorLog::FormatRecord(std::string_view dateTime, std::string_view l
 }
 
 std::string ErrorLog::FormatShortDateTime(const std::tm& local) {
-    const int hour12 = local.tm_hour % 12 == 0 ? 12 : local.tm_hour % 12;
-    char buf[64];
-    std::snprintf(buf, sizeof buf, "%d/%d/%d %d:%02d:%02d %s", local.tm_mon + 1, local.tm_mday,
-                  local.tm_year + 1900, hour12, local.tm_min, local.tm_sec,
-                  local.tm_hour < 12 ? "AM" : "PM");
-    return buf;
+    char buf[128];
+    const size_t n = std::strftime(buf, sizeof buf, "%x %X", &local);
+    return std::string(buf, n);
 }
 
 void ErrorLog::WriteErrorLog(std::string_view message, std::string_view location) {

@@ -35,8 +35,10 @@ public:
     // Build one record line (without CR LF).
     static std::string FormatRecord(std::string_view dateTime, std::string_view location,
                                     std::string_view message);
-    // The default clock's form of a local time: US short date and time,
-    // "11/22/2026 7:52:18 AM".
+    // The default clock's form of a local time: the short date and time of
+    // the process's locale (LC_TIME; the programs take the system's with
+    // setlocale at start), "11/22/26 07:52:18" in the C locale,
+    // "22.11.2026 07:52:18" in German.
     static std::string FormatShortDateTime(const std::tm& local);
 
     // The last failure to write the log itself (code None when there was none)

@@ -3,6 +3,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <random>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace lumeth {
 
@@ -68,6 +73,105 @@ Status WriteFileBytes(const std::string& path, const char* mode, std::string_vie
         return FailureFromErrno(err, ErrorCode::DeviceIoError, path, ErrorCode::PathNotFound);
     }
     return Status::Ok();
+}
+
+namespace {
+
+bool WriteAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        bytes.remove_prefix(static_cast<size_t>(n));
+    }
+    return true;
+}
+
+Status WriteFailure(int err, const std::string& path) {
+    Failure failure =
+        FailureFromErrno(err, ErrorCode::DeviceIoError, path, ErrorCode::PathNotFound);
+    failure.detail = std::strerror(err);
+    return failure;
+}
+
+} // namespace
+
+Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
+                   NewFileAccess access) {
+    namespace fs = std::filesystem;
+    const fs::path target(path);
+    if (target.filename().empty()) {
+        return Status::Fail(ErrorCode::BadFileName, "no file name in " + path);
+    }
+    // An operator's chmod on the file being replaced survives the rename.
+    struct stat old {};
+    const bool replacing = ::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    const mode_t mode = access == NewFileAccess::Owner ? 0600 : 0666;
+
+    // A new, exclusively created file beside the target, so the rename below
+    // stays within one file system and replaces the target in one step.
+    std::random_device seed;
+    std::mt19937 random(seed());
+    std::string temp;
+    int fd = -1;
+    for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
+        temp = path + ".tmp" + std::to_string(random() % 1000000);
+        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (fd < 0 && errno != EEXIST) {
+            return WriteFailure(errno, path);
+        }
+    }
+    if (fd < 0) {
+        return Status::Fail(ErrorCode::FileAlreadyExists,
+                            "cannot find a free temporary name beside " + path);
+    }
+
+    int err = 0;
+    const ByteSink sink = [&](std::string_view bytes) {
+        if (err == 0 && !WriteAll(fd, bytes)) {
+            err = errno;
+        }
+        return err == 0;
+    };
+    const bool written = write(sink) && err == 0;
+    if (written && replacing && ::fchmod(fd, old.st_mode & 07777) != 0) {
+        err = errno;
+    }
+    if (written && err == 0 && ::fsync(fd) != 0) {
+        err = errno;
+    }
+    if (::close(fd) != 0 && err == 0) {
+        err = errno;
+    }
+    if (!written || err != 0) {
+        ::unlink(temp.c_str());
+        if (err == 0) {
+            return Status::Fail(ErrorCode::DeviceIoError, "the content could not be produced");
+        }
+        return WriteFailure(err, path);
+    }
+    if (std::rename(temp.c_str(), path.c_str()) != 0) {
+        err = errno;
+        ::unlink(temp.c_str());
+        return WriteFailure(err, path);
+    }
+    // The rename itself reaches the disk with the folder's entry.
+    const std::string folder = target.parent_path().empty() ? "." : target.parent_path().string();
+    const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dir >= 0) {
+        ::fsync(dir);
+        ::close(dir);
+    }
+    return Status::Ok();
+}
+
+Status ReplaceFileContents(const std::string& path, std::string_view bytes, NewFileAccess access) {
+    return ReplaceFile(
+        path, [bytes](const ByteSink& sink) { return sink(bytes); }, access);
 }
 
 } // namespace lumeth

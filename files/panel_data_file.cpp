@@ -6,10 +6,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <system_error>
 
 #include "files/byte_order.h"
+#include "files/file_io.h"
 
 namespace lumeth {
 
@@ -67,23 +67,11 @@ private:
         return false;
     }
 
-    // A count field: signed 16-bit in the file, but a negative count can only
-    // come from a damaged file, so it stops the load instead of being read as
-    // "empty".
+    // A count field is kept as read, even negative (a damaged or hand-made
+    // file): its arrays keep one spare entry, its section then has no
+    // records, and loading goes on with the rest of the file.
     template <typename Describe> bool Count(int16_t& count, Describe&& describe) {
-        const size_t at = m_in.position();
-        int16_t value = 0;
-        if (!Int(value, describe)) {
-            return false;
-        }
-        if (value < 0) {
-            m_status = Status::Fail(ErrorCode::InvalidFileFormat,
-                                    "negative " + describe() + " " + std::to_string(value) +
-                                        " at byte " + std::to_string(at));
-            return false;
-        }
-        count = value;
-        return true;
+        return Int(count, describe);
     }
 
     void Truncated(size_t at, const std::string& what) {
@@ -101,18 +89,17 @@ private:
             if (!Int(m_version, [] { return std::string("version"); })) {
                 return false;
             }
-            if (!Count(textLength, [] { return std::string("header text length"); })) {
+            if (!Int(textLength, [] { return std::string("header text length"); })) {
                 return false;
             }
         } else {
-            // Version 0: no escape, the value is the header text length.
-            m_version = 0;
-            if (textLength < 0) {
-                m_status = Status::Fail(ErrorCode::InvalidFileFormat,
-                                        "negative header text length " +
-                                            std::to_string(textLength) + " at byte 2");
-                return false;
-            }
+            m_version = 0; // no escape: the value is the header text length
+        }
+        if (textLength < 0) {
+            m_status = Status::Fail(ErrorCode::InvalidFileFormat,
+                                    "negative header text length " + std::to_string(textLength) +
+                                        " at byte " + std::to_string(m_in.position() - 2));
+            return false;
         }
         const size_t at = m_in.position();
         if (!m_in.Skip(static_cast<size_t>(textLength))) {
@@ -390,53 +377,6 @@ std::string EncodePanelData(const PanelStore& store) {
         }
     }
     return out;
-}
-
-Status ReplaceFileContents(const std::string& path, std::string_view bytes) {
-    namespace fs = std::filesystem;
-    const fs::path target(path);
-    if (target.filename().empty()) {
-        return Status::Fail(ErrorCode::BadFileName, "no file name in " + path);
-    }
-
-    // A new, exclusively created file beside the target, so the rename below
-    // stays within one file system and replaces the target in one step.
-    std::random_device seed;
-    std::mt19937 random(seed());
-    fs::path temp;
-    std::FILE* file = nullptr;
-    for (int attempt = 0; attempt < 16 && file == nullptr; ++attempt) {
-        temp = target;
-        temp += ".tmp" + std::to_string(random() % 1000000);
-        file = std::fopen(temp.c_str(), "wbx");
-        if (file == nullptr && errno != EEXIST) {
-            return IoFailure(ErrorCode::PathFileAccessError, "cannot create " + temp.string(),
-                             errno);
-        }
-    }
-    if (file == nullptr) {
-        return Status::Fail(ErrorCode::FileAlreadyExists,
-                            "cannot find a free temporary name beside " + path);
-    }
-
-    const bool written =
-        std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && std::fflush(file) == 0;
-    const int writeErr = errno;
-    const bool closed = std::fclose(file) == 0;
-    std::error_code ec;
-    if (!written || !closed) {
-        fs::remove(temp, ec);
-        return IoFailure(ErrorCode::DeviceIoError, "cannot write " + temp.string(),
-                         written ? errno : writeErr);
-    }
-    fs::rename(temp, target, ec);
-    if (ec) {
-        std::error_code ignored;
-        fs::remove(temp, ignored);
-        return Status::Fail(ErrorCode::PathFileAccessError,
-                            "cannot replace " + path + ": " + ec.message());
-    }
-    return Status::Ok();
 }
 
 Status SavePanelDataFile(const std::string& path, const PanelStore& store) {

@@ -44,9 +44,4 @@ std::string EncodePanelData(const PanelStore& store);
 // folder and renamed over the target, so a failed save keeps the old file.
 Status SavePanelDataFile(const std::string& path, const PanelStore& store);
 
-// Replace the file at `path` with `bytes` the same way: a temporary file in the
-// same folder, then a rename over the target. On failure the old file (if any)
-// is left as it was and no temporary file remains.
-Status ReplaceFileContents(const std::string& path, std::string_view bytes);
-
 } // namespace lumeth

@@ -6,7 +6,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 
-#include "files/panel_data_file.h"
+#include "files/file_io.h"
 #include "model/button_templates.h"
 #include "ui/qt_text.h"
 

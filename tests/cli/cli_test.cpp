@@ -2,6 +2,8 @@
 // convert round trip, and that a failed convert leaves no output file.
 #include "tests/cli/cli_run.h"
 
+#include <filesystem>
+
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 
@@ -103,6 +105,34 @@ TEST_F(Cli, FailedConvertLeavesNoOutput) {
               std::string::npos)
         << oddRun.err;
     EXPECT_EQ(m_dir.EntryCount(), 2u); // bad.json and odd.dat only
+}
+
+// An operator's chmod survives a replace, a new document holding the password
+// is the owner's alone, and a file that cannot be written exits with 7.
+TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
+    namespace fs = std::filesystem;
+    ASSERT_EQ(Run({"convert", kDemo, Path("kept.json")}).exitCode, 0);
+    EXPECT_EQ(fs::status(m_dir.file("kept.json")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+    fs::permissions(m_dir.file("kept.json"), fs::perms::group_read, fs::perm_options::add);
+    ASSERT_EQ(Run({"convert", kDemo, Path("kept.json")}).exitCode, 0);
+    EXPECT_EQ(fs::status(m_dir.file("kept.json")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+
+    const testing::CliResult r = Run({"convert", kDemo, Path("no-folder/out.dat")});
+    EXPECT_EQ(r.exitCode, 7);
+    EXPECT_EQ(r.err, "lumeth-cli: cannot write " + m_dir.file("no-folder/out.dat") +
+                         ": No such file or directory\n");
+
+    // apply refuses a document without every section before connecting.
+    m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,
+        "display_lists": {"input": [], "output": [], "opto": [], "relay": []}, "user_groups": []})");
+    const testing::CliResult partial =
+        Run({"apply", Path("partial.json"), "--server", "127.0.0.1:1"}, Environment("studio"));
+    EXPECT_EQ(partial.exitCode, 2);
+    EXPECT_EQ(partial.err, "lumeth-cli: " + m_dir.file("partial.json") +
+                               ": missing templates (every section is sent; write [] to send an "
+                               "empty one)\n");
 }
 
 } // namespace

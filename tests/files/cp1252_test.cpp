@@ -19,35 +19,6 @@ TEST(Cp1252, EveryByteRoundTripsThroughUtf8) {
     }
 }
 
-TEST(Cp1252, HighRangeUsesTheWindowsTable) {
-    EXPECT_EQ(cp1252::ToUnicode(0x80), U'\u20AC');
-    EXPECT_EQ(cp1252::ToUnicode(0x85), U'\u2026');
-    EXPECT_EQ(cp1252::ToUnicode(0x92), U'\u2019');
-    EXPECT_EQ(cp1252::ToUnicode(0x99), U'\u2122');
-    EXPECT_EQ(cp1252::ToUnicode(0x9F), U'\u0178');
-    // The five bytes the code page leaves undefined keep their own value.
-    for (unsigned char b : {0x81, 0x8D, 0x8F, 0x90, 0x9D}) {
-        EXPECT_EQ(cp1252::ToUnicode(b), static_cast<char32_t>(b));
-    }
-    // Latin-1 part is the identity.
-    EXPECT_EQ(cp1252::ToUnicode(0xA0), U'\u00A0');
-    EXPECT_EQ(cp1252::ToUnicode(0xE9), U'\u00E9');
-    EXPECT_EQ(cp1252::ToUnicode(0xFF), U'\u00FF');
-
-    EXPECT_EQ(cp1252::ToUtf8("\x80 \xE9"), "\xE2\x82\xAC \xC3\xA9");
-}
-
-TEST(Cp1252, CharactersOutsideTheTableBecomeQuestionMark) {
-    for (char32_t cp :
-         {U'\u0080', U'\u0082', U'\u009F', U'\u0100', U'\u4E2D', U'\uFFFD', U'\U0001F600'}) {
-        EXPECT_EQ(cp1252::FromUnicode(cp), '?') << static_cast<unsigned>(cp);
-    }
-    EXPECT_EQ(cp1252::FromUtf8("A\xE4\xB8\xAD"
-                               "B"),
-              "A?B");                                     // CJK character
-    EXPECT_EQ(cp1252::FromUtf8("\xF0\x9F\x98\x80"), "?"); // emoji, one code point
-}
-
 TEST(Cp1252, InvalidUtf8BecomesQuestionMarks) {
     EXPECT_EQ(cp1252::FromUtf8("\x80"), "?");                // lone continuation byte
     EXPECT_EQ(cp1252::FromUtf8("\xC0\xAF"), "??");           // overlong '/'

@@ -81,22 +81,5 @@ TEST(IniFile, SerializesWithCrLfAndSetReplacesFirstMatch) {
     EXPECT_EQ(IniFile().Serialize(), "");
 }
 
-TEST(IniFile, SaveAndLoadThroughAFileAndTheirFailures) {
-    test::TempFolder dir;
-    IniFile ini;
-    ini.Set("CONFIGURATION", "Maximum Error Log", "7000");
-    ASSERT_TRUE(ini.Save(dir.file("a.ini")));
-    EXPECT_EQ(dir.Read("a.ini"), "[CONFIGURATION]\r\nMaximum Error Log=7000\r\n");
-    IniFile back;
-    ASSERT_TRUE(IniFile::Load(dir.file("a.ini"), back));
-    EXPECT_EQ(back.Get("CONFIGURATION", "maximum error log"), "7000");
-
-    EXPECT_EQ(IniFile::Load(dir.file("none.ini"), back).failure().code, ErrorCode::FileNotFound);
-    std::filesystem::create_directory(dir.file("d.ini"));
-    EXPECT_EQ(IniFile::Load(dir.file("d.ini"), back).failure().code,
-              ErrorCode::PathFileAccessError);
-    EXPECT_FALSE(IniFile().Save(dir.file("no/such/folder.ini")).ok());
-}
-
 } // namespace
 } // namespace lumeth

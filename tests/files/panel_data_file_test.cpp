@@ -2,16 +2,17 @@
 // file layout (little-endian 16-bit integers, blank-padded texts), never from
 // the encoder under test. The builder also records where each field starts
 // and what it is, so truncation can be checked at every byte.
-#include <sys/resource.h>
+#include <sys/stat.h>
 
-#include <csignal>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "files/file_io.h"
 #include "files/panel_data_file.h"
 #include "model/panel_store.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/temp_folder.h"
 
 namespace lumeth {
@@ -287,43 +288,44 @@ TEST(PanelDataFile, FailedLoadKeepsWhatWasReadOnTopOfTheDefaults) {
     EXPECT_EQ(store.templateNames, std::vector<std::string>{"None"}); // never reached
 }
 
-TEST(PanelDataFile, NegativeCountsAreAnErrorNotACrash) {
-    // A damaged count: the load stops there, the section keeps its default.
+// A negative count is kept as read: one spare entry, no records, and loading
+// goes on with the next section.
+TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
+    const Golden g = Golden()
+                         .I16s({140, 16383, 3, 0, -1}) // Input: -1 lists
+                         .I16(1)
+                         .Text(Pad("Outs", 16))
+                         .I16(-32768) // Output list 0: no channels
+                         .I16s({0, 0, -2})
+                         .I16(1) // templates
+                         .Text(Pad("T", 16))
+                         .I16s({7, -5});
     PanelStore store;
-    LoadResult r =
-        LoadPanelData(Golden().I16s({140, 16383, 3, 0, -1}).bytes() + std::string(64, '\0'), store);
-    EXPECT_EQ(r.outcome, LoadOutcome::Failed);
-    EXPECT_EQ(r.status.failure().detail, "negative Input display list count -1 at byte 8");
-    EXPECT_EQ(store.listCount(SubType::Input), 1);
-    ExpectDefaultNames(store);
+    const LoadResult r = LoadPanelData(g.bytes(), store);
+    ASSERT_EQ(r.outcome, LoadOutcome::Loaded) << r.status.failure().detail;
+    EXPECT_EQ(store.listCount(SubType::Input), -1);
+    EXPECT_EQ(store.lists(SubType::Input).size(), 1u);
+    EXPECT_EQ(store.lists(SubType::Output)[0].name, Pad("Outs", 16));
+    EXPECT_EQ(store.lists(SubType::Output)[0].channelCount, -32768);
+    EXPECT_EQ(store.lists(SubType::Output)[0].channels.size(), 1u);
+    EXPECT_EQ(store.userGroupCount, -2);
+    EXPECT_EQ(store.userGroups.size(), 1u);
+    EXPECT_EQ(store.templateNames[0], Pad("T", 16));
+    EXPECT_EQ(store.buttonTemplates[0].number, 7);
+    EXPECT_EQ(store.buttonTemplates[0].buttonCount, -5);
+    // Saved again, a negative count is written as 0.
+    PanelStore again;
+    ASSERT_EQ(LoadPanelData(EncodePanelData(store), again).outcome, LoadOutcome::Loaded);
+    EXPECT_EQ(again.listCount(SubType::Input), 0);
+    EXPECT_EQ(again.userGroupCount, 0);
 
-    r = LoadPanelData(Golden().I16s({140, 16383, 3, 0, 1}).Text(Pad("L", 16)).I16(-32768).bytes(),
-                      store);
-    EXPECT_EQ(r.outcome, LoadOutcome::Failed);
-    EXPECT_NE(r.status.failure().detail.find("negative Input display list 0 channel count"),
-              std::string::npos);
+    // The header text length is no count: a negative one cannot be skipped.
     EXPECT_EQ(LoadPanelData(Golden().I16s({140, -3}).bytes(), store).outcome, LoadOutcome::Failed);
+    EXPECT_EQ(LoadPanelData(Golden().I16s({140, 16383, 3, -1}).bytes(), store).outcome,
+              LoadOutcome::Failed);
 }
 
 // ---- files on disk ----------------------------------------------------------
-
-TEST(PanelDataFileOnDisk, SaveReplacesAnExistingFileEntirelyOrFailsCleanly) {
-    test::TempFolder dir;
-    dir.Write(kDefaultPanelDataFileName, std::string(5000, 'x'));
-    PanelStore store;
-    ASSERT_EQ(LoadPanelData(Version3File().bytes(), store).outcome, LoadOutcome::Loaded);
-    ASSERT_TRUE(SavePanelDataFile(dir.file(kDefaultPanelDataFileName), store).ok());
-    EXPECT_EQ(dir.Read(kDefaultPanelDataFileName), Version3File().bytes());
-    EXPECT_EQ(dir.EntryCount(), 1u); // no temporary file left behind
-
-    PanelStore back;
-    EXPECT_EQ(LoadPanelDataFile(dir.file(kDefaultPanelDataFileName), back).outcome,
-              LoadOutcome::Loaded);
-    EXPECT_EQ(EncodePanelData(back), Version3File().bytes());
-
-    EXPECT_FALSE(SavePanelDataFile(dir.file("no-such-folder/panel.dat"), store).ok());
-    EXPECT_EQ(dir.EntryCount(), 1u);
-}
 
 TEST(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
     test::TempFolder dir;
@@ -335,20 +337,29 @@ TEST(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
     big.lists(SubType::Input)[0].channelCount = 4000;
     big.lists(SubType::Input)[0].channels.assign(4000, 1);
 
-    // A file size limit makes the write fail part-way, even for root.
-    rlimit saved{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
-    const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limited = saved;
-    limited.rlim_cur = 1024;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const Status status = SavePanelDataFile(dir.file("panel.dat"), big);
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, previousHandler);
-
-    EXPECT_FALSE(status.ok());
+    ::chmod(dir.file("panel.dat").c_str(), 0640);
+    Status status;
+    {
+        const test::FileSizeLimit limit(1024);
+        status = SavePanelDataFile(dir.file("panel.dat"), big);
+    }
+    EXPECT_EQ(status.failure().detail, "File too large");
     EXPECT_EQ(dir.Read("panel.dat"), old);
     EXPECT_EQ(dir.EntryCount(), 1u);
+
+    // A replaced file keeps its permissions; a new one holding the password
+    // is its owner's alone, whatever the umask.
+    ASSERT_TRUE(SavePanelDataFile(dir.file("panel.dat"), big).ok());
+    ASSERT_TRUE(ReplaceFileContents(dir.file("secret.json"), "{}", NewFileAccess::Owner).ok());
+    const ::mode_t umask = ::umask(0);
+    ASSERT_TRUE(ReplaceFileContents(dir.file("shared.json"), "{}").ok());
+    ::umask(umask);
+    for (const auto& [name, mode] : {std::pair{"panel.dat", 0640}, std::pair{"secret.json", 0600},
+                                     std::pair{"shared.json", 0666}}) {
+        struct stat st {};
+        ASSERT_EQ(::stat(dir.file(name).c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 0777, static_cast<::mode_t>(mode)) << name;
+    }
 }
 
 TEST(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouchedAFolderResetsIt) {

@@ -37,17 +37,6 @@ TEST(Settings, NoFileGivesDefaultsAndLeavesPortAndPacketSize) {
     EXPECT_TRUE(dir.Exists("udpserve.ini")) << "only a failed read removes it";
 }
 
-TEST(Settings, EmptySectionAppliesEveryReadRule) {
-    const Settings s = ReadFrom("[CONFIGURATION]\r\n");
-    EXPECT_EQ(s.serverAddress, "127.0.0.1");
-    EXPECT_EQ(s.serverPort, 1250);
-    EXPECT_EQ(s.packetSize, 16383);
-    EXPECT_EQ(s.maxLogFileSize, 5000);
-    EXPECT_EQ(s.maxErrorLog, 5000);
-    EXPECT_TRUE(s.maintainLogFile && s.archiveLogFiles && s.maintainErrorFiles &&
-                s.archiveErrorFiles);
-}
-
 TEST(Settings, NumberRules) {
     using Field = int64_t (*)(const Settings&);
     const Field packet = [](const Settings& s) -> int64_t { return s.packetSize; };
@@ -101,17 +90,6 @@ TEST(Settings, OnlyExactNoTurnsAFlagOff) {
             EXPECT_TRUE(flag(ReadKey(keys[k], on), k)) << keys[k] << "=" << on;
         }
     }
-}
-
-TEST(Settings, AddressAndHandWrittenFile) {
-    EXPECT_EQ(ReadKey("Server IP Address", "\"\"").serverAddress, "127.0.0.1");
-    EXPECT_EQ(ReadKey("Server IP Address", " 192.168.10.20 ").serverAddress, "192.168.10.20");
-    // Other case and LF line ends, as a file edited by hand.
-    const Settings s = ReadFrom("; written by hand\n[configuration]\nserver ip address=10.0.0.9\n"
-                                "SERVER IP PORT=2000\nmaintain error files=No\n");
-    EXPECT_EQ(s.serverAddress, "10.0.0.9");
-    EXPECT_EQ(s.serverPort, 2000);
-    EXPECT_FALSE(s.maintainErrorFiles);
 }
 
 TEST(Settings, WritesNineKeysAndReadsThemBackExceptTheActivityLogFlag) {
@@ -176,25 +154,6 @@ TEST(Settings, WriteFailureIsReported) {
     std::filesystem::create_directory(dir.file("kovadmin.ini"));
     dir.Write("kovadmin.ini/inside", "x");
     EXPECT_FALSE(WriteSettings(dir.path(), s).ok());
-}
-
-TEST(LeadingNumber, ReadsTheLeadingDecimalNumberAndSaturates) {
-    const std::pair<const char*, int32_t> cases[] = {{"1250", 1250},
-                                                     {"   42abc", 42},
-                                                     {"\t7", 7},
-                                                     {"-17x", -17},
-                                                     {"+9", 9},
-                                                     {"12 34", 12},
-                                                     {"", 0},
-                                                     {"x12", 0},
-                                                     {"-", 0},
-                                                     {"2147483648", INT32_MAX},
-                                                     {"-2147483648", INT32_MIN},
-                                                     {"99999999999999999999999", INT32_MAX},
-                                                     {"-99999999999999999999999", INT32_MIN}};
-    for (const auto& [text, value] : cases) {
-        EXPECT_EQ(LeadingNumber(text), value) << text;
-    }
 }
 
 } // namespace

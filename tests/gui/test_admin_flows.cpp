@@ -187,18 +187,6 @@ private slots:
                      QString("Server Module Connected"));
     }
 
-    void aCorrectPasswordEnablesTheWindowAndTheViewsFill() {
-        StartWindow();
-        LogIn();
-        CheckGroupsShown();
-        // Group 0's lists of the current sub type (Input at start-up).
-        QCOMPARE(Lists()->topLevelItemCount(), EntriesOfType(Demo().userGroups[0], 11));
-        QCOMPARE(Child<QLabel>(m_window, "lblLists_1")->text().trimmed(),
-                 "Display Lists in " + Trimmed(Demo().userGroupNames[0]));
-        QTRY_COMPARE(Progress(), QString());
-        QCOMPARE(m_window->link().enteredPassword, m_sim.state.password());
-    }
-
     void refusedLoginsKeepTheDialogOpen() {
         StartWindow();
         MessageBox::setNextAnswer(QMessageBox::Ok);
@@ -253,62 +241,6 @@ private slots:
                  qPrintable(text));
         QVERIFY(text.contains("Server IP Address=127.0.0.1"));
         QVERIFY(text.contains("Maintain Log Files="));
-    }
-
-    void cancellingWhileWaitingForThePasswordEndsTheLoginQuietly_data() {
-        QTest::addColumn<bool>("closeBox");
-        QTest::newRow("Cancel button") << false;
-        QTest::newRow("close box") << true;
-    }
-    void cancellingWhileWaitingForThePasswordEndsTheLoginQuietly() {
-        // A service that accepts the connection but never sends a password:
-        // OK waits without a time limit, and Cancel or the close box is the
-        // way out. The abandoned check must not go on to report anything.
-        QFETCH(bool, closeBox);
-        QTcpServer silent;
-        QVERIFY(silent.listen(QHostAddress::LocalHost, 0));
-        StartWindow();
-        // Answered, should one come up after all, so the check can fail.
-        MessageBox::setNextAnswer(QMessageBox::Ok);
-        MessageBox::setNextAnswer(QMessageBox::Ok);
-        Child<QLineEdit>(Login(), "txtPort")->setText(QString::number(silent.serverPort()));
-        // Past the reconnect's one-second wait, inside the wait for the password.
-        QTimer::singleShot(1300, Login(), [this, closeBox] {
-            if (closeBox)
-                Login()->reject();
-            else
-                QTest::mouseClick(Child<QPushButton>(Login(), "cmdCancel"), Qt::LeftButton);
-        });
-        TypeAndOk("studio");
-        QVERIFY(!Login()->isVisible());
-        QVERIFY(!m_window->isVisible());
-        QVERIFY(m_window->link().enteredPassword.empty());
-        QVERIFY2(MessageBox::history().empty(),
-                 qPrintable(MessageBox::history().empty() ? QString()
-                                                          : MessageBox::history().back().text));
-    }
-
-    void settingsThatCannotBeReadOrWrittenAreLogged() {
-        // kovadmin.ini is a folder with something in it: it can be neither
-        // read nor replaced. Start-up and shut-down carry on and say so in the
-        // error log only.
-        QVERIFY(QFile::remove(Folder() + "kovadmin.ini"));
-        QVERIFY(QDir(Folder()).mkpath("kovadmin.ini/keep"));
-        QFile stale(Folder() + "udpserve.ini");
-        QVERIFY(stale.open(QIODevice::WriteOnly));
-        stale.close();
-        m_window = new MainWindow(Folder().toStdString());
-        m_window->setAttribute(Qt::WA_DeleteOnClose, false);
-        m_window->Start();
-        QCOMPARE(m_window->link().serverPort, 1250);
-        QVERIFY(!QFile::exists(Folder() + "udpserve.ini"));
-        m_window->close();
-        QFile log(Folder() + "Errorlog.txt");
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QString text = QString::fromLatin1(log.readAll());
-        QVERIFY2(text.contains("Error Reading ini file"), qPrintable(text));
-        QVERIFY2(text.contains("Error Writing ini file"), qPrintable(text));
-        QVERIFY(text.indexOf("Error Reading ini file") < text.indexOf("Error Writing ini file"));
     }
 
     void drillDownFromGroupToChannels() {
@@ -481,63 +413,6 @@ private slots:
         QTRY_COMPARE(second.server->clientCount(), 1);
         TypeAndOk("studio");
         QTRY_VERIFY(m_window->isEnabled());
-    }
-
-    void aboutShowsVersionOrganisationAndTheServerInUse() {
-        StartWindow();
-        LogIn();
-        m_window->link().serverPort = 4321; // as if Setup had changed it
-        QStringList seen;
-        WhenModal("frmAbout", [&](QWidget* about) {
-            seen << about->windowTitle();
-            for (const char* label :
-                 {"lblServer_0", "lblServer_1", "lblVersionInfo", "lblKOVtitle"})
-                seen << Child<QLabel>(about, label)->text();
-            QTest::mouseClick(Child<QPushButton>(about, "cmdAboutquit"), Qt::LeftButton);
-        });
-        Child<QAction>(m_window, "mnuAbout")->trigger();
-        QCOMPARE(seen.size(), 5);
-        QCOMPARE(seen.mid(0, 4),
-                 QStringList({"KOV AdminPanel Information", "Server Module IP Address: 127.0.0.1",
-                              "Server Module IP Port: 4321",
-                              "KOV Admin Panel\nVersion: 01.02.0001 - 10/19/2012"}));
-        QVERIFY(!seen[4].isEmpty());
-    }
-
-    void contextMenuOnlyWhileNothingIsPending() {
-        StartWindow();
-        LogIn();
-        auto* popup = Child<QMenu>(m_window, "mnuPopup");
-        QVERIFY(!m_window->menuBar()->actions().contains(popup->menuAction()));
-
-        m_window->link().pendingA = 0x00000102; // password and Input alphas
-        m_window->link().pendingC = 0x0004;     // user groups
-        QTRY_COMPARE(Progress(), QString("Receiving: Password, Input Alphas, User Groups..."));
-        m_window->link().pendingA = 0;
-        ClickItem(Groups(), 0, Qt::RightButton);
-        QTest::qWait(50);
-        QVERIFY(!popup->isVisible());
-
-        m_window->link().pendingC = 0;
-        ClickItem(Lists(), 0, Qt::RightButton);
-        QTRY_VERIFY(popup->isVisible());
-        popup->hide();
-        // Dismissed over the lists: the lists are redrawn for the current group.
-        QTRY_COMPARE(Lists()->topLevelItemCount(),
-                     EntriesOfType(
-                         Demo().userGroups[static_cast<size_t>(m_window->store().currentUserGroup)],
-                         m_window->store().currentListType));
-    }
-
-    void exitDisconnectsAndWritesTheSettings() {
-        StartWindow();
-        LogIn();
-        m_window->settings().maxLogFileSize = 777;
-        Child<QAction>(m_window, "mnuExit")->trigger();
-        QVERIFY(!m_window->isVisible());
-        QVERIFY(!m_window->link().connected);
-        QVERIFY(Ini().contains("Maximum Log File Size=777"));
-        QTRY_COMPARE(m_sim.server->clientCount(), 0);
     }
 };
 

@@ -1,14 +1,11 @@
-// The rules the dialogs share: address normalisation, the key filters, the
-// file dialog's filter list and the choice of the program folder.
+// The rules the dialogs share: address normalisation and the choice of the
+// program folder.
 #include <QDir>
 #include <QFile>
-#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include "app/program_folder.h"
-#include "ui/file_dialog.h"
-#include "ui/key_filter.h"
 #include "ui/normalise_address.h"
 
 using namespace lumeth;
@@ -39,33 +36,6 @@ private slots:
         QCOMPARE(QString::fromStdString(result), normalised);
     }
 
-    void keyFiltersDiscardRefusedCharacters() {
-        QLineEdit address;
-        KeyFilter::Install(&address, AcceptsAddressKey);
-        QTest::keyClicks(&address, "10.a0/.1 x");
-        QCOMPARE(address.text(), QString("10.0.1"));
-        QTest::keyClick(&address, Qt::Key_Backspace);
-        QCOMPARE(address.text(), QString("10.0."));
-
-        // The numeric boxes let the slash through on purpose.
-        QLineEdit port;
-        KeyFilter::Install(&port, AcceptsNumberKey);
-        QTest::keyClicks(&port, "1/2.x-9");
-        QCOMPARE(port.text(), QString("1/29"));
-        QTest::keyClick(&port, Qt::Key_Backspace);
-        QCOMPARE(port.text(), QString("1/2"));
-        // Navigation still works.
-        QTest::keyClick(&port, Qt::Key_Home);
-        QTest::keyClicks(&port, "7");
-        QCOMPARE(port.text(), QString("71/2"));
-    }
-
-    void fileDialogFilterList() {
-        QCOMPARE(FileFilterText("dat"), QString("(*.dat)|*.dat|All Files (*.*)|*.*"));
-        QCOMPARE(FileFilterText(""), QString("All Files (*.*)|*.*"));
-        QCOMPARE(FileNameFilters("dat"), QStringList({"(*.dat)", "All Files (*.*)"}));
-    }
-
     void programFolder() {
         QTemporaryDir temp;
         QVERIFY(temp.isValid());
@@ -90,13 +60,6 @@ private slots:
         QCOMPARE(ChooseProgramFolder(std::nullopt, exe, data), data + "/");
         QVERIFY(QDir(data).exists());
         QFile::setPermissions(exe, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-
-    void homeArgument() {
-        QCOMPARE(HomeArgument({"lumeth-admin", "--home", "/a b"}), std::optional<QString>("/a b"));
-        QCOMPARE(HomeArgument({"lumeth-admin", "--home=/c"}), std::optional<QString>("/c"));
-        QVERIFY(!HomeArgument({"lumeth-admin"}).has_value());
-        QVERIFY(!HomeArgument({"lumeth-admin", "--home"}).has_value());
     }
 };
 

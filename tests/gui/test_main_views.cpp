@@ -1,15 +1,14 @@
-// The main window's three views, built from stores made here: keys, texts,
-// the sub type choice, the channel bounds, the double-click handlers and the
-// failure reports. No network; single clicks are driven in the window flows.
+// The main window's views, built from stores made here: the sub type choice,
+// channel texts and bounds, and the failure reports. No network; clicks and
+// the rest of the views are driven in the window flows.
 #include <QApplication>
-#include <QGroupBox>
 #include <QLabel>
-#include <QRadioButton>
 #include <QTest>
 #include <QTreeWidget>
 #include <QWidget>
 
 #include "app/main_views.h"
+#include "model/alpha_sort.h"
 #include "model/view_keys.h"
 #include "tests/support/store_builders.h"
 
@@ -29,25 +28,10 @@ using test::List;
 // by name that is CD (2), MIC 1 (0), MIC 2 (1).
 PanelStore Facility() {
     PanelStore store;
-    AlphaTable& in = store.alpha(SubType::Input);
-    in.count = 3;
-    in.channelNames = {"MIC 1", "MIC 2", "CD"};
-    in.names = {"CD", "MIC 1", "MIC 2"};
-    in.numbers = {2, 0, 1};
-    in.positionOf = {1, 2, 0};
-    AlphaTable& out = store.alpha(SubType::Output);
-    out.count = 2;
-    out.channelNames = {"PGM", "AUX"};
-    out.names = {"AUX", "PGM"};
-    out.numbers = {1, 0};
-    out.positionOf = {1, 0};
+    BuildAlphaTable(store.alpha(SubType::Input), {"MIC 1", "MIC 2", "CD"});
+    BuildAlphaTable(store.alpha(SubType::Output), {"PGM", "AUX"});
     // Four opto names although the Input table has only three channels.
-    AlphaTable& opto = store.alpha(SubType::Opto);
-    opto.count = 4;
-    opto.channelNames = {"ON AIR", "FADER", "COUGH", "TALK"};
-    opto.names = {"COUGH", "FADER", "ON AIR", "TALK"};
-    opto.numbers = {2, 1, 0, 3};
-    opto.positionOf = {2, 1, 0, 3};
+    BuildAlphaTable(store.alpha(SubType::Opto), {"ON AIR", "FADER", "COUGH", "TALK"});
 
     store.listCount(SubType::Input) = 3;
     store.lists(SubType::Input) = {List("Mics", {0, 1}), List("Players", {2}),
@@ -82,16 +66,6 @@ QStringList Keys(QTreeWidget* view) {
     return keys;
 }
 
-void ClickItem(QTreeWidget* view, int row, bool doubleClick = false) {
-    QTreeWidgetItem* item = view->topLevelItem(row);
-    QVERIFY(item);
-    view->setCurrentItem(item);
-    const QPoint at = view->visualItemRect(item).center();
-    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
-    if (doubleClick)
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
-}
-
 } // namespace
 
 class MainViewsTest : public QObject {
@@ -102,89 +76,20 @@ private:
     std::vector<Report> m_reports;
     QWidget* m_host = nullptr;
     MainViews* m_views = nullptr;
-    int m_editorShown = 0;
-    int m_groupWhenEditorShown = -1;
 
 private slots:
     void init() {
         m_store = Facility();
         m_reports.clear();
-        m_editorShown = 0;
         m_host = new QWidget;
-        m_host->resize(900, 600);
         m_views = new MainViews(
             m_store,
             [this](std::string_view location, std::string_view category, const Failure&) {
                 m_reports.push_back({std::string(location), std::string(category)});
             },
             m_host);
-        m_views->setListEditor([this] {
-            ++m_editorShown;
-            m_groupWhenEditorShown = m_store.currentUserGroup;
-        });
-        // Lay the views out side by side so clicks land on items.
-        m_views->groups()->setGeometry(0, 40, 280, 500);
-        m_views->displayLists()->setGeometry(300, 40, 280, 500);
-        m_views->items()->setGeometry(600, 40, 280, 500);
-        m_host->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_host));
     }
     void cleanup() { delete m_host; }
-
-    void itemKeysCountGroupsFromOneListsFromZeroChannelsFromOne() {
-        QCOMPARE(GroupKey(0), std::string("Gr.001"));
-        QCOMPARE(ListKey(0), std::string("Lst.000"));
-        QCOMPARE(ChannelKey(0), std::string("Ch.0001"));
-        QCOMPARE(ChannelKey(16382), std::string("Ch.16383"));
-        // Too wide for three digits: the key grows, the decoder reads the last three.
-        QCOMPARE(GroupKey(999), std::string("Gr.1000"));
-        QCOMPARE(KeyNumber("Gr.1000"), 0);
-        QCOMPARE(KeyNumber("Gr.012"), 12);
-        QCOMPARE(KeyNumber("Lst.1234"), 234);
-        QCOMPARE(TextNumber("21"), 21);
-        QCOMPARE(TextNumber(""), 0);
-    }
-
-    void userGroupsShowNameAndKey() {
-        m_store.userGroupIndex = {0, 1, 2, 999};
-        m_views->DisplayUserGroups();
-        QTreeWidget* groups = m_views->groups();
-        QCOMPARE(Column(groups, 0), QStringList({"Studio A", "Newsroom", "Tally Only", "Empty"}));
-        QCOMPARE(Column(groups, 1), QStringList({"Gr.001", "Gr.002", "Gr.003", "Gr.1000"}));
-        QCOMPARE(Keys(groups), Column(groups, 1));
-        QVERIFY(m_reports.empty());
-
-        // Redrawing replaces the items rather than adding to them.
-        m_store.userGroupCount = 1;
-        m_views->DisplayUserGroups();
-        QCOMPARE(groups->topLevelItemCount(), 1);
-    }
-
-    void groupDataListsOneSubTypeInEntryOrder() {
-        m_views->ShowDisplayListData(0); // something in lvItems to be cleared
-        QVERIFY(m_views->items()->topLevelItemCount() > 0);
-        QVERIFY(!m_views->subTypeFrame()->isEnabled());
-
-        m_store.currentListType = 11;
-        m_views->ShowGroupData(0);
-        QTreeWidget* lists = m_views->displayLists();
-        QCOMPARE(Column(lists, 0), QStringList({"Mics", "Everything"}));
-        QCOMPARE(Keys(lists), QStringList({"Lst.000", "Lst.002"}));
-        QCOMPARE(Column(lists, 2), QStringList({"11", "11"}));
-        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
-        QCOMPARE(m_views->caption(2)->text(), QString("Items"));
-        QCOMPARE(m_views->items()->topLevelItemCount(), 0);
-        QVERIFY(m_views->subTypeFrame()->isEnabled());
-        QVERIFY(m_views->subTypeButton(11)->isChecked());
-
-        m_store.currentListType = 21;
-        m_views->ShowGroupData(0);
-        QCOMPARE(Column(lists, 0), QStringList({"Aux"}));
-        QCOMPARE(Keys(lists), QStringList({"Lst.001"}));
-        QVERIFY(m_views->subTypeButton(21)->isChecked());
-        QVERIFY(!m_views->subTypeButton(11)->isChecked());
-        QVERIFY(m_reports.empty());
-    }
 
     void subTypeChoicePrefersInputThenOutputOptoRelay() {
         const std::pair<int, int16_t> cases[] = {
@@ -269,42 +174,6 @@ private slots:
         QCOMPARE(m_store.currentListType, int16_t(11));
         QCOMPARE(m_reports.back().location, std::string("Error Determing Sub type"));
         QCOMPARE(m_reports.back().category, std::string("Display Error"));
-    }
-
-    void doubleClicksOpenTheEditorAndRedraw() {
-        m_views->DisplayUserGroups();
-        ClickItem(m_views->groups(), 2, true);
-        QCOMPARE(m_editorShown, 1);
-        QCOMPARE(m_groupWhenEditorShown, 2);
-        // Whatever was double-clicked, the first group is shown afterwards.
-        QCOMPARE(m_store.currentUserGroup, int16_t(0));
-        QCOMPARE(m_views->caption(1)->text(), QString("Display Lists in Studio A"));
-
-        m_store.currentListType = 11;
-        m_views->ShowGroupData(0);
-        ClickItem(m_views->displayLists(), 1, true);
-        QCOMPARE(m_editorShown, 2);
-        QCOMPARE(m_store.currentList, int16_t(2));
-        QCOMPARE(m_views->items()->topLevelItemCount(), 4);
-    }
-
-    void handlersOnEmptyViewsDoNothing() {
-        m_store.currentUserGroup = 3;
-        m_views->GroupClicked();
-        m_views->GroupDoubleClicked();
-        m_views->ListClicked();
-        m_views->ListDoubleClicked();
-        QCOMPARE(m_store.currentUserGroup, int16_t(3));
-        QCOMPARE(m_editorShown, 0);
-        m_views->SelectFirstGroup(); // no first item: nothing happens
-        QVERIFY(m_reports.empty());
-    }
-
-    void channelViewPassesFocusToTheLists() {
-        m_host->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_host));
-        m_views->items()->setFocus();
-        QTRY_COMPARE(QApplication::focusWidget(), static_cast<QWidget*>(m_views->displayLists()));
     }
 };
 

@@ -12,23 +12,9 @@ using namespace lumeth::testing;
 
 #define EXPECT_BYTES(actual, expected) EXPECT_EQ(Hex(actual), Hex(expected))
 
-TEST(Codec, IdentityRequestAndPasswordMessages) {
-    EXPECT_BYTES(codec::IdentityQuery(), Raw({0x81, 0x64, 0x64, 0xFF}));
-    EXPECT_BYTES(codec::IdentityAnswer(), Raw({0x81, 0x11, 0x01, 0x12, 0xFF}));
-    // The request for everything, byte by byte.
-    EXPECT_BYTES(codec::DataRequest(0x03000302, 0, 0x00FC),
-                 Raw({0xF2, 0x02, 0x06, 0x00, 0x18, 0x00, 0x00, 0x00, 0x00, 0x7C, 0x01, 0x00, 0x00,
-                      0x00, 0x00, 0x1D, 0xFF}));
-    // Mask B is never used by the tool, but a builder that dropped or swapped
-    // it would still be wrong for the emulator.
-    EXPECT_BYTES(codec::DataRequest(0x0ABCDEF1, 0x01234567, 0x0080),
-                 Request(0x0ABCDEF1, 0x01234567, 0x0080));
-    EXPECT_BYTES(codec::PasswordMessage(""), Raw({0x80, 0x05, 0x00, 0x05, 0xFF}));
-    EXPECT_BYTES(codec::PasswordMessage("abc"), PasswordAnswer("abc"));
-    // Zero bytes are left out but counted.
-    EXPECT_BYTES(codec::PasswordMessage(std::string("a\0b", 3)),
-                 Layout(0x80).Bytes({0x05, 3}).Text("ab").Finish());
-    // Only what the message carries whole passes the check: 0..127 bytes of 1..127.
+TEST(Codec, PasswordFitsOnlyWhatTheMessageCarriesWhole) {
+    // 0..127 bytes of 1..127: a longer one overflows the count byte, a zero
+    // byte is left out and a byte at or above 0x80 ends the frame early.
     const std::pair<std::string, bool> passwords[] = {{"", true},
                                                       {std::string(127, '~'), true},
                                                       {std::string(128, 'x'), false},
@@ -37,16 +23,6 @@ TEST(Codec, IdentityRequestAndPasswordMessages) {
     for (const auto& [password, fits] : passwords) {
         EXPECT_EQ(codec::PasswordFitsMessage(password), fits) << password;
     }
-}
-
-TEST(Codec, FixedWidthAndEndOfMessage) {
-    EXPECT_EQ(codec::FixedWidth("Mix", 16), "Mix             ");
-    EXPECT_EQ(codec::FixedWidth("Twenty characters!!!", 16), "Twenty character");
-    EXPECT_EQ(codec::FixedWidth("", 8), std::string(8, ' '));
-    EXPECT_EQ(codec::FindEndOfMessage(""), 0u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0xDF, 0x0B, 0x01})), 0u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0xFF})), 1u);
-    EXPECT_EQ(codec::FindEndOfMessage(Raw({0x81, 0x11, 0x01, 0x12, 0xFF, 0x80, 0xFF})), 5u);
 }
 
 PanelStore StoreWithLists() {
@@ -116,21 +92,6 @@ TEST(CodecUpload, ButtonTemplates) {
                             {{"Desk", 300, {{810, 1, 12, 7, "Listen t"}, {0, 0, 16383, 16383, ""}}},
                              {"A very long template name", 1, {}}})
                      .Finish());
-}
-
-TEST(CodecServer, AlphaTableWidthAndNumbers) {
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Output, {"Mic 1", "Studio B long", ""}),
-                 AlphaBody(20, 13, {"Mic 1", "Studio B long", ""}, {0, 1, 2}).Finish());
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Relay, {"Mic 1"}, 4),
-                 AlphaBody(40, 4, {"Mic "}, {0}).Finish());
-    // Counts and numbers above 127 use both septets.
-    std::vector<std::string> names(300, "x");
-    std::vector<int> numbers(300);
-    for (int i = 0; i < 300; ++i) {
-        numbers[static_cast<size_t>(i)] = i;
-    }
-    EXPECT_BYTES(codec::AlphaTableMessage(SubType::Input, names),
-                 AlphaBody(10, 1, names, numbers).Finish());
 }
 
 } // namespace

@@ -1,16 +1,12 @@
 // The Qt connection against a peer on 127.0.0.1: connect and status texts,
-// moving bytes both ways through the session, the peer closing, the poll
-// timer's reconnect and login hook, and Wait.
+// moving bytes both ways through the session, and the peer closing.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTest>
-#include <QTimer>
 
-#include <ctime>
 #include <memory>
 #include <string>
 
@@ -83,14 +79,6 @@ protected:
     QString m_status;
 };
 
-int Occurrences(const std::string& text, const std::string& what) {
-    int count = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-        ++count;
-    }
-    return count;
-}
-
 TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
     Peer peer;
     ASSERT_TRUE(ConnectTo(peer));
@@ -149,94 +137,6 @@ TEST_F(ConnectionTest, PeerClosingDisconnectsAndForgetsTheLogin) {
     EXPECT_TRUE(m_state.enteredPassword.empty());
     EXPECT_FALSE(m_state.passwordReceived);
     EXPECT_EQ(disconnects, 1);
-}
-
-TEST_F(ConnectionTest, DisconnectStillDeliversWhatWasWritten) {
-    Peer peer;
-    ASSERT_TRUE(ConnectTo(peer));
-    std::string message(40000, '\0');
-    for (size_t i = 0; i < message.size(); ++i) {
-        message[i] = static_cast<char>(i % 127);
-    }
-    m_connection->Transmit(message);
-    m_connection->Disconnect();
-    EXPECT_FALSE(m_connection->IsConnected());
-    EXPECT_EQ(m_status, "Server Module Not Connected");
-    ASSERT_TRUE(peer.ReceivedAtLeast(message.size()));
-    EXPECT_EQ(peer.received(), message);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->SocketClosed(); }, 5000));
-
-    // Nothing is written while the link is down.
-    m_connection->Transmit(Raw({0xF4}));
-    QTest::qWait(50);
-    EXPECT_EQ(peer.received().size(), message.size());
-}
-
-TEST_F(ConnectionTest, PollReconnectsOnceTheServerIsUpAndLogsTheOutageOnce) {
-    // Find a free port, then leave it closed for a while.
-    quint16 port = 0;
-    {
-        QTcpServer probe;
-        ASSERT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
-        port = probe.serverPort();
-    }
-    m_state.serverAddress = "127.0.0.1";
-    m_state.serverPort = port;
-    m_state.enteredPassword = "logged in";
-    m_connection->StartPolling();
-    QTest::qWait(1300); // two or three refused attempts
-    EXPECT_FALSE(m_connection->IsConnected());
-    EXPECT_EQ(Occurrences(m_folder.Read("Errorlog.txt"), "Error Connecting to Switcher"), 1);
-
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost, port));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return m_connection->IsConnected(); }, 3000));
-    EXPECT_EQ(m_status, "Server Module Connected");
-    m_connection->StopPolling();
-}
-
-TEST_F(ConnectionTest, LoginHookRunsWhileNobodyIsLoggedInAndNeverNested) {
-    m_state.serverAddress = "127.0.0.1";
-    m_state.serverPort = 1; // nothing listens there; the hook does not care
-    int calls = 0;
-    int nestedCalls = 0;
-    bool inside = false;
-    m_connection->setLoginHook([&] {
-        ++calls;
-        nestedCalls += inside ? 1 : 0;
-        inside = true;
-        // Like a modal dialog: an event loop runs for a while and the poll
-        // timer keeps ticking inside it.
-        m_connection->Wait(1200, true);
-        inside = false;
-        m_state.enteredPassword = "abc";
-    });
-    m_connection->StartPolling();
-    QTest::qWait(2500);
-    m_connection->StopPolling();
-    EXPECT_EQ(calls, 1);
-    EXPECT_EQ(nestedCalls, 0);
-}
-
-TEST_F(ConnectionTest, WaitKeepsEventsRunningWithoutSpinning) {
-    bool fired = false;
-    QTimer::singleShot(20, [&] { fired = true; });
-    QElapsedTimer wall;
-    wall.start();
-    const std::clock_t cpuStart = std::clock();
-    m_connection->Wait(300, true);
-    const double cpuMs = 1000.0 * double(std::clock() - cpuStart) / CLOCKS_PER_SEC;
-    EXPECT_GE(wall.elapsed(), 300);
-    EXPECT_TRUE(fired);
-    // A busy loop would burn about as much processor time as wall time.
-    EXPECT_LT(cpuMs, 100.0);
-
-    fired = false;
-    QTimer::singleShot(10, [&] { fired = true; });
-    wall.restart();
-    m_connection->Wait(60, false);
-    EXPECT_GE(wall.elapsed(), 60);
-    EXPECT_FALSE(fired); // no events without pumpEvents
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <random>
 #include <tuple>
 
 #include "tests/link/messages.h"
@@ -176,13 +175,6 @@ TEST(Download, RejectedMessagesLeaveTheStoreAsItWas) {
     }
 }
 
-TEST(Download, PasswordIsStored) {
-    Harness h;
-    h.Feed(PasswordAnswer("abc"));
-    EXPECT_EQ(h.state.serverPassword, "abc");
-    EXPECT_TRUE(h.state.passwordReceived);
-}
-
 TEST(AlphaDownload, SortsCaseInsensitivelyKeepingChannelOrderAlongside) {
     Harness h;
     h.Feed(AlphaBody(20, 5, {"beta", "Alpha", "alpha"}, {0, 1, 2}).Finish());
@@ -204,21 +196,6 @@ TEST(AlphaDownload, SortsCaseInsensitivelyKeepingChannelOrderAlongside) {
     EXPECT_EQ(h.store.alpha(SubType::Output).count, 0);
     EXPECT_TRUE(h.store.alpha(SubType::Output).names.empty());
     EXPECT_TRUE(h.observer.Quiet());
-}
-
-TEST(AlphaDownload, ChannelNumberOutsideTheTableStoresOnlyTheChannelOrder) {
-    Harness h;
-    h.Feed(AlphaBody(10, 1, {"x", "y"}, {0, 1}).Finish());
-    h.state.pendingA = request::kInputAlphas;
-    h.Feed(AlphaBody(10, 1, {"a", "b"}, {0, 2}).Finish());
-    ASSERT_EQ(h.observer.reports.size(), 1u);
-    EXPECT_EQ(h.observer.reports[0].location, "Error Processing Alpha Table");
-    EXPECT_EQ(h.observer.reports[0].category, "IP Error");
-    EXPECT_EQ(h.observer.reports[0].failure.code, ErrorCode::SubscriptOutOfRange);
-    const AlphaTable& t = h.store.alpha(SubType::Input);
-    EXPECT_EQ(t.channelNames, (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(t.names, (std::vector<std::string>{"x", "y"}));
-    EXPECT_EQ(h.state.pendingA, request::kInputAlphas);
 }
 
 TEST(DisplayListDownload, ReplacesTheListsOfItsSubTypeOnly) {
@@ -421,16 +398,6 @@ TEST(DownloadSplitPoints, AnyChunkingGivesTheSameResult) {
         every.push_back(i);
     }
     EXPECT_EQ(FeedInChunks(stream, every), whole);
-    // Random pieces of 1 to 40 bytes.
-    std::mt19937 rng(1234);
-    std::uniform_int_distribution<size_t> step(1, 40);
-    for (int round = 0; round < 200 && !HasFailure(); ++round) {
-        std::vector<size_t> cuts;
-        for (size_t at = step(rng); at < stream.size(); at += step(rng)) {
-            cuts.push_back(at);
-        }
-        EXPECT_EQ(FeedInChunks(stream, cuts), whole) << "round " << round;
-    }
 }
 
 } // namespace

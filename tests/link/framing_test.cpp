@@ -93,26 +93,5 @@ TEST(Framing, UnknownCommandsAndServerRequestsAreDroppedQuietly) {
     EXPECT_TRUE(h.observer.changes.empty());
 }
 
-TEST(Framing, TrimBufferAndConnectionChanges) {
-    Harness h;
-    h.session.Receive("abcdef");
-    EXPECT_EQ(h.session.TrimBuffer(2), "ab");
-    EXPECT_EQ(h.session.TrimBuffer(99), "cdef");
-    EXPECT_EQ(h.session.TrimBuffer(1), "");
-
-    // Connecting empties the buffer; disconnecting also forgets the login.
-    h.state.enteredPassword = "pw";
-    h.state.passwordReceived = true;
-    h.session.Receive(Raw({0xDF, 0x01}));
-    h.session.Connected();
-    EXPECT_TRUE(h.session.BufferEmpty());
-    EXPECT_EQ(h.state.enteredPassword, "pw");
-    h.session.Receive(Raw({0xDF, 0x01}));
-    h.session.Disconnected();
-    EXPECT_TRUE(h.session.BufferEmpty());
-    EXPECT_TRUE(h.state.enteredPassword.empty());
-    EXPECT_FALSE(h.state.passwordReceived);
-}
-
 } // namespace
 } // namespace lumeth

@@ -1,45 +1,12 @@
-// The pure rules of the connection: how a message is cut for writing and when
-// a Wait deadline has passed, including at the wrap of the tick counter.
+// When a Wait deadline has passed, including at the wrap of the tick counter.
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "link/connection.h"
 
 namespace lumeth {
 namespace {
-
-// A message whose every byte differs from its neighbours, so a piece taken
-// from the wrong offset shows up in the joined result.
-std::string Patterned(size_t size) {
-    std::string message(size, '\0');
-    for (size_t i = 0; i < size; ++i) {
-        message[i] = static_cast<char>(i * 7 % 251);
-    }
-    return message;
-}
-
-TEST(TransmitChunks, PiecesOf16384ThenTheRemainderInOrder) {
-    const std::pair<size_t, std::vector<size_t>> cases[] = {{0, {}},
-                                                            {5, {5}},
-                                                            {16384, {16384}},
-                                                            {16385, {16384, 1}},
-                                                            {32768, {16384, 16384}},
-                                                            {40000, {16384, 16384, 7232}}};
-    for (const auto& [size, sizes] : cases) {
-        const std::string message = Patterned(size);
-        std::vector<size_t> pieceSizes;
-        std::string joined;
-        for (std::string_view piece : TransmitChunks(message)) {
-            pieceSizes.push_back(piece.size());
-            joined += piece;
-        }
-        EXPECT_EQ(pieceSizes, sizes) << size;
-        EXPECT_EQ(joined, message) << size;
-    }
-}
 
 // A deadline is passed strictly after start + ms, also when the tick counter
 // wraps in between: start is then re-based by 2^32.

@@ -1,5 +1,5 @@
 // What the session sends: identity answer, data requests, the password and
-// the Apply messages; and the shared layouts read back by a session.
+// the Apply messages.
 #include <gtest/gtest.h>
 
 #include "link/codec.h"
@@ -20,22 +20,6 @@ TEST(Identity, QueryIsAnsweredWithTheRequestForEverything) {
     EXPECT_EQ(h.state.pendingA, 0x03000302u);
     EXPECT_EQ(h.state.pendingB, 0u);
     EXPECT_EQ(h.state.pendingC, 0xFCu);
-}
-
-TEST(Identity, OtherIdentityFramesAreIgnored) {
-    for (const std::string& m : {
-             Layout(0x81).Byte('e').Finish(),          // not "d"
-             Raw({0x81, 0x64, 0x65, 0xFF}),            // bad checksum
-             Layout(0x81).Bytes({'d', 0, 0}).Finish(), // six bytes
-             Raw({0x81, 0xFF}),                        // too short
-             Layout(0x81).Bytes({'d', 0}).Finish(),    // five bytes: accepted
-         }) {
-        Harness h;
-        h.Feed(m);
-        const bool accepted = m.size() == 5 && m[1] == 'd';
-        EXPECT_EQ(h.Sent().size(), accepted ? 2u : 0u) << Hex(m);
-        EXPECT_TRUE(h.observer.Quiet());
-    }
 }
 
 TEST(Requests, EachRequestReplacesAllThreeMasksAndPasswordIsSentAsItIs) {
@@ -123,53 +107,6 @@ TEST(Apply, ValuesTheWireCannotCarryFailTheirUploadOnly) {
         << steps[5].status.failure().detail;
     // The clean messages are the ones BuildApplyMessages gives.
     EXPECT_EQ(steps[0].message, h.session.BuildApplyMessages()[0]);
-}
-
-TEST(Apply, UploadsReadBackIntoAnEqualStore) {
-    // The uploads use the download layouts, so a session fed the Apply
-    // messages must end up with the same lists, groups and templates (names
-    // now blank-padded to their fixed widths).
-    const PanelStore edited = EditedStore();
-    Harness sender;
-    sender.store = edited;
-    sender.state.pendingC = request::kTemplates;
-    Harness receiver;
-    receiver.store.ResetToDefaults();
-    const auto messages = sender.session.BuildApplyMessages();
-    ASSERT_EQ(messages.size(), 6u);
-    for (const std::string& m : messages) {
-        receiver.Feed(m);
-    }
-    EXPECT_TRUE(receiver.observer.Quiet());
-    // In order: the four sub-types' lists, the groups, the templates.
-    using C = StoreChange;
-    EXPECT_EQ(receiver.observer.changes,
-              (std::vector<std::pair<StoreChange, SubType>>{{C::DisplayLists, SubType::Input},
-                                                            {C::DisplayLists, SubType::Output},
-                                                            {C::DisplayLists, SubType::Opto},
-                                                            {C::DisplayLists, SubType::Relay},
-                                                            {C::UserGroups, SubType::Input},
-                                                            {C::Templates, SubType::Input}}));
-    // The connection sends them, 500 ms apart; the masks are left alone.
-    EXPECT_FALSE(sender.session.HasOutgoing());
-    EXPECT_EQ(sender.state.pendingC, request::kTemplates);
-
-    PanelStore expected = edited;
-    for (SubType st : kAllSubTypes) {
-        for (auto& l : expected.lists(st)) {
-            l.name = codec::FixedWidth(l.name, 16);
-        }
-    }
-    for (auto& n : expected.userGroupNames) {
-        n = codec::FixedWidth(n, 16);
-    }
-    for (auto& n : expected.templateNames) {
-        n = codec::FixedWidth(n, 16);
-    }
-    for (auto& b : expected.buttonTemplates[0].buttons) {
-        b.label = codec::FixedWidth(b.label, 8);
-    }
-    EXPECT_EQ(Dump(receiver.store), Dump(expected));
 }
 
 } // namespace

@@ -2,44 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "model/alpha_sort.h"
 
 namespace lumeth {
 namespace {
-
-TEST(ButtonCatalogue, CodesByTypeListPositionAndFallbacks) {
-    // Codes as stored by panels in the field, by type-list position.
-    const int16_t expected[16] = {16383, 40,   150,  800,  810,  0,    1000, 1002,
-                                  1010,  1012, 1100, 1102, 1105, 1107, 1110, 1112};
-    for (int i = 0; i < 16; ++i) {
-        EXPECT_EQ(GetButtonTypeFromIndex(i), expected[i]) << i;
-        EXPECT_EQ(GetButtonIndexFromType(expected[i]), i) << expected[i];
-    }
-    // Out-of-range positions and unknown codes fall back to Inactive.
-    for (int index : {-1, 16, -32768}) {
-        EXPECT_EQ(GetButtonTypeFromIndex(index), 16383) << index;
-    }
-    for (int code : {1004, 1, 41, -1, 1101, 32767}) {
-        EXPECT_EQ(GetButtonIndexFromType(code), 0) << code;
-    }
-    EXPECT_EQ(ButtonFunctionOf(1004).longName, "Inactive");
-}
-
-TEST(ButtonCatalogue, NamesAreUniqueAndLabelsFitEightCharacters) {
-    std::set<std::string_view> longNames;
-    for (const ButtonFunction& f : ButtonCatalogue()) {
-        longNames.insert(f.longName);
-        EXPECT_LE(f.shortLabel.size(), 8u) << f.longName;
-    }
-    EXPECT_EQ(longNames.size(), 16u);
-    EXPECT_EQ(ButtonFunctionOf(810).longName, "Output Select W/Listen");
-    EXPECT_EQ(ButtonFunctionOf(0).shortLabel, "CnsSrc");
-    // Tally variants show the label of their plain variant.
-    EXPECT_EQ(ButtonFunctionOf(1010).shortLabel, ButtonFunctionOf(1000).shortLabel);
-    EXPECT_EQ(ButtonFunctionOf(1112).shortLabel, "OptoMom");
-}
 
 // Names out of alphabetical order, so that sorted order and channel order differ.
 PanelStore StoreWithAlphas() {
@@ -50,6 +16,71 @@ PanelStore StoreWithAlphas() {
     BuildAlphaTable(store.alpha(SubType::Opto), {"ON AIR", "DOOR"});
     BuildAlphaTable(store.alpha(SubType::Relay), {"LIGHT", "BELL", "FAN"});
     return store;
+}
+
+// All sixteen rows: type-list position, code, long name, short label and the
+// table each channel list draws from (seen through the first channel's name).
+TEST(ButtonCatalogue, EveryRowWithItsNamesAndChannelTables) {
+    const PanelStore store = StoreWithAlphas();
+    struct Row {
+        int16_t code;
+        const char* longName;
+        const char* shortLabel;
+        const char* first;  // entry 1 of the channel list; nullptr: only "Undefined"
+        const char* second; // the same for the second channel
+    };
+    const char* in = "MIC 1 [0001]";
+    const char* out = "PGM [0001]";
+    const char* opto = "ON AIR [0001]";
+    const char* relay = "LIGHT [0001]";
+    const Row rows[kButtonFunctionCount] = {
+        {16383, "Inactive", "Inactive", nullptr, nullptr},
+        {40, "Source Select", "SrcSel", in, nullptr},
+        {150, "Talk", "Talk", out, nullptr},
+        {800, "Output Select", "OutSel", out, nullptr},
+        {810, "Output Select W/Listen", "OutSel", out, in},
+        {0, "Console Source Select", "CnsSrc", in, nullptr},
+        {1000, "Relay Toggle", "RlyTgl", relay, nullptr},
+        {1002, "Relay Momentary", "RlyMom", relay, nullptr},
+        {1010, "Relay Toggle - Opto Tally", "RlyTgl", relay, opto},
+        {1012, "Relay Momentary - Opto Tally", "RlyMom", relay, opto},
+        {1100, "Opto Toggle", "OptoTgl", opto, nullptr},
+        {1102, "Opto Momentary", "OptoMom", opto, nullptr},
+        {1105, "Opto Toggle - Opto Tally", "OptoTgl", opto, opto},
+        {1107, "Opto Momentary - Opto Tally", "OptoMom", opto, opto},
+        {1110, "Opto Toggle - Relay Tally", "OptoTgl", opto, relay},
+        {1112, "Opto Momentary - Relay Tally", "OptoMom", opto, relay},
+    };
+    const auto expectList = [](const std::vector<std::string>& list, const char* entry) {
+        if (entry == nullptr) {
+            EXPECT_EQ(list, std::vector<std::string>{"Undefined"});
+        } else {
+            ASSERT_GT(list.size(), 1u);
+            EXPECT_EQ(list[1], entry);
+        }
+    };
+    for (int i = 0; i < kButtonFunctionCount; ++i) {
+        const Row& row = rows[i];
+        SCOPED_TRACE(row.longName);
+        EXPECT_EQ(GetButtonTypeFromIndex(i), row.code);
+        EXPECT_EQ(GetButtonIndexFromType(row.code), i);
+        const ButtonFunction& f = ButtonCatalogue()[static_cast<size_t>(i)];
+        EXPECT_EQ(f.index, i);
+        EXPECT_EQ(f.code, row.code);
+        EXPECT_EQ(f.longName, row.longName);
+        EXPECT_EQ(f.shortLabel, row.shortLabel);
+        const ChannelLists lists = ChannelListsForType(store, row.code);
+        expectList(lists.first, row.first);
+        expectList(lists.second, row.second);
+        EXPECT_EQ(lists.secondEnabled, row.second != nullptr);
+    }
+    // Positions outside the list and codes outside the table mean "Inactive".
+    for (int index : {-1, 16, -32768}) {
+        EXPECT_EQ(GetButtonTypeFromIndex(index), 16383) << index;
+    }
+    for (int code : {1004, 1, 41, -1, 1101, 32767}) {
+        EXPECT_EQ(GetButtonIndexFromType(code), 0) << code;
+    }
 }
 
 TEST(ButtonLabel, CodeRangeSelectsTheTableAndChannelTheName) {
@@ -77,26 +108,6 @@ TEST(ButtonLabel, CodeRangeSelectsTheTableAndChannelTheName) {
     }
 }
 
-TEST(ButtonLabel, ReadsTheButtonOfTheTemplate) {
-    PanelStore store = StoreWithAlphas();
-    store.ResizeTemplates(2);
-    store.templateCount = 2;
-    ButtonTemplate& t = store.buttonTemplates[1];
-    t.buttonCount = 2;
-    t.buttons.assign(2, PanelButton::Cleared());
-    t.buttons[1].type = 1010; // Relay Toggle - Opto Tally
-    t.buttons[1].channel = 1;
-
-    Status st;
-    EXPECT_EQ(GetButtonLabel(store, 1, 1, &st), "BELL");
-    EXPECT_TRUE(st.ok());
-    EXPECT_EQ(GetButtonLabel(store, 1, 0, &st), "None");
-    for (auto [pos, button] : {std::pair{2, 0}, std::pair{1, 2}}) {
-        EXPECT_EQ(GetButtonLabel(store, pos, button, &st), "");
-        EXPECT_EQ(st.failure().code, ErrorCode::SubscriptOutOfRange);
-    }
-}
-
 TEST(ChannelLists, EntriesFollowChannelOrderWithFourDigitNumbers) {
     const PanelStore store = StoreWithAlphas();
     EXPECT_EQ(ChannelNameList(store, SubType::Input),
@@ -111,38 +122,6 @@ TEST(ChannelLists, EntriesFollowChannelOrderWithFourDigitNumbers) {
     ASSERT_EQ(list.size(), 10001u);
     EXPECT_EQ(list[9999], "X [9999]");
     EXPECT_EQ(list[10000], "X [10000]");
-}
-
-TEST(ChannelLists, EachFieldDrawsFromItsOwnTable) {
-    const PanelStore store = StoreWithAlphas();
-    const ChannelLists relayOpto = ChannelListsForType(store, 1010);
-    EXPECT_EQ(relayOpto.first[1], "LIGHT [0001]");
-    EXPECT_EQ(relayOpto.second[1], "ON AIR [0001]");
-    EXPECT_TRUE(relayOpto.secondEnabled);
-
-    const ChannelLists optoRelay = ChannelListsForType(store, 1110);
-    EXPECT_EQ(optoRelay.first[2], "DOOR [0002]");
-    EXPECT_EQ(optoRelay.second[3], "FAN [0003]");
-
-    const ChannelLists listen = ChannelListsForType(store, 810);
-    EXPECT_EQ(listen.first[1], "PGM [0001]");
-    EXPECT_EQ(listen.second[1], "MIC 1 [0001]");
-
-    const ChannelLists single = ChannelListsForType(store, 1000);
-    EXPECT_EQ(single.first.size(), 4u);
-    EXPECT_EQ(single.second, (std::vector<std::string>{"Undefined"}));
-    EXPECT_FALSE(single.secondEnabled);
-    EXPECT_EQ(ChannelListsForType(store, 16383).first, (std::vector<std::string>{"Undefined"}));
-}
-
-TEST(ChannelLists, PositionsStandForChannelMinusOne) {
-    EXPECT_EQ(ChannelListPosition(16383), 0);
-    EXPECT_EQ(ChannelFromListPosition(0), 16383);
-    EXPECT_EQ(ChannelFromListPosition(-1), 16383);
-    for (int ch : {0, 1, 57, 16382}) {
-        EXPECT_EQ(ChannelListPosition(ch), ch + 1);
-        EXPECT_EQ(ChannelFromListPosition(ChannelListPosition(ch)), ch);
-    }
 }
 
 } // namespace

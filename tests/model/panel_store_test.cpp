@@ -71,18 +71,5 @@ TEST(PanelStore, ResizeKeepsAtLeastOneElementAndParallelArraysAligned) {
     EXPECT_EQ(g.buttonTemplates[2].number, 7);
 }
 
-TEST(PanelStore, SubTypeCodeFamiliesAreDistinct) {
-    for (SubType s : kAllSubTypes) {
-        EXPECT_EQ(SubTypeFromAlphaCode(AlphaTypeCode(s)), s);
-        EXPECT_EQ(SubTypeFromListCode(ListTypeCode(s)), s);
-        // A user group entry never uses the alpha codes and vice versa.
-        EXPECT_EQ(SubTypeFromListCode(AlphaTypeCode(s)), std::nullopt);
-        EXPECT_EQ(SubTypeFromAlphaCode(ListTypeCode(s)), std::nullopt);
-    }
-    EXPECT_EQ(ListTypeCode(SubType::Relay), 41);
-    EXPECT_EQ(AlphaTypeCode(SubType::Opto), 30);
-    EXPECT_EQ(SubTypeFromListCode(83), std::nullopt);
-}
-
 } // namespace
 } // namespace lumeth

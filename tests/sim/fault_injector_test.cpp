@@ -31,49 +31,6 @@ std::string Joined(const Delivery& d) {
 
 } // namespace
 
-TEST(FaultInjector, WithoutFaultsOrForNonAnswersEveryMessageGoesOutWhole) {
-    FaultInjector none(FaultOptions{}, 1);
-    const std::string m = Answer(40);
-    for (int i = 0; i < 100; ++i) {
-        const Delivery d = none.Shape(m, true);
-        ASSERT_EQ(d.chunks.size(), 1u);
-        EXPECT_EQ(d.chunks[0].bytes, m);
-        EXPECT_EQ(d.chunks[0].delayMs, 0);
-        EXPECT_FALSE(d.closeAfter);
-    }
-    // Only answers are corrupted or cut; neither the identity query nor a poll.
-    FaultOptions options;
-    options.checksum = 1.0;
-    options.cut = 1.0;
-    FaultInjector faults(options, 1);
-    const std::string identity = "\x81\x64\x64\xFF";
-    EXPECT_EQ(Joined(faults.Shape(identity, false)), identity);
-    EXPECT_EQ(Joined(faults.Shape("\xF5", true)), "\xF5");
-}
-
-TEST(FaultInjector, TheSameSeedAndConnectionGiveTheSameFaults) {
-    FaultOptions options;
-    options.seed = 42;
-    options.split = true;
-    options.garbage = 0.5;
-    options.checksum = 0.3;
-    options.cut = 0.2;
-    FaultInjector a(options, 3), b(options, 3), other(options, 4);
-    bool differs = false;
-    for (int i = 0; i < 50; ++i) {
-        const std::string m = Answer(static_cast<size_t>(10 + i));
-        const Delivery da = a.Shape(m, true);
-        const Delivery db = b.Shape(m, true);
-        ASSERT_EQ(da.chunks.size(), db.chunks.size());
-        for (size_t k = 0; k < da.chunks.size(); ++k) {
-            EXPECT_EQ(da.chunks[k].bytes, db.chunks[k].bytes);
-            EXPECT_EQ(da.chunks[k].delayMs, db.chunks[k].delayMs);
-        }
-        differs = differs || Joined(other.Shape(m, true)) != Joined(da);
-    }
-    EXPECT_TRUE(differs) << "another connection should draw other faults";
-}
-
 // Each spoiling fault at certainty, checked over many draws.
 TEST(FaultInjector, SpoiledMessagesKeepTheirShape) {
     FaultOptions checksum, cut, garbage;

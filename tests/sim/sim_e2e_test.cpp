@@ -1,5 +1,5 @@
-// lumeth-sim as a process on loopback: start-up, the state file, bad input
-// from a bare socket client and the trace.
+// lumeth-sim as a process on loopback: bad input from a bare socket client
+// never crashes it or changes its state.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -8,11 +8,9 @@
 #include "link/codec.h"
 #include "link/link_state.h"
 #include "link/session.h"
-#include "tests/sim/sim_loop.h"
+#include "tests/sim/client_recorder.h"
 #include "tests/sim/sim_process.h"
-#include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
-#include "tools/sim/state_file.h"
 
 using namespace lumeth;
 using namespace lumeth::testing;
@@ -25,53 +23,6 @@ std::string ReadFile(const QString& path) {
 }
 
 } // namespace
-
-TEST(SimProcessTest, CreatesAMissingStateFileFromTheDemo) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("state.json");
-    {
-        SimProcess sim;
-        ASSERT_TRUE(sim.Start({"--state", path})) << sim.Log().toStdString();
-        EXPECT_TRUE(sim.firstLine.contains(path)) << sim.firstLine.toStdString();
-        EXPECT_TRUE(sim.firstLine.contains("password: studio")) << sim.firstLine.toStdString();
-    }
-    sim::SimState loaded;
-    ASSERT_TRUE(sim::LoadStateFile(path.toStdString(), loaded));
-    EXPECT_EQ(loaded.password(), "studio");
-    EXPECT_EQ(DumpStore(loaded.store()), DumpStore(sim::MakeDemo("demo").store));
-}
-
-TEST(SimProcessTest, StartUpFailuresExitWithTheirCodeAndOneLine) {
-    QTemporaryDir dir;
-    const QString bad = dir.filePath("bad.json");
-    QFile f(bad);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("{\"format\": \"lumeth-panel-data\", \"version\": 1, \"password\": 5}");
-    f.close();
-    SimProcess first;
-    ASSERT_TRUE(first.Start({}));
-
-    struct Case {
-        QStringList args;
-        int exitCode;
-        QStringList logged;
-    };
-    const Case cases[] = {
-        {{"--state", bad}, 2, {bad, "password"}},
-        {{"--listen", QString("127.0.0.1:%1").arg(first.port)}, 3, {"already in use"}},
-    };
-    for (const Case& c : cases) {
-        SimProcess refused;
-        EXPECT_FALSE(refused.Start(c.args));
-        EXPECT_EQ(refused.WaitForExit(), c.exitCode);
-        const QString log = refused.Log().trimmed();
-        for (const QString& text : c.logged) {
-            EXPECT_TRUE(log.contains(text)) << log.toStdString();
-        }
-        EXPECT_FALSE(log.contains('\n')) << "one line: " << log.toStdString();
-    }
-    EXPECT_TRUE(first.Running());
-}
 
 TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     QTemporaryDir dir;
@@ -110,18 +61,6 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     EXPECT_EQ(ReadFile(path), before);
     EXPECT_TRUE(sim.WaitForLog("Incomplete Message DF")) << sim.Log().toStdString();
     EXPECT_TRUE(sim.WaitForLog("rejected")) << sim.Log().toStdString();
-}
-
-TEST(SimProcessTest, TracesFramesAndLogsUnansweredPolls) {
-    SimProcess sim;
-    ASSERT_TRUE(sim.Start({"--trace", "--poll-interval", "40"}));
-    RawClient client;
-    ASSERT_TRUE(client.Connect(sim.port));
-    ASSERT_EQ(client.Read(1).size(), 1u);
-    client.Send(codec::IdentityAnswer());
-    for (const char* text : {"> 81 64 64 FF", "< 81 11 01 12 FF", "> F5", "no poll answer"}) {
-        EXPECT_TRUE(sim.WaitForLog(text)) << text << "\n" << sim.Log().toStdString();
-    }
 }
 
 TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNotReading) {

@@ -16,50 +16,6 @@ TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
     EXPECT_FALSE(o->faults.Any());
 }
 
-TEST(SimOptions, ParsesEverySwitch) {
-    std::string error;
-    const auto o = ParseSimOptions({"--listen",
-                                    "[::1]:0",
-                                    "--state",
-                                    "s.json",
-                                    "--demo",
-                                    "max",
-                                    "--poll-interval",
-                                    "0",
-                                    "--trace",
-                                    "--seed",
-                                    "9",
-                                    "--fault-split",
-                                    "--fault-garbage",
-                                    "0.25",
-                                    "--fault-checksum",
-                                    "1",
-                                    "--fault-cut",
-                                    "0.5",
-                                    "--fault-drop",
-                                    "4",
-                                    "--fault-slow",
-                                    "2",
-                                    "--alpha-width",
-                                    "12"},
-                                   error);
-    ASSERT_TRUE(o) << error;
-    EXPECT_EQ(o->host, "::1");
-    EXPECT_EQ(o->port, 0);
-    EXPECT_EQ(*o->stateFile, "s.json");
-    EXPECT_EQ(o->demo, "max");
-    EXPECT_EQ(o->pollIntervalMs, 0);
-    EXPECT_TRUE(o->trace);
-    EXPECT_EQ(o->faults.seed, 9u);
-    EXPECT_TRUE(o->faults.split);
-    EXPECT_DOUBLE_EQ(o->faults.garbage, 0.25);
-    EXPECT_DOUBLE_EQ(o->faults.checksum, 1.0);
-    EXPECT_DOUBLE_EQ(o->faults.cut, 0.5);
-    EXPECT_EQ(o->faults.dropAfter, 4);
-    EXPECT_EQ(o->faults.slowMs, 2);
-    EXPECT_EQ(o->alphaWidth, 12);
-}
-
 TEST(SimOptions, RejectsBadValuesWithOneLine) {
     const std::vector<std::vector<std::string>> bad = {
         {"--listen", "1250"},       {"--listen", "127.0.0.1:70000"},

@@ -82,12 +82,7 @@ public:
         m_process.waitForReadyRead(ms);
         Log();
     }
-    // Run to the end (for start-up failures); returns the exit code.
-    int WaitForExit(int timeoutMs = 10000) {
-        m_process.waitForFinished(timeoutMs);
-        Log();
-        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
-    }
+    // Ends the emulator: asked first, then killed.
     void Stop() {
         if (m_process.state() != QProcess::NotRunning) {
             m_process.terminate();

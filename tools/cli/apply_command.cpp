@@ -93,6 +93,10 @@ int RunApply(const std::vector<std::string>& args) {
     if (!LoadDocument(path, doc, error) || !CheckUploadable(path, doc.form, error)) {
         return Error(ExitCode::BadInput, error);
     }
+    // A section left out would empty that part on the server module.
+    if (!doc.allSections) {
+        return Error(ExitCode::BadInput, path + ": " + doc.allSections.failure().detail);
+    }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
         return UsageError(password.error);

@@ -56,7 +56,8 @@ void PrintUsage(std::ostream& out) {
            "content tells which. The extension of OUT (.dat or .json) chooses its form.\n"
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
            "or link lost, 4 wrong password, 5 timed out waiting for the server module,\n"
-           "6 apply: the server module holds a configuration that differs from FILE\n";
+           "6 apply: the server module holds a configuration that differs from FILE,\n"
+           "7 cannot write an output file\n";
 }
 
 int UsageError(const std::string& message) {
@@ -86,7 +87,17 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
         error = path + ": cannot open: " + std::strerror(errno);
         return false;
     }
-    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // A JSON document too large to read is refused before it is loaded (its
+    // size known: a pipe is read as it comes).
+    std::string bytes(4096, '\0');
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<size_t>(in.gcount()));
+    const std::uintmax_t size = fs::file_size(path, ec);
+    if (const Status fits = CheckJsonDocumentSize(size); !ec && LooksLikeJson(bytes) && !fits) {
+        error = path + ": " + fits.failure().detail;
+        return false;
+    }
+    bytes.append(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     if (in.bad()) {
         error = path + ": cannot read: " + std::strerror(errno);
         return false;
@@ -102,6 +113,7 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
         }
         doc.hasAlphas = result.hasAlphas;
         doc.password = result.password;
+        doc.allSections = result.RequireAllSections();
         return true;
     }
 
@@ -128,32 +140,42 @@ std::optional<Document::Form> FormForPath(const std::string& path) {
     return std::nullopt;
 }
 
-bool EncodeDocument(const Document& doc, Document::Form form, std::string& bytes,
-                    std::string& error) {
-    if (form == Document::Form::PanelData) {
-        bytes = EncodePanelData(doc.store);
-        return true;
-    }
-    JsonDocumentOptions options;
-    options.includeAlphas = doc.hasAlphas;
-    options.password = doc.password;
-    bytes = WriteJsonDocument(doc.store, options);
-    PanelStore check;
-    const JsonReadResult readBack = ReadJsonDocument(bytes, check);
-    if (!readBack.status) {
-        error = "cannot be written as a JSON document: " + readBack.status.failure().detail;
-        return false;
+bool CheckEncodable(const Document& doc, Document::Form form, std::string& error) {
+    if (form == Document::Form::Json) {
+        const Status status = CheckJsonDocumentValues(doc.store);
+        if (!status) {
+            error = "cannot be written as a JSON document: " + status.failure().detail;
+            return false;
+        }
     }
     return true;
 }
 
-bool WriteOutput(const std::string& path, const std::string& bytes, std::string& error) {
-    const Status status = ReplaceFileContents(path, bytes);
-    if (!status) {
-        error = path + ": " + status.failure().detail;
-        return false;
+bool EncodeDocument(const Document& doc, Document::Form form, const ByteSink& sink) {
+    if (form == Document::Form::PanelData) {
+        return sink(EncodePanelData(doc.store));
     }
-    return true;
+    JsonDocumentOptions options;
+    options.includeAlphas = doc.hasAlphas;
+    options.password = doc.password;
+    return WriteJsonDocument(doc.store, options, sink);
+}
+
+int WriteDocumentFile(const Document& doc, Document::Form form, const std::string& path,
+                      const std::string& source) {
+    std::string error;
+    if (!CheckEncodable(doc, form, error)) {
+        return Error(ExitCode::BadInput, source + ": " + error);
+    }
+    const bool secret = form == Document::Form::Json && doc.password.has_value();
+    const Status status = ReplaceFile(
+        path, [&](const ByteSink& sink) { return EncodeDocument(doc, form, sink); },
+        secret ? NewFileAccess::Owner : NewFileAccess::Shared);
+    if (!status) {
+        return Error(ExitCode::WriteFailed,
+                     "cannot write " + path + ": " + status.failure().detail);
+    }
+    return ToInt(ExitCode::Ok);
 }
 
 int DisplayListTotal(const PanelStore& store) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "files/file_io.h"
 #include "model/panel_store.h"
 
 namespace lumeth::cli {
@@ -16,8 +17,9 @@ enum class ExitCode : int {
     BadInput = 2,    // missing, unreadable or invalid file: one line on stderr
     Unreachable = 3, // the server module cannot be reached or the link was lost
     WrongPassword = 4,
-    Timeout = 5, // timed out waiting for the server module
-    Differs = 6, // apply: the server module holds something other than FILE
+    Timeout = 5,     // timed out waiting for the server module
+    Differs = 6,     // apply: the server module holds something other than FILE
+    WriteFailed = 7, // an output file could not be written (space, permission)
 };
 
 int ToInt(ExitCode code);
@@ -50,6 +52,9 @@ struct Document {
     PanelStore store;
     bool hasAlphas = false;
     std::optional<std::string> password;
+    // Fails naming the sections a JSON document leaves out (read as empty);
+    // ok for a panel data file, which always holds every section.
+    Status allSections;
 };
 
 // Read `path` as a panel data file or a JSON document, told apart by content:
@@ -60,14 +65,17 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error);
 // The form an output file gets from its extension (.dat or .json, any case).
 std::optional<Document::Form> FormForPath(const std::string& path);
 
-// The document as bytes in `form`. For a JSON document it is first checked
-// that the text reads back (a panel data file can hold values the JSON
-// document does not allow); on failure returns false with `error` set.
-bool EncodeDocument(const Document& doc, Document::Form form, std::string& bytes,
-                    std::string& error);
-
-// Write `bytes` to `path` atomically (temporary file + rename).
-bool WriteOutput(const std::string& path, const std::string& bytes, std::string& error);
+// Whether `doc` can be written in `form` (a panel data file can hold channel
+// numbers the JSON document does not allow); on failure `error` says why.
+bool CheckEncodable(const Document& doc, Document::Form form, std::string& error);
+// `doc` in `form`, piece by piece into `sink`; false when the sink failed.
+bool EncodeDocument(const Document& doc, Document::Form form, const ByteSink& sink);
+// Check `doc`, then replace `path` with it atomically (a new file holding the
+// password is readable by its owner only). Prints one line on failure and
+// returns the exit code: BadInput naming `source` when the content cannot be
+// written in that form, WriteFailed when the file cannot be written.
+int WriteDocumentFile(const Document& doc, Document::Form form, const std::string& path,
+                      const std::string& source);
 
 // Display lists of all four sub types, for one-line summaries.
 int DisplayListTotal(const PanelStore& store);

@@ -23,14 +23,7 @@ int RunConvert(const std::vector<std::string>& args) {
     if (!LoadDocument(in, doc, error)) {
         return Error(ExitCode::BadInput, error);
     }
-    std::string bytes;
-    if (!EncodeDocument(doc, *form, bytes, error)) {
-        return Error(ExitCode::BadInput, in + ": " + error);
-    }
-    if (!WriteOutput(out, bytes, error)) {
-        return Error(ExitCode::BadInput, error);
-    }
-    return ToInt(ExitCode::Ok);
+    return WriteDocumentFile(doc, *form, out, in);
 }
 
 } // namespace lumeth::cli

@@ -1,4 +1,5 @@
 #include "files/crosspoint_map.h"
+#include "files/file_io.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
@@ -38,8 +39,10 @@ int RunCrosspoints(const std::vector<std::string>& args) {
     if (!encoded) {
         return Error(ExitCode::BadInput, in + ": " + encoded.failure().detail);
     }
-    if (!WriteOutput(out, csv, error)) {
-        return Error(ExitCode::BadInput, error);
+    const Status written = ReplaceFileContents(out, csv);
+    if (!written) {
+        return Error(ExitCode::WriteFailed,
+                     "cannot write " + out + ": " + written.failure().detail);
     }
     return ToInt(ExitCode::Ok);
 }

@@ -47,12 +47,8 @@ int RunFetch(const std::vector<std::string>& args) {
     doc.form = *form;
     doc.store = client.store();
     doc.hasAlphas = true; // only the JSON document carries them
-    std::string bytes;
-    if (!EncodeDocument(doc, *form, bytes, error)) {
-        return Error(ExitCode::BadInput, out + ": " + error);
-    }
-    if (!WriteOutput(out, bytes, error)) {
-        return Error(ExitCode::BadInput, error);
+    if (const int code = WriteDocumentFile(doc, *form, out, out); code != 0) {
+        return code;
     }
 
     const PanelStore& store = doc.store;

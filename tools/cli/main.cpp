@@ -1,12 +1,16 @@
 // lumeth-cli: scripted access to panel configurations. main() only finds the
 // command in the table and hands it the remaining arguments.
+#include <clocale>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "tools/cli/cli_common.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int Run(int argc, char** argv) {
     using namespace lumeth::cli;
     if (argc < 2) {
         return UsageError("no command given");
@@ -23,4 +27,18 @@ int main(int argc, char** argv) {
         }
     }
     return UsageError("unknown command \"" + name + "\"");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // The error log's dates and times in the system's short format.
+    std::setlocale(LC_ALL, "");
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        // An input too large for memory: one line, like any other bad input.
+        return lumeth::cli::Error(lumeth::cli::ExitCode::BadInput,
+                                  "not enough memory for this input");
+    }
 }

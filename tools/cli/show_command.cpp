@@ -167,12 +167,13 @@ int RunShow(const std::vector<std::string>& args) {
         return Error(ExitCode::BadInput, error);
     }
     if (json) {
-        std::string bytes;
-        if (!EncodeDocument(doc, Document::Form::Json, bytes, error)) {
+        if (!CheckEncodable(doc, Document::Form::Json, error)) {
             return Error(ExitCode::BadInput, path + ": " + error);
         }
-        std::cout << bytes;
-        return ToInt(ExitCode::Ok);
+        EncodeDocument(doc, Document::Form::Json, [](std::string_view piece) {
+            return static_cast<bool>(std::cout.write(piece.data(), std::streamsize(piece.size())));
+        });
+        return std::cout.good() ? ToInt(ExitCode::Ok) : ToInt(ExitCode::BadInput);
     }
 
     if (doc.form == Document::Form::PanelData) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -32,9 +33,7 @@ void Error(const std::string& line) {
     std::cerr << "lumeth-sim: " << line << std::endl;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Run(int argc, char** argv) {
     std::vector<std::string> args(argv + 1, argv + argc);
     std::string error;
     const auto parsed = ParseSimOptions(args, error);
@@ -116,4 +115,16 @@ int main(int argc, char** argv) {
         Error("fault injection on, seed " + std::to_string(options.faults.seed));
     }
     return app.exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        // A state file too large for memory: one line, as for any bad state file.
+        Error("not enough memory for the state file");
+        return kExitBadState;
+    }
 }

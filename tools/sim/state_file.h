@@ -17,7 +17,8 @@ Status LoadStateFile(const std::string& path, SimState& state);
 
 // Write `state` to `path` atomically: a temporary file in the same folder,
 // flushed to disk, then renamed over the old file, so an emulator killed at
-// any moment leaves either the old or the new state. Returns "" or the error.
+// any moment leaves either the old or the new state. A new file is created
+// 0600 (it holds the password). Returns "" or the error.
 std::string SaveStateFile(const std::string& path, const SimState& state);
 
 } // namespace lumeth::sim
