@@ -28,6 +28,7 @@
 #include "model/button_catalogue.h"
 #include "model/button_templates.h"
 #include "ui/channel_list_models.h"
+#include "ui/control_array.h"
 #include "ui/duplicate_template_dialog.h"
 #include "ui/file_dialog.h"
 #include "ui/label_sheet_pdf.h"
@@ -40,15 +41,6 @@ namespace {
 constexpr int kLabelLength = 8;
 constexpr int kNameLength = 16;
 constexpr int kNumberDigits = 3;
-
-// A member of a control array: `<array>_<index>` with the array's name and
-// index as dynamic properties.
-template <typename W> W* ArrayMember(W* widget, const char* array, int index) {
-    widget->setObjectName(QStringLiteral("%1_%2").arg(array).arg(index));
-    widget->setProperty("controlArray", array);
-    widget->setProperty("controlIndex", index);
-    return widget;
-}
 
 QPushButton* MakeButton(QWidget* parent, const QString& caption, const QString& tip = {}) {
     auto* button = new QPushButton(caption, parent);

@@ -31,6 +31,7 @@
 #include "model/list_records.h"
 #include "model/view_keys.h"
 #include "ui/busy_flag.h"
+#include "ui/control_array.h"
 #include "ui/duplicate_display_list_dialog.h"
 #include "ui/file_dialog.h"
 #include "ui/list_item_model.h"
@@ -192,10 +193,8 @@ void DisplayListEditor::BuildControls() {
     auto* subTypeRow = new QHBoxLayout(m_subTypeFrame);
     for (size_t i = 0; i < 4; ++i) {
         const int code = kListTypes[i];
-        auto* button = new QRadioButton(SubTypeName(kAllSubTypes[i]), m_subTypeFrame);
-        button->setObjectName(QStringLiteral("optSubType_%1").arg(code));
-        button->setProperty("controlArray", "optSubType");
-        button->setProperty("controlIndex", code);
+        auto* button = ArrayMember(new QRadioButton(SubTypeName(kAllSubTypes[i]), m_subTypeFrame),
+                                   "optSubType", code);
         subTypeRow->addWidget(button);
         m_subTypeButtons[i] = button;
         connect(button, &QRadioButton::clicked, this, [this, code] { SubTypeClicked(code); });

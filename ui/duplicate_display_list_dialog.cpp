@@ -12,20 +12,10 @@
 
 #include "model/list_records.h"
 #include "ui/busy_flag.h"
+#include "ui/control_array.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
-
-namespace {
-
-template <typename Widget> Widget* ArrayMember(Widget* widget, const char* array, int index) {
-    widget->setObjectName(QStringLiteral("%1_%2").arg(array).arg(index));
-    widget->setProperty("controlArray", array);
-    widget->setProperty("controlIndex", index);
-    return widget;
-}
-
-} // namespace
 
 DuplicateDisplayListDialog::DuplicateDisplayListDialog(PanelStore& store, ErrorReporter reporter,
                                                        QWidget* parent)

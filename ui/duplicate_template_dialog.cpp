@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "model/button_templates.h"
+#include "ui/control_array.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -24,15 +25,9 @@ DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, ErrorReporte
     auto* grid = new QGridLayout;
     const char* captions[2] = {"From List", "To List"};
     for (int i = 0; i < 2; ++i) {
-        auto* label = new QLabel(captions[i], this);
-        label->setObjectName(QStringLiteral("lblList_%1").arg(i));
-        label->setProperty("controlArray", "lblList");
-        label->setProperty("controlIndex", i);
+        auto* label = ArrayMember(new QLabel(captions[i], this), "lblList", i);
         m_models[i] = new QStringListModel(this);
-        m_lists[i] = new QComboBox(this);
-        m_lists[i]->setObjectName(QStringLiteral("cmbListAlphas_%1").arg(i));
-        m_lists[i]->setProperty("controlArray", "cmbListAlphas");
-        m_lists[i]->setProperty("controlIndex", i);
+        m_lists[i] = ArrayMember(new QComboBox(this), "cmbListAlphas", i);
         // The same words as the display list dialog's lists.
         m_lists[i]->setToolTip("Current Display List to Edit");
         m_lists[i]->setModel(m_models[i]);

@@ -26,6 +26,7 @@
 #include "link/wire.h"
 #include "model/button_catalogue.h"
 #include "model/button_templates.h"
+#include "tests/gui/gui_support.h"
 #include "ui/button_editor.h"
 #include "ui/channel_list_models.h"
 #include "ui/duplicate_template_dialog.h"
@@ -33,15 +34,10 @@
 #include "ui/qt_text.h"
 
 using namespace lumeth;
+using lumeth::test::Child;
+using lumeth::test::WhenModal;
 
 namespace {
-
-template <typename T> T* Child(QObject* parent, const QString& name) {
-    T* child = parent->findChild<T*>(name);
-    if (!child)
-        qFatal("no control %s", qPrintable(name));
-    return child;
-}
 
 // Four small channel tables ("MIC 1".., "SPK 1".., "GPI 1".., "GPO 1"..) and
 // `templates` templates "Template N" of 32 Source Select buttons, button b of
@@ -78,21 +74,6 @@ struct Reported {
     std::string location;
     std::string category;
 };
-
-// Run `action` on the modal dialog `name` as soon as it is up.
-void WhenModal(const QString& name, std::function<void(QWidget*)> action) {
-    auto* timer = new QTimer;
-    timer->setInterval(20);
-    QObject::connect(timer, &QTimer::timeout, [timer, name, action] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal || modal->objectName() != name)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        action(modal);
-    });
-    timer->start();
-}
 
 } // namespace
 
