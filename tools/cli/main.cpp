@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "lumeth/version.h"
 #include "tools/cli/cli_common.h"
 
 int main(int argc, char** argv) {
@@ -14,6 +15,10 @@ int main(int argc, char** argv) {
     const std::string name = argv[1];
     if (name == "-h" || name == "--help" || name == "help") {
         PrintUsage(std::cout);
+        return ToInt(ExitCode::Ok);
+    }
+    if (name == "--version") {
+        std::cout << "lumeth-cli " << lumeth::kProductVersion << "\n";
         return ToInt(ExitCode::Ok);
     }
     const std::vector<std::string> args(argv + 2, argv + argc);
