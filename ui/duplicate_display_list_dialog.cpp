@@ -12,6 +12,7 @@
 
 #include "model/list_records.h"
 #include "ui/busy_flag.h"
+#include "ui/natural_size.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -80,8 +81,9 @@ DuplicateDisplayListDialog::DuplicateDisplayListDialog(PanelStore& store, ErrorR
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
     layout->addWidget(frame);
-    layout->addStretch(1);
     layout->addLayout(buttons);
+    // Natural size: it shrinks when the sub type frame is hidden for groups.
+    KeepNaturalSize(this);
 }
 
 void DuplicateDisplayListDialog::setMode(int16_t mode) {

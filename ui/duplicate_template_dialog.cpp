@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "model/button_templates.h"
+#include "ui/natural_size.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -61,7 +62,7 @@ DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, ErrorReporte
     layout->addLayout(grid);
     layout->addSpacing(8);
     layout->addLayout(buttons);
-    setMinimumWidth(380);
+    KeepNaturalSize(this);
 
     LoadTemplateLists();
 }
