@@ -465,10 +465,8 @@ void MainWindow::Apply() {
     m_applying = false;
     m_send->setEnabled(true);
     // Sent only when the link stayed up for the whole upload.
-    if (wasConnected && m_link.connected) {
+    if (wasConnected && m_link.connected)
         m_unapplied = false;
-        statusBar()->showMessage("Sent to the server module", kStatusMessageMs);
-    }
     RefreshProgress();
 }
 
