@@ -43,7 +43,6 @@ private slots:
         QTest::newRow("group up at top") << "lvGroups" << 0 << int(Qt::Key_Up) << -1 << false;
         QTest::newRow("group enter") << "lvGroups" << 2 << int(Qt::Key_Return) << 2 << true;
         QTest::newRow("list down") << "lvDisplayLists" << 0 << int(Qt::Key_Down) << 0 << false;
-        QTest::newRow("list home") << "lvDisplayLists" << 1 << int(Qt::Key_Home) << 1 << false;
         QTest::newRow("list enter") << "lvDisplayLists" << 1 << int(Qt::Key_Enter) << 0 << true;
     }
     void keysDrillDownAsTheMouseDoes() {
@@ -115,8 +114,6 @@ private slots:
         QHelpEvent help(QEvent::ToolTip, {4, 4}, progress->mapToGlobal(QPoint(4, 4)));
         QApplication::sendEvent(progress, &help);
         QCOMPARE(QToolTip::text(), progress->text());
-        QVERIFY(link->width() >=
-                link->fontMetrics().horizontalAdvance("Server Module Not Connected"));
         QVERIFY2(link->x() >= 1024 / 4, qPrintable(QString::number(link->x())));
 
         // The link drops with the requests still marked: nothing is received.

@@ -82,12 +82,6 @@ private slots:
         // A writable executable folder comes next.
         QCOMPARE(ChooseProgramFolder(std::nullopt, exe, data), exe + "/");
         QVERIFY(!QDir(data).exists());
-        // Unless it is an installed bin folder, its launcher entry under ../share.
-        QVERIFY(QDir().mkpath(temp.path() + "/share/applications"));
-        QFile entry(temp.path() + "/share/applications/" + kDesktopEntryName);
-        QVERIFY(entry.open(QIODevice::WriteOnly));
-        QCOMPARE(ChooseProgramFolder(std::nullopt, exe, data), data + "/");
-        QVERIFY(entry.remove());
 
         // A read-only one falls back to the per-user data folder, created.
         QFile::setPermissions(exe, QFile::ReadOwner | QFile::ExeOwner);
