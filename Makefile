@@ -4,7 +4,7 @@ CLANG_BUILD ?= build-clang
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 20
 
-.PHONY: all deps configure build run test unit sanitize fuzz bench format clean
+.PHONY: all deps configure build run test unit package sanitize fuzz bench format clean
 
 all: build
 
@@ -25,8 +25,13 @@ run: build
 # and the bounded fuzz stage.
 test: unit sanitize fuzz
 
-unit: build
+# The package is built first so the suite also checks it (package_contents).
+unit: package
 	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
+
+# The Debian package, lumeth-admin_<version>_<arch>.deb in $(BUILD).
+package: build
+	cd $(BUILD) && cpack -G DEB
 
 $(CLANG_BUILD)/CMakeCache.txt:
 	cmake -S . -B $(CLANG_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo \

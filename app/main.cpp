@@ -1,30 +1,41 @@
 #include <QApplication>
-#include <QTextStream>
 
 #include <cstdio>
+#include <cstring>
 #include <new>
 
 #include "app/main_window.h"
 #include "app/program_folder.h"
+#include "lumeth/version.h"
 
 namespace {
 
 int Run(int argc, char* argv[]) {
+    // Answered before the application object exists, so both work without a display.
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
+            std::fputs("usage: lumeth-admin [--home DIR]\n"
+                       "       lumeth-admin --help | --version\n"
+                       "  --home DIR  keep kovadmin.ini, Errorlog.txt and panel data files in DIR\n"
+                       "              (default: the program's own folder when writable and not an\n"
+                       "              installed system folder, else the per-user data folder)\n",
+                       stdout);
+            return 0;
+        }
+        if (std::strcmp(argv[i], "--version") == 0) {
+            std::printf("lumeth-admin %s\n", lumeth::kProductVersion);
+            return 0;
+        }
+    }
+
     QApplication app(argc, argv);
     QApplication::setApplicationName("Lumeth Admin");
     QApplication::setOrganizationName("KOV");
+    QApplication::setApplicationVersion(lumeth::kProductVersion);
+    // Matches the installed launcher entry, so the desktop groups the window under it.
+    QGuiApplication::setDesktopFileName("lumeth-admin");
 
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.contains("--help") || arguments.contains("-h")) {
-        QTextStream(stdout)
-            << "usage: lumeth-admin [--home DIR]\n"
-               "  --home DIR  keep kovadmin.ini, Errorlog.txt and panel data files in DIR\n"
-               "              (default: the program's own folder when writable, else the\n"
-               "              per-user data folder)\n";
-        return 0;
-    }
-
-    lumeth::MainWindow window(lumeth::ProgramFolder(arguments).toStdString());
+    lumeth::MainWindow window(lumeth::ProgramFolder(QApplication::arguments()).toStdString());
     window.Start();
     window.show();
     return QApplication::exec();

@@ -12,8 +12,10 @@
 #include <new>
 #include <stdexcept>
 
+#include "app/drill_down_tree.h"
 #include "model/channel_alpha.h"
 #include "model/view_keys.h"
+#include "ui/fixed_pitch_font.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -35,8 +37,9 @@ template <typename T> const T& At(const std::vector<T>& values, int index) {
     return values.at(static_cast<size_t>(index));
 }
 
-QTreeWidget* MakeView(QWidget* parent, const char* name, const QStringList& headers) {
-    auto* view = new QTreeWidget(parent);
+template <typename View>
+View* MakeView(QWidget* parent, const char* name, const QStringList& headers) {
+    auto* view = new View(parent);
     view->setObjectName(name);
     view->setColumnCount(static_cast<int>(headers.size()));
     view->setHeaderLabels(headers);
@@ -45,14 +48,15 @@ QTreeWidget* MakeView(QWidget* parent, const char* name, const QStringList& head
     view->setSortingEnabled(false);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
     view->setAllColumnsShowFocus(true);
-    // Fixed key columns wide enough for the longest keys: sizing them to their
-    // contents would measure every row on each redraw.
+    // Key columns start wide enough for the longest keys (sizing them to their
+    // contents would measure every row on each redraw); the operator may
+    // widen them, and the window remembers it.
     QHeaderView* header = view->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(0, QHeaderView::Stretch);
     const int keyWidth = view->fontMetrics().horizontalAdvance(QStringLiteral("Lst.0000")) + 16;
     for (int column = 1; column < view->columnCount(); ++column) {
-        header->setSectionResizeMode(column, QHeaderView::Fixed);
+        header->setSectionResizeMode(column, QHeaderView::Interactive);
         header->resizeSection(column, keyWidth);
     }
     return view;
@@ -109,11 +113,17 @@ int16_t SubTypeForGroup(const PanelStore& store, int group) {
 
 MainViews::MainViews(PanelStore& store, Reporter reporter, QWidget* parent)
     : QObject(parent), m_store(store), m_reporter(std::move(reporter)) {
-    m_groups = MakeView(parent, "lvGroups", {"User Group", "Key"});
-    m_lists = MakeView(parent, "lvDisplayLists", {"Display List", "Key", "Type"});
+    auto* groups = MakeView<DrillDownTree>(parent, "lvGroups", {"User Group", "Key"});
+    auto* lists =
+        MakeView<DrillDownTree>(parent, "lvDisplayLists", {"Display List", "Key", "Type"});
+    m_groups = groups;
+    m_lists = lists;
     m_lists->setColumnHidden(2, true); // the ListTypeCode is for the handlers only
-    m_items = MakeView(parent, "lvItems", {"Channel", "Key"});
+    m_items = MakeView<QTreeWidget>(parent, "lvItems", {"Channel", "Key"});
     m_items->setColumnHidden(1, true); // the text already ends in the key
+    // Channel names are blank-padded to one width: in a fixed-pitch font the
+    // "(Ch.nnnn)" keys after them line up.
+    UseFixedPitchFont(m_items);
     m_items->setSelectionMode(QAbstractItemView::NoSelection);
     m_items->installEventFilter(this);
 
@@ -152,6 +162,12 @@ MainViews::MainViews(PanelStore& store, Reporter reporter, QWidget* parent)
     connect(m_groups, &QTreeWidget::itemDoubleClicked, this, &MainViews::GroupDoubleClicked);
     connect(m_lists, &QTreeWidget::itemClicked, this, &MainViews::ListClicked);
     connect(m_lists, &QTreeWidget::itemDoubleClicked, this, &MainViews::ListDoubleClicked);
+    // The keyboard drills down as the mouse does: moving to an item is its
+    // click, Enter its double-click.
+    connect(groups, &DrillDownTree::keyboardMoved, this, &MainViews::GroupClicked);
+    connect(groups, &DrillDownTree::enterPressed, this, &MainViews::GroupDoubleClicked);
+    connect(lists, &DrillDownTree::keyboardMoved, this, &MainViews::ListClicked);
+    connect(lists, &DrillDownTree::enterPressed, this, &MainViews::ListDoubleClicked);
 }
 
 QRadioButton* MainViews::subTypeButton(int listTypeCode) const {

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -11,6 +12,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QTreeWidget>
@@ -19,12 +21,14 @@
 #include <utility>
 
 #include "app/main_views.h"
+#include "app/window_layout.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/channel_list_models.h"
 #include "ui/display_list_editor.h"
+#include "ui/elided_label.h"
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/setup_dialog.h"
@@ -34,6 +38,9 @@ namespace lumeth {
 namespace {
 
 constexpr int kStatusMessageMs = 6000;
+// The largest part of the status bar the progress panel takes; the rest is
+// the link panel and the message area.
+constexpr double kProgressPanelShare = 0.45;
 
 QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
                         const QString& tip = {}) {
@@ -198,18 +205,27 @@ void MainWindow::BuildLayout() {
 
     QStatusBar* status = statusBar();
     status->setObjectName("stbStatus");
+    // Messages appear in the room left of the two panels: the link panel is
+    // as wide as its longer text, the progress panel no wider than its text
+    // and its share of the bar (cut with "...", whole in its tooltip).
     m_linkPanel = new QLabel(status);
+    m_linkPanel->setMinimumWidth(
+        m_linkPanel->fontMetrics().horizontalAdvance("Server Module Not Connected") + 8);
     m_linkPanel->setObjectName("stbStatus_1");
     m_linkPanel->setProperty("controlArray", "stbStatus");
     m_linkPanel->setProperty("controlIndex", 1);
-    m_progressPanel = new QLabel(status);
+    m_progressPanel = new ElidedLabel(status, kProgressPanelShare);
     m_progressPanel->setObjectName("stbStatus_2");
     m_progressPanel->setProperty("controlArray", "stbStatus");
     m_progressPanel->setProperty("controlIndex", 2);
-    status->addPermanentWidget(m_linkPanel, 1);
-    status->addPermanentWidget(m_progressPanel, 2);
+    status->addPermanentWidget(m_linkPanel);
+    status->addPermanentWidget(m_progressPanel);
 
-    resize(1060, 680);
+    // Until a remembered layout says otherwise: comfortable, and within the screen.
+    QSize size(1200, 780);
+    if (const QScreen* shown = screen())
+        size = size.boundedTo(shown->availableGeometry().size() * 0.95);
+    resize(size);
 }
 
 void MainWindow::Start() {
@@ -224,6 +240,8 @@ void MainWindow::Start() {
     if (!read)
         ReportError("Error Reading ini file", "File Error", read.failure());
     m_linkPanel->setText("Server Module Not Connected");
+    RestoreWindowLayout(*this, {m_views->groups(), m_views->displayLists(), m_views->items()},
+                        QString::fromStdString(m_folder));
     if (m_settings.serverPort == 0)
         m_settings.serverPort = 1250;
     m_link.serverAddress = m_settings.serverAddress;
@@ -275,6 +293,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     const Status written = WriteSettings(m_folder, m_settings);
     if (!written)
         ReportError("Error Writing ini file", "File Error", written.failure());
+    const Status layout =
+        SaveWindowLayout(*this, {m_views->groups(), m_views->displayLists(), m_views->items()},
+                         QString::fromStdString(m_folder));
+    if (!layout)
+        ReportError("Error Writing window layout", "File Error", layout.failure());
 
     // Unload every other window, the most recent first.
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -322,7 +345,9 @@ QString MainWindow::ProgressText() const {
         if ((name.maskA ? m_link.pendingA : m_link.pendingC) & name.bit)
             waiting << name.text;
     }
-    if (!waiting.isEmpty())
+    // Requests still marked pending while the link is down are not being
+    // answered: nothing is being received.
+    if (!waiting.isEmpty() && m_link.connected)
         return "Receiving: " + waiting.join(", ") + "...";
     if (m_applying)
         return "Sending...";
@@ -458,6 +483,8 @@ void MainWindow::SaveAll() {
     const Status saved = SavePanelDataFile(path.toStdString(), m_store);
     if (!saved)
         ReportError("Error Writing LumethEX File", "File Error", saved.failure());
+    else
+        statusBar()->showMessage("Saved " + QDir::toNativeSeparators(path), kStatusMessageMs);
 }
 
 void MainWindow::LoadAll() {
@@ -483,6 +510,7 @@ void MainWindow::LoadAll() {
     // Redrawn as a group download is: the groups, then the current group's lists.
     OnStoreChanged(StoreChange::UserGroups, SubType::Input);
     setUnappliedChanges(true);
+    statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
 }
 
 void MainWindow::ShowSetup() {

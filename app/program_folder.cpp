@@ -14,6 +14,13 @@ QString WithSeparator(QString folder) {
         folder += '/';
     return folder;
 }
+
+// An installed copy has its launcher entry under ../share beside its bin
+// folder. It keeps its files per user even where that bin folder is writable
+// (root, or a prefix in the user's home): the folder belongs to the package.
+bool IsInstalledLayout(const QString& executableDir) {
+    return QFileInfo::exists(executableDir + "/../share/applications/" + kDesktopEntryName);
+}
 } // namespace
 
 QString ChooseProgramFolder(const std::optional<QString>& home, const QString& executableDir,
@@ -23,7 +30,8 @@ QString ChooseProgramFolder(const std::optional<QString>& home, const QString& e
         return WithSeparator(*home);
     }
     const QFileInfo exe(executableDir);
-    if (!executableDir.isEmpty() && exe.isDir() && exe.isWritable())
+    if (!executableDir.isEmpty() && exe.isDir() && exe.isWritable() &&
+        !IsInstalledLayout(executableDir))
         return WithSeparator(executableDir);
     QDir().mkpath(dataDir);
     return WithSeparator(dataDir);

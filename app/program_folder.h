@@ -7,10 +7,14 @@
 
 namespace lumeth {
 
+// The launcher entry's file name, installed under share/applications.
+inline constexpr char kDesktopEntryName[] = "lumeth-admin.desktop";
+
 // The folder of kovadmin.ini, Errorlog.txt and the file dialog's start:
 // `home` when given (created if missing); else the executable's folder when it
-// is writable (a build tree, a portable install); else the per-user data
-// folder `dataDir`, created if missing. Always ends in a separator.
+// is writable and not an installed bin folder (a build tree, a portable copy);
+// else the per-user data folder `dataDir`, created if missing. Always ends in
+// a separator.
 QString ChooseProgramFolder(const std::optional<QString>& home, const QString& executableDir,
                             const QString& dataDir);
 

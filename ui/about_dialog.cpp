@@ -9,6 +9,7 @@
 
 #include "files/organisation.h"
 #include "link/link_state.h"
+#include "ui/natural_size.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -76,7 +77,7 @@ AboutDialog::AboutDialog(const LinkState& state, QWidget* parent)
     layout->addWidget(lblKOVaddress2);
     layout->addSpacing(6);
     layout->addLayout(buttons);
-    setMinimumWidth(380);
+    KeepNaturalSize(this);
 }
 
 void AboutDialog::LoadFromState() {

@@ -34,6 +34,7 @@
 #include "ui/control_array.h"
 #include "ui/duplicate_display_list_dialog.h"
 #include "ui/file_dialog.h"
+#include "ui/fixed_pitch_font.h"
 #include "ui/list_item_model.h"
 #include "ui/message_box.h"
 #include "ui/qt_text.h"
@@ -89,6 +90,7 @@ QTreeView* MakeView(QWidget* parent, const char* name, QAbstractItemModel* model
     view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     view->setColumnHidden(1, true); // the text already ends in the key
+    UseFixedPitchFont(view);        // so the keys after padded names line up
     return view;
 }
 

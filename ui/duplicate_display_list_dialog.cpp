@@ -13,6 +13,7 @@
 #include "model/list_records.h"
 #include "ui/busy_flag.h"
 #include "ui/control_array.h"
+#include "ui/natural_size.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -70,8 +71,9 @@ DuplicateDisplayListDialog::DuplicateDisplayListDialog(PanelStore& store, ErrorR
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
     layout->addWidget(frame);
-    layout->addStretch(1);
     layout->addLayout(buttons);
+    // Natural size: it shrinks when the sub type frame is hidden for groups.
+    KeepNaturalSize(this);
 }
 
 void DuplicateDisplayListDialog::setMode(int16_t mode) {

@@ -11,6 +11,7 @@
 
 #include "model/button_templates.h"
 #include "ui/control_array.h"
+#include "ui/natural_size.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -56,7 +57,7 @@ DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, ErrorReporte
     layout->addLayout(grid);
     layout->addSpacing(8);
     layout->addLayout(buttons);
-    setMinimumWidth(380);
+    KeepNaturalSize(this);
 
     LoadTemplateLists();
 }

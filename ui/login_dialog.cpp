@@ -13,7 +13,9 @@
 #include "link/link_state.h"
 #include "ui/key_filter.h"
 #include "ui/message_box.h"
+#include "ui/natural_size.h"
 #include "ui/normalise_address.h"
+#include "ui/password_star_style.h"
 #include "ui/password_validator.h"
 #include "ui/port_check.h"
 #include "ui/qt_text.h"
@@ -46,6 +48,7 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     m_password->setObjectName("txtPassword");
     m_password->setEchoMode(QLineEdit::Password);
     PasswordValidator::Install(m_password);
+    PasswordStarStyle::Install(m_password); // each character shown as "*"
 
     lblAddress->setBuddy(m_address);
     lblPort->setBuddy(m_port);
@@ -75,7 +78,7 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     layout->addLayout(grid);
     layout->addSpacing(6);
     layout->addLayout(buttons);
-    setMinimumWidth(320);
+    KeepNaturalSize(this);
 
     connect(m_ok, &QPushButton::clicked, this, &LoginDialog::Ok);
     connect(m_cancel, &QPushButton::clicked, this, &LoginDialog::Cancel);

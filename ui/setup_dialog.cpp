@@ -14,6 +14,7 @@
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "ui/key_filter.h"
+#include "ui/natural_size.h"
 #include "ui/normalise_address.h"
 #include "ui/password_validator.h"
 #include "ui/port_check.h"
@@ -151,7 +152,7 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     layout->addWidget(frLogFile);
     layout->addWidget(frMaxErrorLog);
     layout->addLayout(buttons);
-    setMinimumWidth(360);
+    KeepNaturalSize(this);
 
     connect(ok, &QPushButton::clicked, this, &SetupDialog::Ok);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);

@@ -41,7 +41,8 @@ int ToInt(ExitCode code) {
 }
 
 void PrintUsage(std::ostream& out) {
-    out << "usage: lumeth-cli <command> [arguments]\n\ncommands:\n";
+    out << "usage: lumeth-cli <command> [arguments]\n"
+           "       lumeth-cli --help | --version\n\ncommands:\n";
     for (const Command& c : Commands()) {
         const std::string synopsis = std::string(c.name) + " " + c.arguments;
         // A synopsis too long for the column puts its summary on the next line.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "lumeth/version.h"
 #include "tools/cli/cli_common.h"
 
 namespace {
@@ -18,6 +19,10 @@ int Run(int argc, char** argv) {
     const std::string name = argv[1];
     if (name == "-h" || name == "--help" || name == "help") {
         PrintUsage(std::cout);
+        return ToInt(ExitCode::Ok);
+    }
+    if (name == "--version") {
+        std::cout << "lumeth-cli " << lumeth::kProductVersion << "\n";
         return ToInt(ExitCode::Ok);
     }
     const std::vector<std::string> args(argv + 2, argv + argc);

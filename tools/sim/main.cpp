@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "lumeth/version.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_options.h"
 #include "tools/sim/sim_server.h"
@@ -44,6 +45,10 @@ int Run(int argc, char** argv) {
     const SimOptions& options = *parsed;
     if (options.help) {
         std::cout << SimUsage();
+        return 0;
+    }
+    if (options.version) {
+        std::cout << "lumeth-sim " << kProductVersion << "\n";
         return 0;
     }
 

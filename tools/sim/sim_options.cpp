@@ -29,6 +29,7 @@ const char* SimUsage() {
            "                  [--poll-interval MS] [--alpha-width N] [--trace]\n"
            "                  [--seed N] [--fault-split] [--fault-garbage P] [--fault-checksum P]\n"
            "                  [--fault-cut P] [--fault-drop N] [--fault-slow MS]\n"
+           "       lumeth-sim --help | --version\n"
            "A server module emulator for Lumeth Admin. Defaults: --listen 127.0.0.1:1250,\n"
            "the built-in demo, a poll every 5000 ms (0: never). --state FILE keeps the\n"
            "configuration in a JSON document (created from the demo when missing) and\n"
@@ -53,6 +54,8 @@ std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args,
         long n = 0;
         if (arg == "--help" || arg == "-h") {
             options.help = true;
+        } else if (arg == "--version") {
+            options.version = true;
         } else if (arg == "--trace") {
             options.trace = true;
         } else if (arg == "--fault-split") {

@@ -19,6 +19,7 @@ struct SimOptions {
     int alphaWidth = 0; // 0: the longest name of each table
     FaultOptions faults;
     bool help = false;
+    bool version = false;
 };
 
 // Parse argv[1..]; on error returns nullopt and sets `error` to one line.

@@ -1,0 +1,132 @@
+// The window as a person drives it from the keyboard and reads it: drill-down
+// by keys and Enter, the status panels in each link state, the login's
+// password echo and the window layout kept between runs.
+#include <QDialog>
+#include <QFile>
+#include <QHelpEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolTip>
+#include <QTreeWidget>
+
+#include <memory>
+
+#include "app/main_views.h"
+#include "app/main_window.h"
+#include "tests/gui/gui_support.h"
+#include "tests/support/store_builders.h"
+#include "ui/elided_label.h"
+
+using namespace lumeth;
+using test::Child;
+
+class DesktopUseTest : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_home;
+
+private slots:
+    void keysDrillDownAsTheMouseDoes_data() {
+        QTest::addColumn<QString>("view");
+        QTest::addColumn<int>("start");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("number"); // the group or list the handler ran for; -1 none
+        // Group 0 lists Lst.001 above Lst.000.
+        QTest::newRow("group down") << "lvGroups" << 0 << int(Qt::Key_Down) << 1;
+        QTest::newRow("group end") << "lvGroups" << 0 << int(Qt::Key_End) << 2;
+        QTest::newRow("group typed") << "lvGroups" << 0 << int(Qt::Key_N) << 1;
+        QTest::newRow("group up at top") << "lvGroups" << 0 << int(Qt::Key_Up) << -1;
+        QTest::newRow("group enter") << "lvGroups" << 2 << int(Qt::Key_Return) << 2;
+        QTest::newRow("list down") << "lvDisplayLists" << 0 << int(Qt::Key_Down) << 0;
+        QTest::newRow("list enter") << "lvDisplayLists" << 1 << int(Qt::Key_Enter) << 0;
+    }
+    void keysDrillDownAsTheMouseDoes() {
+        QFETCH(QString, view);
+        QFETCH(int, start);
+        QFETCH(int, key);
+        QFETCH(int, number);
+        const bool editor = key == Qt::Key_Return || key == Qt::Key_Enter; // the double-click
+        PanelStore store;
+        store.listCount(SubType::Input) = 2;
+        store.lists(SubType::Input) = {test::List("Mics", {0}), test::List("Players", {1})};
+        store.userGroupCount = 3;
+        store.userGroupNames = {"Studio A", "Newsroom", "Tally"};
+        store.userGroups = {test::Group({{1, 11}, {0, 11}}), test::Group({{0, 11}}),
+                            test::Group({{1, 11}})};
+        store.userGroupIndex = {0, 1, 2};
+        QWidget host;
+        MainViews views(store, {}, &host);
+        int16_t& state = view == "lvGroups" ? store.currentUserGroup : store.currentList;
+        int edits = 0, seen = -1;
+        views.setListEditor([&] {
+            ++edits;
+            seen = state;
+        });
+        views.DisplayUserGroups();
+        views.ShowGroupData(0);
+        host.show();
+        auto* tree = Child<QTreeWidget>(&host, view);
+        tree->setCurrentItem(tree->topLevelItem(start)); // in code: no handler runs
+        state = -1;
+        tree->setFocus();
+        QTest::keyClick(tree, Qt::Key(key),
+                        key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
+        QCOMPARE(edits, editor ? 1 : 0);
+        QCOMPARE(editor ? seen : int(state), number);
+    }
+
+    void statusPanelsFollowTheLinkAndLoginEchoesStars() {
+        QTcpServer silent; // accepts and never answers
+        QVERIFY(silent.listen(QHostAddress::LocalHost, 0));
+        QFile ini(m_home.filePath("kovadmin.ini"));
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(QStringLiteral("[CONFIGURATION]\r\nServer IP Port=%1\r\n")
+                      .arg(silent.serverPort())
+                      .toLatin1());
+        ini.close();
+        MainWindow window((m_home.path() + "/").toStdString());
+        window.Start();
+        window.show();
+        window.resize(1024, 560);
+        auto* link = Child<QLabel>(&window, "stbStatus_1");
+        auto* progress = qobject_cast<ElidedLabel*>(Child<QLabel>(&window, "stbStatus_2"));
+        QVERIFY(progress);
+        QTRY_COMPARE(link->text(), QString("Server Module Connected"));
+
+        QTRY_VERIFY(window.findChild<QDialog*>("frmLogin"));
+        auto* login = Child<QDialog>(&window, "frmLogin");
+        QCOMPARE(login->minimumSize(), login->maximumSize());
+        auto* password = Child<QLineEdit>(login, "txtPassword");
+        QTest::keyClicks(password, "studio");
+        QCOMPARE(password->displayText(), QString("******"));
+
+        // Everything outstanding: cut at 1024 px, whole in text() and the tooltip,
+        // with room for messages left of the panels.
+        window.link().pendingA = request::kEverythingA;
+        window.link().pendingC = request::kEverythingC;
+        QTRY_VERIFY(progress->text().startsWith("Receiving: Password, Input Alphas"));
+        QTRY_VERIFY(progress->isElided());
+        QHelpEvent help(QEvent::ToolTip, {4, 4}, progress->mapToGlobal(QPoint(4, 4)));
+        QApplication::sendEvent(progress, &help);
+        QCOMPARE(QToolTip::text(), progress->text());
+        QVERIFY2(link->x() >= 1024 / 4, qPrintable(QString::number(link->x())));
+
+        // The link drops with the requests still marked: nothing is received.
+        QTRY_VERIFY(silent.hasPendingConnections());
+        std::unique_ptr<QTcpSocket> peer(silent.nextPendingConnection());
+        silent.close();
+        peer->close();
+        QTRY_COMPARE(link->text(), QString("Server Module Not Connected"));
+        QVERIFY(window.link().AnyPending());
+        QTRY_COMPARE(progress->text(), QString());
+        window.setUnappliedChanges(true);
+        QCOMPARE(progress->text(), QString("Unapplied changes"));
+        QTRY_VERIFY(!progress->isElided());
+    }
+};
+
+QTEST_MAIN(DesktopUseTest)
+#include "test_desktop_use.moc"
