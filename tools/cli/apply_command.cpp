@@ -5,6 +5,7 @@
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "link/codec.h"
+#include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
@@ -77,6 +78,8 @@ int RunApply(const std::vector<std::string>& args) {
     if (!ParseServerArguments(args, options, rest, error)) {
         return UsageError(error);
     }
+    // --force: send FILE even when check finds errors in it.
+    const bool force = std::erase(rest, std::string("--force")) > 0;
     if (rest.size() != 1 || rest[0].starts_with("-")) {
         return UsageError("apply needs exactly one FILE");
     }
@@ -85,6 +88,10 @@ int RunApply(const std::vector<std::string>& args) {
     Document doc;
     if (!LoadDocument(path, doc, error) || !CheckUploadable(path, doc.form, error)) {
         return Error(ExitCode::BadInput, error);
+    }
+    if (HasErrors(PrintChecks(doc, std::cerr)) && !force) {
+        return Error(ExitCode::BadInput, path + ": not applied: check found errors (--force sends "
+                                                "it anyway)");
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
