@@ -41,19 +41,4 @@ std::string PartName(unsigned onePart) {
     return onePart == part::kUserGroups ? "user groups" : "button templates";
 }
 
-unsigned ChangedParts(const PanelStore& a, const PanelStore& b) {
-    unsigned changed = 0;
-    for (SubType s : kAllSubTypes) {
-        if (a.listCount(s) != b.listCount(s) || a.lists(s) != b.lists(s))
-            changed |= ListsPart(s);
-    }
-    if (a.userGroupCount != b.userGroupCount || a.userGroupNames != b.userGroupNames ||
-        a.userGroups != b.userGroups)
-        changed |= part::kUserGroups;
-    if (a.templateCount != b.templateCount || a.templateNames != b.templateNames ||
-        a.buttonTemplates != b.buttonTemplates)
-        changed |= part::kTemplates;
-    return changed;
-}
-
 } // namespace lumeth

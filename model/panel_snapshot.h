@@ -49,7 +49,23 @@ constexpr unsigned ListsPart(SubType s) {
 }
 // "Input display lists", "user groups", "button templates".
 std::string PartName(unsigned onePart);
-// The parts whose content differs between `a` and `b`.
-unsigned ChangedParts(const PanelStore& a, const PanelStore& b);
+// The parts whose content differs between `a` and `b` (each a PanelStore or
+// a PanelSnapshot).
+template <typename A, typename B> unsigned ChangedParts(const A& a, const B& b) {
+    unsigned changed = 0;
+    for (SubType s : kAllSubTypes) {
+        const auto i = static_cast<size_t>(s);
+        if (a.displayListCount[i] != b.displayListCount[i] ||
+            a.displayLists[i] != b.displayLists[i])
+            changed |= ListsPart(s);
+    }
+    if (a.userGroupCount != b.userGroupCount || a.userGroupNames != b.userGroupNames ||
+        a.userGroups != b.userGroups)
+        changed |= part::kUserGroups;
+    if (a.templateCount != b.templateCount || a.templateNames != b.templateNames ||
+        a.buttonTemplates != b.buttonTemplates)
+        changed |= part::kTemplates;
+    return changed;
+}
 
 } // namespace lumeth
