@@ -32,6 +32,11 @@ template <typename T> T At(const std::vector<T>& v, int i, T fallback = T{}) {
     return i >= 0 && static_cast<size_t>(i) < v.size() ? v[static_cast<size_t>(i)] : fallback;
 }
 
+// "1 channel", "3 channels"
+std::string Count(int n, const char* noun) {
+    return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+}
+
 int Valid(int16_t count) {
     return std::max<int>(count, 0);
 }
@@ -87,7 +92,7 @@ private:
             if (i >= before) {
                 const DisplayList& list = At(m_after.lists(s), i);
                 Add(ListName(m_after, s, i) + " added (" +
-                    std::to_string(Valid(list.channelCount)) + " channels)");
+                    Count(Valid(list.channelCount), "channel") + ")");
                 continue;
             }
             if (i >= after) {
@@ -190,7 +195,8 @@ private:
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
-                    std::to_string(Entries(At(m_after.userGroups, i)).size()) + " lists)");
+                    Count(static_cast<int>(Entries(At(m_after.userGroups, i)).size()), "list") +
+                    ")");
                 continue;
             }
             if (i >= after) {
