@@ -512,7 +512,7 @@ void MainWindow::Apply() {
 
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
-    RecordStepFrom(TakeSnapshot(m_store));
+    RecordStepFrom(TakeSnapshot(m_store, &m_stepBase));
     m_receivedParts = 0;
     m_connection->RequestEverything();
     setUnappliedChanges(false);
@@ -598,7 +598,7 @@ void MainWindow::NoteReceived(StoreChange change, SubType subType) {
     m_heldParts |= held;
     // A download is no step of its own: later steps start from it.
     if (held)
-        m_stepBase = TakeSnapshot(m_store);
+        m_stepBase = TakeSnapshot(m_store, &m_stepBase);
     if (m_receivedParts == kEverythingBits) {
         m_received = m_store;
         m_receivedParts = 0;
@@ -647,7 +647,7 @@ void MainWindow::WriteApplyBackup() {
 }
 
 void MainWindow::RecordStep() {
-    PanelSnapshot now = TakeSnapshot(m_store);
+    PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
     if (now == m_stepBase)
         return;
     m_heldParts |= ChangedParts(m_stepBase, now);
@@ -656,8 +656,8 @@ void MainWindow::RecordStep() {
 }
 
 void MainWindow::RecordStepFrom(PanelSnapshot before) {
+    m_stepBase = TakeSnapshot(m_store, &before);
     m_history.Record(std::move(before));
-    m_stepBase = TakeSnapshot(m_store);
     RefreshEditMenu();
 }
 
@@ -672,7 +672,7 @@ void MainWindow::Redo() {
 }
 
 void MainWindow::AfterRestore() {
-    m_stepBase = TakeSnapshot(m_store);
+    m_stepBase = TakeSnapshot(m_store, &m_stepBase);
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

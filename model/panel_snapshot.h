@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,27 +10,47 @@
 
 namespace lumeth {
 
-// The editable parts of the store (display lists, user groups, templates),
-// without the channel names and the selection state: what Apply sends, a
-// panel data file holds and an undo step restores.
-struct PanelSnapshot {
-    std::array<int16_t, 4> displayListCount{};
-    std::array<std::vector<DisplayList>, 4> displayLists;
-    int16_t userGroupCount = 0;
-    std::vector<std::string> userGroupNames;
-    std::vector<UserGroup> userGroups;
-    std::vector<int16_t> userGroupIndex;
-    std::vector<int16_t> userGroupNumber;
-    int16_t templateCount = 0;
-    std::vector<std::string> templateNames;
-    std::vector<ButtonTemplate> buttonTemplates;
-    std::vector<int16_t> templateIndex;
-    std::vector<int16_t> templatePosition;
-
-    bool operator==(const PanelSnapshot&) const = default;
+// The display lists of one sub type, as a snapshot keeps them.
+struct ListsData {
+    int16_t count = 0;
+    std::vector<DisplayList> lists;
+    bool operator==(const ListsData&) const = default;
 };
 
-PanelSnapshot TakeSnapshot(const PanelStore& store);
+struct GroupsData {
+    int16_t count = 0;
+    std::vector<std::string> names;
+    std::vector<UserGroup> groups;
+    std::vector<int16_t> index;
+    std::vector<int16_t> number;
+    bool operator==(const GroupsData&) const = default;
+};
+
+struct TemplatesData {
+    int16_t count = 0;
+    std::vector<std::string> names;
+    std::vector<ButtonTemplate> templates;
+    std::vector<int16_t> index;
+    std::vector<int16_t> position;
+    bool operator==(const TemplatesData&) const = default;
+};
+
+// The editable parts of the store (display lists, user groups, templates),
+// without the channel names and the selection state: what Apply sends, a
+// panel data file holds and an undo step restores. The parts are immutable
+// and shared between snapshots, so a history of steps that each change one
+// part holds one copy of everything plus the parts changed.
+struct PanelSnapshot {
+    std::array<std::shared_ptr<const ListsData>, 4> lists;
+    std::shared_ptr<const GroupsData> groups;
+    std::shared_ptr<const TemplatesData> templates;
+
+    bool operator==(const PanelSnapshot& other) const;
+};
+
+// The store's editable parts; a part equal to the one in `shareWith` is
+// shared with it instead of copied.
+PanelSnapshot TakeSnapshot(const PanelStore& store, const PanelSnapshot* shareWith = nullptr);
 // Put the snapshot's parts back into `store`; the selection is brought back
 // inside the restored counts.
 void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store);
@@ -49,23 +70,8 @@ constexpr unsigned ListsPart(SubType s) {
 }
 // "Input display lists", "user groups", "button templates".
 std::string PartName(unsigned onePart);
-// The parts whose content differs between `a` and `b` (each a PanelStore or
-// a PanelSnapshot).
-template <typename A, typename B> unsigned ChangedParts(const A& a, const B& b) {
-    unsigned changed = 0;
-    for (SubType s : kAllSubTypes) {
-        const auto i = static_cast<size_t>(s);
-        if (a.displayListCount[i] != b.displayListCount[i] ||
-            a.displayLists[i] != b.displayLists[i])
-            changed |= ListsPart(s);
-    }
-    if (a.userGroupCount != b.userGroupCount || a.userGroupNames != b.userGroupNames ||
-        a.userGroups != b.userGroups)
-        changed |= part::kUserGroups;
-    if (a.templateCount != b.templateCount || a.templateNames != b.templateNames ||
-        a.buttonTemplates != b.buttonTemplates)
-        changed |= part::kTemplates;
-    return changed;
-}
+// The parts whose content differs between `a` and `b`.
+unsigned ChangedParts(const PanelStore& a, const PanelStore& b);
+unsigned ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b);
 
 } // namespace lumeth

@@ -15,7 +15,8 @@ bool UndoHistory::Step(std::deque<PanelSnapshot>& from, std::deque<PanelSnapshot
                        PanelStore& store) {
     if (from.empty())
         return false;
-    to.push_back(TakeSnapshot(store));
+    // The state left shares its unchanged parts with the one restored.
+    to.push_back(TakeSnapshot(store, &from.back()));
     RestoreSnapshot(from.back(), store);
     from.pop_back();
     return true;
