@@ -9,11 +9,15 @@
 #include <unistd.h>
 #include <utility>
 
+#include <QTemporaryDir>
+
+#include "app/main_window.h"
 #include "bench/max_configuration.h"
 #include "files/panel_data_file.h"
 #include "model/store_diff.h"
 #include "model/undo_history.h"
 #include "ui/changes_dialog.h"
+#include "ui/file_dialog.h"
 
 using namespace lumeth;
 
@@ -98,9 +102,14 @@ void BM_DiffCommandMaxFiles(benchmark::State& state) {
 }
 BENCHMARK(BM_DiffCommandMaxFiles)->Unit(benchmark::kMillisecond);
 
+QApplication& Application() {
+    static std::unique_ptr<QApplication> app = bench::OffscreenApplication();
+    return *app;
+}
+
 // Review Changes: the report put into the dialog's text view.
 void BM_ReviewChangesMax(benchmark::State& state) {
-    static std::unique_ptr<QApplication> app = bench::OffscreenApplication();
+    Application();
     ChangesDialog dialog;
     for (auto _ : state) {
         dialog.setLines(DiffStores(Max().before, Max().after));
@@ -123,6 +132,31 @@ void BM_UndoStepLarge(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_UndoStepLarge)->Unit(benchmark::kMillisecond);
+
+// The same in the window, with the redraw of its views: Load All of "large"
+// is the step, undone and redone alternately.
+void BM_WindowUndoStepLarge(benchmark::State& state) {
+    Application();
+    QTemporaryDir home;
+    const QString path = home.filePath("large.dat");
+    if (!SavePanelDataFile(path.toStdString(), Large())) {
+        state.SkipWithError("cannot write large.dat");
+        return;
+    }
+    MainWindow window((home.path() + "/").toStdString());
+    window.show();
+    FileDialog::setNextFileName(path);
+    window.LoadAll();
+    QApplication::processEvents();
+    for (auto _ : state) {
+        if (window.history().canUndo())
+            window.Undo();
+        else
+            window.Redo();
+        QApplication::processEvents();
+    }
+}
+BENCHMARK(BM_WindowUndoStepLarge)->Unit(benchmark::kMillisecond);
 
 double ResidentMegabytes() {
     std::ifstream statm("/proc/self/statm");

@@ -1,10 +1,9 @@
-// The difference report (one exact line per change) and undo steps.
+// The difference report: one exact line per change.
 #include <gtest/gtest.h>
 
 #include <functional>
 
 #include "model/store_diff.h"
-#include "model/undo_history.h"
 #include "tests/support/store_builders.h"
 
 namespace lumeth {
@@ -46,7 +45,6 @@ TEST(StoreDiff, EachEditGivesItsLines) {
         return s.lists(SubType::Input);
     };
     const std::vector<Edit> edits{
-        {"nothing", [](PanelStore&) {}, {}},
         {"names padded with blanks, as a file load keeps them",
          [&](PanelStore& s) {
              inputs(s)[0].name = "Mics            ";
@@ -99,26 +97,6 @@ TEST(StoreDiff, EachEditGivesItsLines) {
         edit.apply(after);
         EXPECT_EQ(DiffStores(before, after), edit.lines);
     }
-}
-
-TEST(UndoHistory, StepsGoBackAndForthAndTheOldestFallOff) {
-    PanelStore store = Base();
-    UndoHistory history(3);
-    for (const char* name : {"One", "Two", "Three", "Four"}) {
-        history.Record(TakeSnapshot(store));
-        store.lists(SubType::Input)[0].name = name;
-    }
-    EXPECT_EQ(history.undoDepth(), 3u);
-    for (const char* name : {"Three", "Two", "One"}) {
-        ASSERT_TRUE(history.Undo(store));
-        EXPECT_EQ(store.lists(SubType::Input)[0].name, name);
-    }
-    EXPECT_FALSE(history.Undo(store)); // "Mics" fell off the end
-    ASSERT_TRUE(history.Redo(store));
-    EXPECT_EQ(store.lists(SubType::Input)[0].name, "Two");
-    // A new step forgets what could be redone.
-    history.Record(TakeSnapshot(store));
-    EXPECT_FALSE(history.canRedo());
 }
 
 } // namespace
