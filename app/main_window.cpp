@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QDir>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -22,15 +23,19 @@
 
 #include "app/main_views.h"
 #include "app/window_layout.h"
+#include "files/backup_files.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
+#include "model/store_diff.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
+#include "ui/changes_dialog.h"
 #include "ui/channel_list_models.h"
 #include "ui/display_list_editor.h"
 #include "ui/elided_label.h"
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
+#include "ui/message_box.h"
 #include "ui/setup_dialog.h"
 
 namespace lumeth {
@@ -78,6 +83,27 @@ constexpr PendingName kPendingNames[] = {
     {false, request::kTemplates, "Button Templates"},
 };
 
+// One bit per part of a request for everything, to tell when all have come.
+constexpr unsigned kPasswordBit = 1u << 0;
+constexpr unsigned AlphasBit(SubType s) {
+    return 1u << (1 + static_cast<unsigned>(s));
+}
+constexpr unsigned ListsBit(SubType s) {
+    return 1u << (5 + static_cast<unsigned>(s));
+}
+constexpr unsigned kUserGroupsBit = 1u << 9;
+constexpr unsigned kTemplatesBit = 1u << 10;
+constexpr unsigned kEverythingBits = (1u << 11) - 1;
+
+constexpr const char* kUnappliedText = "Unapplied changes";
+
+// "A", "A and B", "A, B and C"
+QString JoinParts(const QStringList& names) {
+    if (names.size() < 2)
+        return names.value(0);
+    return QStringList(names.mid(0, names.size() - 1)).join(", ") + " and " + names.last();
+}
+
 } // namespace
 
 MainWindow::MainWindow(const std::string& folder, QWidget* parent)
@@ -99,6 +125,8 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
 
     connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
     connect(m_connection, &Connection::storeChanged, this, &MainWindow::OnStoreChanged);
+    connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
+    m_stepBase = TakeSnapshot(m_store);
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -130,6 +158,21 @@ void MainWindow::BuildMenus() {
             &MainWindow::LoadAll);
     MakeSeparator(file, "mnuSep3");
     connect(MakeAction(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
+
+    QMenu* edit = bar->addMenu("&Edit");
+    edit->setObjectName("mnuEditMenu");
+    edit->menuAction()->setObjectName("mnuEditMenu");
+    m_undo = MakeAction(edit, "mnuUndo", "&Undo");
+    m_undo->setShortcut(QKeySequence("Ctrl+Z"));
+    connect(m_undo, &QAction::triggered, this, &MainWindow::Undo);
+    m_redo = MakeAction(edit, "mnuRedo", "&Redo");
+    m_redo->setShortcut(QKeySequence("Ctrl+Shift+Z"));
+    connect(m_redo, &QAction::triggered, this, &MainWindow::Redo);
+    MakeSeparator(edit, "mnuEditSep1");
+    QAction* changes = MakeAction(edit, "mnuChanges", "&Review Changes...");
+    changes->setShortcut(QKeySequence("Ctrl+D"));
+    connect(changes, &QAction::triggered, this, &MainWindow::ReviewChanges);
+    RefreshEditMenu();
 
     QMenu* help = bar->addMenu("&Help");
     help->setObjectName("mnuHelp");
@@ -220,6 +263,8 @@ void MainWindow::BuildLayout() {
     m_progressPanel->setProperty("controlIndex", 2);
     status->addPermanentWidget(m_linkPanel);
     status->addPermanentWidget(m_progressPanel);
+    // A click on "Unapplied changes" reviews them.
+    m_progressPanel->installEventFilter(this);
 
     // Until a remembered layout says otherwise: comfortable, and within the screen.
     QSize size(1200, 780);
@@ -321,6 +366,7 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
 }
 
 void MainWindow::OnStoreChanged(StoreChange change, SubType subType) {
+    NoteReceived(change, subType);
     switch (change) {
     case StoreChange::UserGroups:
         m_views->DisplayUserGroups();
@@ -351,7 +397,7 @@ QString MainWindow::ProgressText() const {
         return "Receiving: " + waiting.join(", ") + "...";
     if (m_applying)
         return "Sending...";
-    return m_unapplied ? "Unapplied changes" : QString();
+    return m_unapplied ? kUnappliedText : QString();
 }
 
 void MainWindow::RefreshProgress() {
@@ -368,9 +414,11 @@ void MainWindow::setUnappliedChanges(bool unapplied) {
 void MainWindow::ShowListEditor() {
     if (!m_listEditor) {
         m_listEditor = new DisplayListEditor(m_store, m_folder, Reporter(), this);
+        m_listEditor->setStepHook([this] { RecordStep(); });
     }
     m_listEditor->Open();
     m_listEditor->exec();
+    RecordStep();
     if (m_listEditor->storeChanged())
         setUnappliedChanges(true);
 }
@@ -404,11 +452,13 @@ void MainWindow::EditLists() {
 void MainWindow::EditButtons() {
     if (!m_buttonEditor) {
         m_buttonEditor = new ButtonEditor(m_store, *m_channelModels, Reporter(), m_folder, this);
+        m_buttonEditor->setStepHook([this] { RecordStep(); });
     }
     // Compared as the panel data file would hold it: anything the editor
     // changed (including a template grown to 32 buttons) is waiting for Apply.
     const std::string before = EncodePanelData(m_store);
     m_buttonEditor->exec();
+    RecordStep();
     if (EncodePanelData(m_store) != before)
         setUnappliedChanges(true);
 }
@@ -425,6 +475,12 @@ void MainWindow::EditFromPopup() {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_progressPanel && event->type() == QEvent::MouseButtonRelease) {
+        if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
+            m_progressPanel->text() == kUnappliedText)
+            QTimer::singleShot(0, this, &MainWindow::ReviewChanges);
+        return false;
+    }
     if (event->type() == QEvent::MouseButtonRelease) {
         auto* mouse = static_cast<QMouseEvent*>(event);
         const bool overGroups = watched == m_views->groups()->viewport();
@@ -457,20 +513,32 @@ void MainWindow::RefreshAfterPopup() {
 void MainWindow::Apply() {
     if (m_applying)
         return;
+    // Without a link nothing goes out, so there is nothing to confirm or keep.
+    const bool connected = m_link.connected;
+    if (connected && !ConfirmUnreceivedParts())
+        return;
     m_applying = true;
+    if (connected)
+        WriteApplyBackup();
     m_send->setEnabled(false);
     RefreshProgress();
-    const bool wasConnected = m_link.connected;
     m_connection->Apply();
     m_applying = false;
     m_send->setEnabled(true);
     // Sent only when the link stayed up for the whole upload.
-    if (wasConnected && m_link.connected)
+    if (connected && m_link.connected) {
         m_unapplied = false;
+        // The server module now holds what was sent.
+        m_received = m_store;
+        m_heldParts = part::kAll;
+    }
     RefreshProgress();
 }
 
 void MainWindow::CancelEdits() {
+    // The download replaces the local edits: one step, undone to the edits.
+    RecordStepFrom(TakeSnapshot(m_store, &m_stepBase));
+    m_receivedParts = 0;
     m_connection->RequestEverything();
     setUnappliedChanges(false);
 }
@@ -493,6 +561,9 @@ void MainWindow::LoadAll() {
     if (path.isEmpty())
         return;
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
+    RecordStep();
+    if (result.outcome == LoadOutcome::Loaded)
+        m_heldParts = part::kAll;
     switch (result.outcome) {
     case LoadOutcome::NoFile:
         return;
@@ -521,6 +592,125 @@ void MainWindow::ShowSetup() {
 void MainWindow::ShowAbout() {
     AboutDialog dialog(m_link, this);
     dialog.exec();
+}
+
+void MainWindow::OnLinkConnected() {
+    m_receivedParts = 0;
+    m_heldParts = 0;
+}
+
+void MainWindow::NoteReceived(StoreChange change, SubType subType) {
+    unsigned bit = 0;
+    unsigned held = 0;
+    switch (change) {
+    case StoreChange::Password:
+        bit = kPasswordBit;
+        break;
+    case StoreChange::Alphas:
+        bit = AlphasBit(subType);
+        break;
+    case StoreChange::DisplayLists:
+        bit = ListsBit(subType);
+        held = ListsPart(subType);
+        break;
+    case StoreChange::UserGroups:
+        bit = kUserGroupsBit;
+        held = part::kUserGroups;
+        break;
+    case StoreChange::Templates:
+        bit = kTemplatesBit;
+        held = part::kTemplates;
+        break;
+    }
+    m_receivedParts |= bit;
+    m_heldParts |= held;
+    // A download is no step of its own: later steps start from it.
+    if (held)
+        m_stepBase = TakeSnapshot(m_store, &m_stepBase);
+    if (m_receivedParts == kEverythingBits) {
+        m_received = m_store;
+        m_receivedParts = 0;
+    }
+}
+
+std::vector<std::string> MainWindow::ChangeLines() const {
+    if (!m_received)
+        return {"The configuration has not yet been received in full from the server module."};
+    return DiffStores(*m_received, m_store);
+}
+
+void MainWindow::ReviewChanges() {
+    if (!m_changes)
+        m_changes = new ChangesDialog(this);
+    m_changes->setLines(ChangeLines());
+    m_changes->exec();
+}
+
+bool MainWindow::ConfirmUnreceivedParts() {
+    QStringList names;
+    for (unsigned bit = 1; bit & part::kAll; bit <<= 1) {
+        if (!(m_heldParts & bit))
+            names << QString::fromStdString(PartName(bit));
+    }
+    if (names.isEmpty())
+        return true;
+    const QString parts = JoinParts(names);
+    const QString text = "The " + parts +
+                         " were not received from the server module. Apply would replace the "
+                         "server module's " +
+                         parts + " with the ones shown here. Send anyway?";
+    return MessageBox::Show(this, text, "Apply", QMessageBox::Question,
+                            QMessageBox::Yes | QMessageBox::No,
+                            QMessageBox::No) == QMessageBox::Yes;
+}
+
+void MainWindow::WriteApplyBackup() {
+    if (!m_received)
+        return;
+    const std::string stamp =
+        QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss").toStdString();
+    const Status written = WriteBackup(m_folder, stamp, *m_received);
+    if (!written)
+        ReportError("Error Saving Backup", "File Error", written.failure());
+}
+
+void MainWindow::RecordStep() {
+    PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
+    if (now == m_stepBase)
+        return;
+    m_heldParts |= ChangedParts(m_stepBase, now);
+    m_history.Record(std::exchange(m_stepBase, std::move(now)));
+    RefreshEditMenu();
+}
+
+void MainWindow::RecordStepFrom(PanelSnapshot before) {
+    m_stepBase = TakeSnapshot(m_store, &before);
+    m_history.Record(std::move(before));
+    RefreshEditMenu();
+}
+
+void MainWindow::Undo() {
+    if (m_history.Undo(m_store))
+        AfterRestore();
+}
+
+void MainWindow::Redo() {
+    if (m_history.Redo(m_store))
+        AfterRestore();
+}
+
+void MainWindow::AfterRestore() {
+    m_stepBase = TakeSnapshot(m_store, &m_stepBase);
+    m_views->DisplayUserGroups();
+    m_views->ShowGroupData(m_store.currentUserGroup);
+    m_views->ShowDisplayListData(m_store.currentList);
+    setUnappliedChanges(!m_received || ChangedParts(*m_received, m_store) != 0);
+    RefreshEditMenu();
+}
+
+void MainWindow::RefreshEditMenu() {
+    m_undo->setEnabled(m_history.canUndo());
+    m_redo->setEnabled(m_history.canRedo());
 }
 
 } // namespace lumeth

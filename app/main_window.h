@@ -4,15 +4,20 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "files/error_log.h"
 #include "files/settings.h"
 #include "link/link_state.h"
 #include "link/session.h"
+#include "model/panel_snapshot.h"
 #include "model/panel_store.h"
+#include "model/undo_history.h"
 #include "ui/error_reporter.h"
 
+class QAction;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -21,6 +26,7 @@ class QTimer;
 namespace lumeth {
 
 class AboutDialog;
+class ChangesDialog;
 class ButtonEditor;
 class ChannelListModels;
 class Connection;
@@ -54,6 +60,10 @@ public:
     void LoadAll();
     void ShowSetup();
     void ShowAbout();
+    // Edit menu: undo and redo a step, review what Apply would change.
+    void Undo();
+    void Redo();
+    void ReviewChanges();
     // The poll timer's login: disable the window and show the login dialog.
     void ShowLogin();
 
@@ -62,6 +72,12 @@ public:
     // Marks the store as changed locally (file load, edit) until Apply sends it.
     void setUnappliedChanges(bool unapplied);
     bool hasUnappliedChanges() const { return m_unapplied; }
+    // The report of Review Changes: how the store differs from what was last
+    // received; empty for no difference.
+    std::vector<std::string> ChangeLines() const;
+    // The configuration as last received in full from the server module.
+    const std::optional<PanelStore>& received() const { return m_received; }
+    UndoHistory& history() { return m_history; }
 
     PanelStore& store() { return m_store; }
     LinkState& link() { return m_link; }
@@ -85,6 +101,18 @@ private:
     void ShowListEditor();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
     ErrorReporter Reporter();
+    void OnLinkConnected();
+    void NoteReceived(StoreChange change, SubType subType);
+    // Apply's safeguards: ask before replacing parts never received, and
+    // keep what the server module held as a backup.
+    bool ConfirmUnreceivedParts();
+    void WriteApplyBackup();
+    // Undo steps: the state before a step is m_stepBase; RecordStep pushes it
+    // when the store has moved on since.
+    void RecordStep();
+    void RecordStepFrom(PanelSnapshot before);
+    void AfterRestore();
+    void RefreshEditMenu();
 
     std::string m_folder;
     PanelStore m_store;
@@ -108,6 +136,17 @@ private:
     ChannelListModels* m_channelModels = nullptr;
     ButtonEditor* m_buttonEditor = nullptr;
     bool m_unapplied = false;
+    // What the server module sent, kept to review changes and as the backup
+    // written before Apply; parts counted since the last request for
+    // everything; parts received since the link came up, loaded or edited.
+    std::optional<PanelStore> m_received;
+    unsigned m_receivedParts = 0;
+    unsigned m_heldParts = 0;
+    UndoHistory m_history;
+    PanelSnapshot m_stepBase;
+    QAction* m_undo = nullptr;
+    QAction* m_redo = nullptr;
+    ChangesDialog* m_changes = nullptr;
     bool m_applying = false;
     bool m_shutDown = false;
 };

@@ -45,12 +45,16 @@ struct DisplayList {
     int16_t channelCount = 0;
     std::string name;                 // at most 16 characters when saved or sent
     std::vector<int16_t> channels{0}; // at least one element; channelCount are valid
+
+    bool operator==(const DisplayList&) const = default;
 };
 
 struct UserGroup {
     int16_t listCount = 0;
     std::vector<int16_t> listIndexes{0}; // display list positions
     std::vector<int16_t> listTypes{0};   // ListTypeCode of each entry
+
+    bool operator==(const UserGroup&) const = default;
 };
 
 struct PanelButton {
@@ -67,12 +71,16 @@ struct PanelButton {
         b.channel2 = kNoChannel;
         return b;
     }
+
+    bool operator==(const PanelButton&) const = default;
 };
 
 struct ButtonTemplate {
     int16_t number = 0;
     int16_t buttonCount = 0;
     std::vector<PanelButton> buttons{PanelButton{}}; // at least one element
+
+    bool operator==(const ButtonTemplate&) const = default;
 };
 
 // The one store of the panel configuration. Arrays always hold at least one

@@ -566,7 +566,11 @@ void ButtonEditor::ClearTemplate() {
 
 void ButtonEditor::CopyTemplate() {
     DuplicateTemplateDialog dialog(m_store, m_reporter, this);
+    if (m_stepHook)
+        m_stepHook();
     dialog.exec();
+    if (m_stepHook)
+        m_stepHook();
     Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
 }
 

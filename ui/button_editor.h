@@ -3,6 +3,7 @@
 #include <QDialog>
 
 #include <array>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -50,6 +51,9 @@ public:
     void ClearTemplate();
     void CopyTemplate();
     void ExportLabelSheet();
+    // Called before and after a duplicate changes the store, so the owner can
+    // count each duplicate as a step of its own.
+    void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
 
     int currentTemplate() const { return m_current; }
     int currentButton() const { return m_button; }
@@ -76,6 +80,7 @@ private:
     template <typename Step> void Guarded(std::string_view location, Step&& step);
 
     PanelStore& m_store;
+    std::function<void()> m_stepHook;
     ChannelListModels& m_models;
     ErrorReporter m_reporter;
     std::string m_folder;

@@ -679,7 +679,11 @@ void DisplayListEditor::CopyList() {
             m_duplicate = new DuplicateDisplayListDialog(m_store, m_reporter, this);
         m_duplicate->setMode(m_listType);
         m_duplicate->LoadDisplayLists();
+        if (m_stepHook)
+            m_stepHook();
         m_duplicate->exec();
+        if (m_stepHook)
+            m_stepHook();
         m_storeChanged = m_storeChanged || m_duplicate->copies() > 0;
         m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
         UpdateDisplayLists();

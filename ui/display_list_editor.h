@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,9 @@ public:
     void ApplyListAlpha();
     void CopyList();
     void ExportCrosspointMap();
+    // Called before and after a duplicate changes the store, so the owner can
+    // count each duplicate as a step of its own.
+    void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
     void CloseEditor();
 
     int16_t listType() const { return m_listType; }
@@ -92,6 +96,7 @@ private:
     void Report(std::string_view location, std::string_view category, const std::exception& error);
 
     PanelStore& m_store;
+    std::function<void()> m_stepHook;
     std::string m_folder;
     ErrorReporter m_reporter;
 

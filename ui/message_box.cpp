@@ -14,8 +14,9 @@ std::deque<MessageBox::Shown>& MessageBox::shown() {
 
 QMessageBox::StandardButton MessageBox::Show(QWidget* parent, const QString& text,
                                              const QString& title, QMessageBox::Icon icon,
-                                             QMessageBox::StandardButtons buttons) {
-    shown().push_back({text, title, icon});
+                                             QMessageBox::StandardButtons buttons,
+                                             QMessageBox::StandardButton defaultButton) {
+    shown().push_back({text, title, icon, buttons, defaultButton});
     if (!queue().empty()) {
         const auto answer = queue().front();
         queue().pop_front();
@@ -23,6 +24,8 @@ QMessageBox::StandardButton MessageBox::Show(QWidget* parent, const QString& tex
     }
     QMessageBox box(icon, title, text, buttons, parent);
     box.setObjectName("msgBox");
+    if (defaultButton != QMessageBox::NoButton)
+        box.setDefaultButton(defaultButton);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 

@@ -18,12 +18,15 @@ public:
         QString text;
         QString title;
         QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
     };
 
-    static QMessageBox::StandardButton Show(QWidget* parent, const QString& text,
-                                            const QString& title,
-                                            QMessageBox::Icon icon = QMessageBox::NoIcon,
-                                            QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+    static QMessageBox::StandardButton
+    Show(QWidget* parent, const QString& text, const QString& title,
+         QMessageBox::Icon icon = QMessageBox::NoIcon,
+         QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+         QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
 
     // Answer the next box with `answer` without showing it.
     static void setNextAnswer(QMessageBox::StandardButton answer);

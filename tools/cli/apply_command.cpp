@@ -6,6 +6,7 @@
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "link/codec.h"
+#include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
@@ -79,11 +80,9 @@ int RunApply(const std::vector<std::string>& args) {
     if (!ParseServerArguments(args, options, rest, error)) {
         return UsageError(error);
     }
-    const auto noVerify = std::find(rest.begin(), rest.end(), "--no-verify");
-    const bool verify = noVerify == rest.end();
-    if (!verify) {
-        rest.erase(noVerify);
-    }
+    const bool verify = std::erase(rest, std::string("--no-verify")) == 0;
+    // --force: send FILE even when check finds errors in it.
+    const bool force = std::erase(rest, std::string("--force")) > 0;
     if (rest.size() != 1 || rest[0].starts_with("-")) {
         return UsageError("apply needs exactly one FILE");
     }
@@ -96,6 +95,10 @@ int RunApply(const std::vector<std::string>& args) {
     // A section left out would empty that part on the server module.
     if (!doc.allSections) {
         return Error(ExitCode::BadInput, path + ": " + doc.allSections.failure().detail);
+    }
+    if (HasErrors(PrintChecks(doc, std::cerr)) && !force) {
+        return Error(ExitCode::BadInput, path + ": not applied: check found errors (--force sends "
+                                                "it anyway)");
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {

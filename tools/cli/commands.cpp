@@ -10,20 +10,27 @@ const std::vector<Command>& Commands() {
         {"convert", "IN OUT", "convert IN to OUT (panel data file <-> JSON document)", &RunConvert},
         {"fetch", "-o OUT [server options]",
          "download everything from the server module into OUT (.json or .dat)", &RunFetch},
-        {"apply", "FILE [--no-verify] [server options]",
+        {"apply", "FILE [--no-verify] [--force] [server options]",
          "send FILE's display lists, user groups and templates to the server\n"
-         "                          module, read them back and compare (--no-verify: no read-back)",
+         "                          module, read them back and compare (--no-verify: no "
+         "read-back;\n"
+         "                          --force: send even when check finds errors)",
          &RunApply},
         {"set-password", "[--new-password-file FILE] [server options]",
          "store a new panel password in the server module", &RunSetPassword},
         {"crosspoints", "FILE -o OUT",
          "write the crosspoint map of FILE's Input and Output lists as CSV", &RunCrosspoints},
+        {"diff", "A B [server options]",
+         "list how B differs from A (files or \"server\"); exit 0 same, 1 different, 2+ error",
+         &RunDiff},
+        {"check", "FILE", "list FILE's problems; exit 0 none, 1 warnings only, 2 errors",
+         &RunCheck},
     };
     return kCommands;
 }
 
 const char* CommandOptionsHelp() {
-    return "\nserver options (fetch, apply, set-password):\n"
+    return "\nserver options (fetch, apply, set-password, diff):\n"
            "  --server HOST[:PORT]    the server module (default 127.0.0.1:1250)\n"
            "  --timeout S             seconds to wait for the server module (default 10)\n"
            "  --password-file FILE    the panel password is FILE's first line; without it\n"

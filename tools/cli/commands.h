@@ -1,9 +1,14 @@
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
 // One function per lumeth-cli command; each returns the process exit code.
+namespace lumeth {
+struct CheckFinding;
+}
+
 namespace lumeth::cli {
 
 int RunShow(const std::vector<std::string>& args);
@@ -12,5 +17,12 @@ int RunFetch(const std::vector<std::string>& args);
 int RunApply(const std::vector<std::string>& args);
 int RunSetPassword(const std::vector<std::string>& args);
 int RunCrosspoints(const std::vector<std::string>& args);
+int RunDiff(const std::vector<std::string>& args);
+int RunCheck(const std::vector<std::string>& args);
+
+struct Document;
+// The checks of `check` on `doc`, one line each on `out`; apply runs them
+// before connecting.
+std::vector<CheckFinding> PrintChecks(const Document& doc, std::ostream& out);
 
 } // namespace lumeth::cli

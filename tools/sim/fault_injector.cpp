@@ -30,7 +30,9 @@ Delivery FaultInjector::Shape(const std::string& message, bool answer) {
     std::string bytes = message;
     const bool framed = bytes.size() >= 3 && static_cast<uint8_t>(bytes.back()) == 0xFF;
 
-    const bool badChecksum = m_random.Chance(m_options.checksum);
+    const bool badChecksum =
+        m_random.Chance(m_options.checksum) ||
+        (!bytes.empty() && static_cast<uint8_t>(bytes[0]) == m_options.checksumCommand);
     if (answer && framed && badChecksum) {
         // Any other 7-bit value: the checksum stays a valid body byte.
         const auto good = static_cast<uint8_t>(bytes[bytes.size() - 2]);

@@ -15,9 +15,12 @@ struct FaultOptions {
     double cut = 0.0;      // probability of cutting an answer short
     int dropAfter = 0;     // close the connection after this many messages (0: never)
     int slowMs = 0;        // pause between bytes
+    // Every answer with this command byte gets a wrong checksum (-1: none).
+    int checksumCommand = -1;
 
     bool Any() const {
-        return split || garbage > 0 || checksum > 0 || cut > 0 || dropAfter > 0 || slowMs > 0;
+        return split || garbage > 0 || checksum > 0 || cut > 0 || dropAfter > 0 || slowMs > 0 ||
+               checksumCommand >= 0;
     }
 };
 

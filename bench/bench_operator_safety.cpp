@@ -1,0 +1,193 @@
+// The operator's safety net on the emulator's generated configurations:
+// Review Changes and `lumeth-cli diff` between "max" and a copy with 100
+// scattered edits, one undo step on "large", and the memory 50 steps hold.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <unistd.h>
+#include <utility>
+
+#include <QTemporaryDir>
+
+#include "app/main_window.h"
+#include "bench/max_configuration.h"
+#include "files/panel_data_file.h"
+#include "model/store_diff.h"
+#include "model/undo_history.h"
+#include "ui/changes_dialog.h"
+#include "ui/file_dialog.h"
+
+using namespace lumeth;
+
+namespace {
+
+// 100 edits spread over the lists, groups and templates of every sub type.
+PanelStore Edited(PanelStore store) {
+    for (int k = 0; k < 100; ++k) {
+        const SubType s = kAllSubTypes[static_cast<size_t>(k % 4)];
+        const int lists = store.listCount(s);
+        DisplayList& list = store.lists(s)[static_cast<size_t>((k * 37) % lists)];
+        switch (k % 5) {
+        case 0:
+            list.name = "Edited " + std::to_string(k);
+            break;
+        case 1: // a channel removed
+            if (list.channelCount > 0)
+                list.channels.erase(list.channels.begin() + list.channelCount / 2);
+            list.channelCount = static_cast<int16_t>(std::max(list.channelCount - 1, 0));
+            break;
+        case 2: // two channels swapped
+            if (list.channelCount > 2)
+                std::swap(list.channels[0], list.channels[size_t(list.channelCount - 1)]);
+            break;
+        case 3: { // a button's label
+            ButtonTemplate& t =
+                store.buttonTemplates[static_cast<size_t>((k * 13) % store.templateCount)];
+            t.buttons[static_cast<size_t>(k % std::max<int>(t.buttonCount, 1))].label = "NEW";
+            break;
+        }
+        case 4: { // a list added to a group
+            UserGroup& g = store.userGroups[static_cast<size_t>((k * 7) % store.userGroupCount)];
+            g.listIndexes.resize(size_t(g.listCount));
+            g.listTypes.resize(size_t(g.listCount));
+            g.listIndexes.push_back(static_cast<int16_t>(k % lists));
+            g.listTypes.push_back(ListTypeCode(s));
+            ++g.listCount;
+            break;
+        }
+        }
+    }
+    return store;
+}
+
+struct MaxPair {
+    PanelStore before = bench::MaxConfiguration();
+    PanelStore after = Edited(before);
+};
+
+const MaxPair& Max() {
+    static const MaxPair* pair = new MaxPair;
+    return *pair;
+}
+
+PanelStore Large() {
+    return std::move(sim::MakeDemo("large").store);
+}
+
+// The report alone, as the window and `diff` make it.
+void BM_DiffMaxWith100Edits(benchmark::State& state) {
+    const MaxPair& pair = Max();
+    size_t lines = 0;
+    for (auto _ : state) {
+        lines = DiffStores(pair.before, pair.after).size();
+        benchmark::DoNotOptimize(lines);
+    }
+    state.counters["lines"] = double(lines);
+}
+BENCHMARK(BM_DiffMaxWith100Edits)->Unit(benchmark::kMillisecond);
+
+// `lumeth-cli diff A.dat B.dat`: both files decoded, then the report.
+void BM_DiffCommandMaxFiles(benchmark::State& state) {
+    const std::string a = EncodePanelData(Max().before);
+    const std::string b = EncodePanelData(Max().after);
+    for (auto _ : state) {
+        PanelStore before;
+        PanelStore after;
+        LoadPanelData(a, before);
+        LoadPanelData(b, after);
+        benchmark::DoNotOptimize(DiffStores(before, after));
+    }
+}
+BENCHMARK(BM_DiffCommandMaxFiles)->Unit(benchmark::kMillisecond);
+
+QApplication& Application() {
+    static std::unique_ptr<QApplication> app = bench::OffscreenApplication();
+    return *app;
+}
+
+// Review Changes: the report put into the dialog's text view.
+void BM_ReviewChangesMax(benchmark::State& state) {
+    Application();
+    ChangesDialog dialog;
+    for (auto _ : state) {
+        dialog.setLines(DiffStores(Max().before, Max().after));
+        QApplication::processEvents();
+    }
+}
+BENCHMARK(BM_ReviewChangesMax)->Unit(benchmark::kMillisecond);
+
+// One undo or redo step on "large", alternately.
+void BM_UndoStepLarge(benchmark::State& state) {
+    PanelStore store = Large();
+    UndoHistory history;
+    history.Record(TakeSnapshot(store));
+    store.lists(SubType::Input)[0].name = "Edited";
+    for (auto _ : state) {
+        if (history.canUndo())
+            history.Undo(store);
+        else
+            history.Redo(store);
+    }
+}
+BENCHMARK(BM_UndoStepLarge)->Unit(benchmark::kMillisecond);
+
+// The same in the window, with the redraw of its views: Load All of "large"
+// is the step, undone and redone alternately.
+void BM_WindowUndoStepLarge(benchmark::State& state) {
+    Application();
+    QTemporaryDir home;
+    const QString path = home.filePath("large.dat");
+    if (!SavePanelDataFile(path.toStdString(), Large())) {
+        state.SkipWithError("cannot write large.dat");
+        return;
+    }
+    MainWindow window((home.path() + "/").toStdString());
+    window.show();
+    FileDialog::setNextFileName(path);
+    window.LoadAll();
+    QApplication::processEvents();
+    for (auto _ : state) {
+        if (window.history().canUndo())
+            window.Undo();
+        else
+            window.Redo();
+        QApplication::processEvents();
+    }
+}
+BENCHMARK(BM_WindowUndoStepLarge)->Unit(benchmark::kMillisecond);
+
+double ResidentMegabytes() {
+    std::ifstream statm("/proc/self/statm");
+    long pages = 0;
+    long resident = 0;
+    statm >> pages >> resident;
+    return double(resident) * double(sysconf(_SC_PAGESIZE)) / (1024.0 * 1024.0);
+}
+
+// 50 steps recorded on "large", each a different list edited, as the window
+// records them (the state before each step, sharing the parts it left alone).
+void BM_FiftyStepsLargeResident(benchmark::State& state) {
+    double grown = 0;
+    double resident = 0;
+    for (auto _ : state) {
+        PanelStore store = Large();
+        const double before = ResidentMegabytes();
+        UndoHistory history;
+        PanelSnapshot base = TakeSnapshot(store);
+        for (int k = 0; k < 50; ++k) {
+            store.lists(kAllSubTypes[size_t(k % 4)])[size_t(k)].name = "Step " + std::to_string(k);
+            PanelSnapshot now = TakeSnapshot(store, &base);
+            history.Record(std::exchange(base, std::move(now)));
+        }
+        resident = ResidentMegabytes();
+        grown = resident - before;
+        benchmark::DoNotOptimize(history.undoDepth());
+    }
+    state.counters["history_MB"] = grown;
+    state.counters["resident_MB"] = resident;
+}
+BENCHMARK(BM_FiftyStepsLargeResident)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+} // namespace

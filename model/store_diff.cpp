@@ -1,0 +1,305 @@
+#include "model/store_diff.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "model/button_catalogue.h"
+#include "model/view_keys.h"
+
+namespace lumeth {
+
+namespace {
+
+constexpr size_t kNameWidth = 16;
+constexpr size_t kLabelWidth = 8;
+
+// A name or label as the server module would hold it.
+std::string Sent(const std::string& text, size_t width) {
+    std::string cut = text.substr(0, std::min(width, text.size()));
+    cut.erase(cut.find_last_not_of(' ') + 1);
+    return cut;
+}
+
+std::string Quoted(const std::string& text, size_t width) {
+    std::string quoted(1, '"');
+    quoted += Sent(text, width);
+    quoted += '"';
+    return quoted;
+}
+
+template <typename T> T At(const std::vector<T>& v, int i, T fallback = T{}) {
+    return i >= 0 && static_cast<size_t>(i) < v.size() ? v[static_cast<size_t>(i)] : fallback;
+}
+
+// "1 channel", "3 channels"
+std::string Count(int n, const char* noun) {
+    return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+}
+
+int Valid(int16_t count) {
+    return std::max<int>(count, 0);
+}
+
+std::vector<int16_t> Members(const std::vector<int16_t>& values, int16_t count) {
+    const size_t n = std::min(values.size(), static_cast<size_t>(Valid(count)));
+    return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n)};
+}
+
+class Differ {
+public:
+    Differ(const PanelStore& before, const PanelStore& after) : m_before(before), m_after(after) {}
+
+    std::vector<std::string> Run() {
+        for (SubType s : kAllSubTypes)
+            DisplayLists(s);
+        UserGroups();
+        Templates();
+        return std::move(m_lines);
+    }
+
+private:
+    const AlphaTable& Names(SubType s) const {
+        return m_after.alpha(s).count > 0 ? m_after.alpha(s) : m_before.alpha(s);
+    }
+
+    // "MIC 1" as sent; empty when the table has no name for it.
+    std::string ChannelName(SubType s, int channel) const {
+        const AlphaTable& table = Names(s);
+        if (channel < 0 || channel >= table.count)
+            return {};
+        return Sent(At(table.channelNames, channel), kNameWidth);
+    }
+
+    // "MIC 1" (Ch.0001), or Ch.0001 alone without a name.
+    std::string Channel(SubType s, int channel) const {
+        const std::string name = ChannelName(s, channel);
+        return name.empty() ? ChannelKey(channel)
+                            : "\"" + name + "\" (" + ChannelKey(channel) + ")";
+    }
+
+    static std::string ListName(const PanelStore& store, SubType s, int position) {
+        const std::string head = std::string(SubTypeName(s)) + " list ";
+        if (position < 0 || position >= store.listCount(s))
+            return head + std::to_string(position);
+        return head + Quoted(At(store.lists(s), position).name, kNameWidth);
+    }
+
+    void DisplayLists(SubType s) {
+        const int before = Valid(m_before.listCount(s));
+        const int after = Valid(m_after.listCount(s));
+        for (int i = 0; i < std::max(before, after); ++i) {
+            if (i >= before) {
+                const DisplayList& list = At(m_after.lists(s), i);
+                Add(ListName(m_after, s, i) + " added (" +
+                    Count(Valid(list.channelCount), "channel") + ")");
+                continue;
+            }
+            if (i >= after) {
+                Add(ListName(m_before, s, i) + " removed");
+                continue;
+            }
+            const DisplayList& was = m_before.lists(s)[static_cast<size_t>(i)];
+            const DisplayList& now = m_after.lists(s)[static_cast<size_t>(i)];
+            if (Sent(was.name, kNameWidth) != Sent(now.name, kNameWidth))
+                Add(ListName(m_before, s, i) + " renamed to " + Quoted(now.name, kNameWidth));
+            Channels(s, ListName(m_after, s, i), Members(was.channels, was.channelCount),
+                     Members(now.channels, now.channelCount));
+        }
+    }
+
+    // Channels added, removed, and moved: of the channels in both, those
+    // outside the longest run kept in the same relative order.
+    void Channels(SubType s, const std::string& list, const std::vector<int16_t>& was,
+                  const std::vector<int16_t>& now) {
+        if (was == now)
+            return;
+        std::unordered_map<int16_t, int> wasAt;
+        for (size_t k = 0; k < was.size(); ++k)
+            wasAt.emplace(was[k], static_cast<int>(k));
+        const std::unordered_set<int16_t> nowSet(now.begin(), now.end());
+        for (int16_t channel : was) {
+            if (!nowSet.contains(channel))
+                Add(list + ": removed " + Channel(s, channel));
+        }
+        std::vector<int16_t> common;
+        std::vector<int> order;
+        std::unordered_set<int16_t> seen;
+        for (int16_t channel : now) {
+            const auto found = wasAt.find(channel);
+            if (found == wasAt.end()) {
+                Add(list + ": added " + Channel(s, channel));
+            } else if (seen.insert(channel).second) {
+                common.push_back(channel);
+                order.push_back(found->second);
+            }
+        }
+        for (size_t k : Unkept(order))
+            Add(list + ": moved " + Channel(s, common[k]));
+    }
+
+    // Positions of `order` outside one longest increasing subsequence.
+    static std::vector<size_t> Unkept(const std::vector<int>& order) {
+        std::vector<int> tails;     // smallest tail value of a run of each length
+        std::vector<size_t> tailAt; // position of that tail
+        std::vector<ptrdiff_t> parent(order.size(), -1);
+        for (size_t k = 0; k < order.size(); ++k) {
+            const auto it = std::lower_bound(tails.begin(), tails.end(), order[k]);
+            const size_t length = static_cast<size_t>(it - tails.begin());
+            if (length > 0)
+                parent[k] = static_cast<ptrdiff_t>(tailAt[length - 1]);
+            if (it == tails.end()) {
+                tails.push_back(order[k]);
+                tailAt.push_back(k);
+            } else {
+                *it = order[k];
+                tailAt[length] = k;
+            }
+        }
+        std::vector<bool> kept(order.size(), false);
+        for (ptrdiff_t k = tailAt.empty() ? -1 : static_cast<ptrdiff_t>(tailAt.back()); k >= 0;
+             k = parent[static_cast<size_t>(k)])
+            kept[static_cast<size_t>(k)] = true;
+        std::vector<size_t> unkept;
+        for (size_t k = 0; k < order.size(); ++k) {
+            if (!kept[k])
+                unkept.push_back(k);
+        }
+        return unkept;
+    }
+
+    static std::string GroupName(const PanelStore& store, int i) {
+        return "Group " + Quoted(At(store.userGroupNames, i), kNameWidth);
+    }
+
+    static std::vector<std::pair<int16_t, int16_t>> Entries(const UserGroup& group) {
+        const auto types = Members(group.listTypes, group.listCount);
+        const auto indexes = Members(group.listIndexes, group.listCount);
+        std::vector<std::pair<int16_t, int16_t>> entries;
+        for (size_t k = 0; k < std::min(types.size(), indexes.size()); ++k)
+            entries.emplace_back(types[k], indexes[k]);
+        return entries;
+    }
+
+    static std::string EntryName(const PanelStore& store, std::pair<int16_t, int16_t> entry) {
+        const auto subType = SubTypeFromListCode(entry.first);
+        if (!subType)
+            return "list type " + std::to_string(entry.first) + " position " +
+                   std::to_string(entry.second);
+        return ListName(store, *subType, entry.second);
+    }
+
+    void UserGroups() {
+        const int before = Valid(m_before.userGroupCount);
+        const int after = Valid(m_after.userGroupCount);
+        for (int i = 0; i < std::max(before, after); ++i) {
+            if (i >= before) {
+                Add(GroupName(m_after, i) + " added (" +
+                    Count(static_cast<int>(Entries(At(m_after.userGroups, i)).size()), "list") +
+                    ")");
+                continue;
+            }
+            if (i >= after) {
+                Add(GroupName(m_before, i) + " removed");
+                continue;
+            }
+            if (Sent(At(m_before.userGroupNames, i), kNameWidth) !=
+                Sent(At(m_after.userGroupNames, i), kNameWidth))
+                Add(GroupName(m_before, i) + " renamed to " +
+                    Quoted(At(m_after.userGroupNames, i), kNameWidth));
+            const auto was = Entries(At(m_before.userGroups, i));
+            const auto now = Entries(At(m_after.userGroups, i));
+            for (const auto& entry : was) {
+                if (std::find(now.begin(), now.end(), entry) == now.end())
+                    Add(GroupName(m_after, i) + ": removed " + EntryName(m_before, entry));
+            }
+            for (const auto& entry : now) {
+                if (std::find(was.begin(), was.end(), entry) == was.end())
+                    Add(GroupName(m_after, i) + ": added " + EntryName(m_after, entry));
+            }
+        }
+    }
+
+    static std::string TemplateName(const PanelStore& store, int i) {
+        return "Template " + Quoted(At(store.templateNames, i), kNameWidth);
+    }
+
+    std::string ButtonChannel(std::optional<SubType> s, int channel) const {
+        if (channel == kNoChannel)
+            return "no channel";
+        if (!s)
+            return "channel " + std::to_string(channel);
+        const std::string name = ChannelName(*s, channel);
+        return name.empty() ? "channel " + std::to_string(channel) : "\"" + name + "\"";
+    }
+
+    // Listen, "MIC 1", label "MIC1"
+    std::string Button(const PanelButton& b) const {
+        const ButtonFunction& function = ButtonFunctionOf(b.type);
+        std::string text(function.longName);
+        text += ", " + ButtonChannel(function.channelSubType, b.channel);
+        if (function.channel2SubType)
+            text += ", " + ButtonChannel(function.channel2SubType, b.channel2);
+        text += ", label " + Quoted(b.label, kLabelWidth);
+        if (b.captionOption & 1)
+            text += " shown";
+        return text;
+    }
+
+    static bool SameButton(const PanelButton& a, const PanelButton& b) {
+        return a.type == b.type && a.channel == b.channel && a.channel2 == b.channel2 &&
+               a.captionOption == b.captionOption &&
+               Sent(a.label, kLabelWidth) == Sent(b.label, kLabelWidth);
+    }
+
+    void Templates() {
+        const int before = Valid(m_before.templateCount);
+        const int after = Valid(m_after.templateCount);
+        for (int i = 0; i < std::max(before, after); ++i) {
+            if (i >= before) {
+                Add(TemplateName(m_after, i) + " added");
+                continue;
+            }
+            if (i >= after) {
+                Add(TemplateName(m_before, i) + " removed");
+                continue;
+            }
+            if (Sent(At(m_before.templateNames, i), kNameWidth) !=
+                Sent(At(m_after.templateNames, i), kNameWidth))
+                Add(TemplateName(m_before, i) + " renamed to " +
+                    Quoted(At(m_after.templateNames, i), kNameWidth));
+            const ButtonTemplate& was = m_before.buttonTemplates.at(static_cast<size_t>(i));
+            const ButtonTemplate& now = m_after.buttonTemplates.at(static_cast<size_t>(i));
+            const std::string name = TemplateName(m_after, i);
+            if (was.number != now.number)
+                Add(name + ": number " + std::to_string(was.number) + " changed to " +
+                    std::to_string(now.number));
+            // A button a template does not hold reads as a cleared one, so a
+            // template grown to 32 buttons is no change by itself.
+            const int buttons = std::max(Valid(was.buttonCount), Valid(now.buttonCount));
+            for (int k = 0; k < buttons; ++k) {
+                const PanelButton a =
+                    k < Valid(was.buttonCount) ? At(was.buttons, k) : PanelButton::Cleared();
+                const PanelButton b =
+                    k < Valid(now.buttonCount) ? At(now.buttons, k) : PanelButton::Cleared();
+                if (!SameButton(a, b))
+                    Add(name + " button " + std::to_string(k + 1) + ": " + Button(a) +
+                        " changed to " + Button(b));
+            }
+        }
+    }
+
+    void Add(std::string line) { m_lines.push_back(std::move(line)); }
+
+    const PanelStore& m_before;
+    const PanelStore& m_after;
+    std::vector<std::string> m_lines;
+};
+
+} // namespace
+
+std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& after) {
+    return Differ(before, after).Run();
+}
+
+} // namespace lumeth

@@ -1,0 +1,97 @@
+// lumeth-cli diff and check: their exit codes and lines, and apply refusing
+// a file with errors unless --force.
+#include "tests/cli/cli_run.h"
+
+#include <functional>
+
+#include "files/cp1252.h"
+#include "files/file_io.h"
+#include "files/json_document.h"
+#include "files/panel_data_file.h"
+
+namespace lumeth {
+namespace {
+
+using Cli = testing::CliTest;
+
+const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
+
+class DiffCheck : public Cli {
+protected:
+    void SetUp() override {
+        std::string text;
+        ASSERT_TRUE(ReadFileBytes(kDemo.toStdString(), text).ok());
+        ASSERT_TRUE(ReadJsonDocument(text, m_demo).status.ok());
+    }
+    // The demo changed by `edit`, written as a JSON document `name`.
+    QString Edited(const std::string& name, const std::function<void(PanelStore&)>& edit) {
+        PanelStore store = m_demo;
+        edit(store);
+        m_dir.Write(name, WriteJsonDocument(store));
+        return Path(name);
+    }
+    std::string DemoGroup() const {
+        std::string name = cp1252::ToUtf8(m_demo.userGroupNames[0]);
+        return name.erase(name.find_last_not_of(' ') + 1);
+    }
+    PanelStore m_demo;
+};
+
+TEST_F(DiffCheck, DiffExitsLikeDiff) {
+    const QString same = Edited("same.json", [](PanelStore&) {});
+    const QString renamed =
+        Edited("renamed.json", [](PanelStore& s) { s.userGroupNames[0] = "Renamed"; });
+    const struct {
+        QStringList args;
+        int exitCode;
+        std::string out;
+    } cases[] = {
+        {{"diff", kDemo, same}, 0, "No changes.\n"},
+        {{"diff", kDemo, renamed}, 1, "Group \"" + DemoGroup() + "\" renamed to \"Renamed\"\n"},
+        {{"diff", kDemo}, 2, ""},
+        {{"diff", kDemo, Path("missing.dat")}, 2, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const testing::CliResult r = Run(c.args);
+        EXPECT_EQ(r.exitCode, c.exitCode);
+        EXPECT_EQ(r.out, c.out);
+    }
+}
+
+TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
+    const QString warned =
+        Edited("warned.json", [](PanelStore& s) { s.userGroups[0].listCount = 0; });
+    const QString failed = Edited("failed.json", [](PanelStore& s) {
+        s.userGroups[0].listTypes[0] = 11;
+        s.userGroups[0].listIndexes[0] = 99;
+    });
+    const std::string inputLists = std::to_string(m_demo.listCount(SubType::Input));
+    const struct {
+        QString file;
+        int exitCode;
+        std::string out;
+    } cases[] = {
+        {kDemo, 0, kDemo.toStdString() + ": no problems found\n"},
+        {warned, 1, "warning: user_groups[0]: user group is empty\n"},
+        {failed, 2,
+         "error: user_groups[0].lists[0]: points to Input list 99 of " + inputLists + "\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file.toStdString());
+        const testing::CliResult r = Run({"check", c.file});
+        EXPECT_EQ(r.exitCode, c.exitCode);
+        EXPECT_EQ(r.out, c.out);
+    }
+
+    const QStringList apply{"apply", failed, "--server", "127.0.0.1:1", "--timeout", "2"};
+    const testing::CliResult refused = Run(apply, Environment("studio"));
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_NE(refused.err.find("check found errors"), std::string::npos);
+    // --force goes past the check to the (unreachable) server module.
+    const testing::CliResult forced = Run(apply + QStringList{"--force"}, Environment("studio"));
+    EXPECT_EQ(forced.exitCode, 3);
+}
+
+} // namespace
+} // namespace lumeth

@@ -1,0 +1,249 @@
+// Review Changes, the backup before Apply, the guard for parts never
+// received, and undo/redo, in the window against the emulator on loopback.
+#include <QAction>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <functional>
+#include <memory>
+
+#include "app/main_views.h"
+#include "app/main_window.h"
+#include "files/panel_data_file.h"
+#include "tests/gui/gui_support.h"
+#include "tools/sim/demo_config.h"
+#include "tools/sim/sim_server.h"
+#include "tools/sim/sim_state.h"
+#include "ui/file_dialog.h"
+#include "ui/message_box.h"
+#include "ui/qt_text.h"
+
+using namespace lumeth;
+using test::Child;
+using test::WhenModal;
+
+class OperatorSafetyTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_home;
+    sim::SimState m_state;
+    std::unique_ptr<sim::SimServer> m_server;
+    MainWindow* m_window = nullptr;
+    PanelStore m_demo;
+
+    QString Folder() const { return m_home->path() + "/"; }
+    QString Progress() { return Child<QLabel>(m_window, "stbStatus_2")->text(); }
+    QString FirstGroupShown() {
+        return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
+    }
+    QString DemoGroup() const { return ToQt(m_demo.userGroupNames[0]).trimmed(); }
+
+    // Start the emulator (templates answered with a bad checksum when asked)
+    // and the window, and log in; returns once the user groups are shown.
+    void Connect(bool badTemplates = false) {
+        sim::DemoResult demo = sim::MakeDemo("demo");
+        QVERIFY(demo.status.ok());
+        m_demo = demo.store;
+        m_state.Reset(std::move(demo.store), demo.password);
+        sim::SimServerOptions options;
+        options.pollIntervalMs = 0;
+        if (badTemplates)
+            options.faults.checksumCommand = 0xFD;
+        m_server = std::make_unique<sim::SimServer>(m_state, options);
+        QString error;
+        bool inUse = false;
+        QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
+        QFile ini(Folder() + "kovadmin.ini");
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(QString("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n")
+                      .arg(m_server->port())
+                      .toLatin1());
+        ini.close();
+
+        m_window = new MainWindow(Folder().toStdString());
+        m_window->Start();
+        m_window->show();
+        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
+        auto* login = Child<QDialog>(m_window, "frmLogin");
+        QTRY_VERIFY(login->isVisible());
+        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
+        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
+        QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() == m_demo.userGroupCount &&
+                    !(m_window->link().pendingC & ~uint32_t(badTemplates ? 0x08 : 0)) &&
+                    !m_window->link().pendingA);
+        if (!badTemplates)
+            QTRY_VERIFY(m_window->received().has_value());
+    }
+
+    // Rename the first user group in the group editor.
+    void RenameFirstGroup(const QString& name) {
+        WhenModal("frmDisplayListView", [name](QWidget* editor) {
+            auto* text = Child<QLineEdit>(editor, "txtListAlpha");
+            text->setText(name);
+            QTest::keyClick(text, Qt::Key_Return);
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+        });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
+        QCOMPARE(FirstGroupShown(), name);
+    }
+
+    // The lines of Review Changes as `open` brings it up (the status panel's
+    // click opens it from the event loop, after `open` has returned).
+    QStringList ReviewedLines(const std::function<void()>& open) {
+        auto text = std::make_shared<QString>();
+        WhenModal("frmChanges", [text](QWidget* dialog) {
+            auto* view = Child<QPlainTextEdit>(dialog, "txtChanges");
+            *text = view->isReadOnly() ? view->toPlainText() : "(editable)";
+            qobject_cast<QDialog*>(dialog)->reject();
+        });
+        open();
+        return QTest::qWaitFor([text] { return !text->isEmpty(); }) ? text->split('\n')
+                                                                    : QStringList{"(not shown)"};
+    }
+
+    QStringList Backups() {
+        return QDir(Folder() + "backups").entryList({"LumethEX-*.dat"}, QDir::Files, QDir::Name);
+    }
+
+private slots:
+    void init() {
+        m_home = std::make_unique<QTemporaryDir>();
+        MessageBox::clearQueuedAnswers();
+        MessageBox::clearHistory();
+        FileDialog::clearQueuedNames();
+    }
+
+    void cleanup() {
+        if (m_window)
+            m_window->close();
+        delete m_window;
+        m_window = nullptr;
+        m_server.reset();
+        m_home.reset();
+    }
+
+    void anEditIsReviewedLineByLine() {
+        Connect();
+        // The Edit menu sits between File and Help.
+        QStringList menus;
+        for (QAction* action : m_window->menuBar()->actions())
+            menus << action->objectName();
+        for (QAction* action : Child<QMenu>(m_window, "mnuEditMenu")->actions())
+            menus << action->text() + " " + action->shortcut().toString();
+        QCOMPARE(menus, QStringList({"mnuFile", "mnuEditMenu", "mnuHelp", "&Undo Ctrl+Z",
+                                     "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D"}));
+        QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
+                 QStringList({"No changes."}));
+
+        RenameFirstGroup("Renamed");
+        // A click on "Unapplied changes" opens the review too.
+        QCOMPARE(ReviewedLines([this] {
+                     QTest::mouseClick(Child<QLabel>(m_window, "stbStatus_2"), Qt::LeftButton);
+                 }),
+                 QStringList({QString("Group \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
+    }
+
+    void applyKeepsWhatTheServerHeldAndPrunesTo30() {
+        Connect();
+        QDir().mkpath(Folder() + "backups");
+        for (int i = 0; i < 30; ++i) {
+            QFile old(Folder() +
+                      QString("backups/LumethEX-20200101-0000%1.dat").arg(i, 2, 10, QChar('0')));
+            QVERIFY(old.open(QIODevice::WriteOnly));
+        }
+        RenameFirstGroup("After Apply");
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
+        QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("After Apply"));
+
+        const QStringList backups = Backups();
+        QCOMPARE(backups.size(), 30);
+        QCOMPARE(backups.first(), QString("LumethEX-20200101-000001.dat"));
+        QVERIFY(!backups.last().startsWith("LumethEX-2020"));
+        PanelStore held;
+        QCOMPARE(
+            LoadPanelDataFile((Folder() + "backups/" + backups.last()).toStdString(), held).outcome,
+            LoadOutcome::Loaded);
+        QCOMPARE(ToQt(held.userGroupNames[0]).trimmed(), DemoGroup());
+        QCOMPARE(held.templateCount, m_demo.templateCount);
+        // What was sent is now what the server module holds.
+        QCOMPARE(Progress(), QString());
+        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+    }
+
+    void templatesNeverReceivedAreOnlySentWhenConfirmed() {
+        Connect(true);
+        RenameFirstGroup("Guarded");
+        auto* send = Child<QPushButton>(m_window, "cmdSend");
+        MessageBox::setNextAnswer(QMessageBox::No);
+        QTest::mouseClick(send, Qt::LeftButton);
+        QCOMPARE(MessageBox::history().size(), size_t(1));
+        const MessageBox::Shown box = MessageBox::history().back();
+        QCOMPARE(box.title, QString("Apply"));
+        QCOMPARE(box.text, QString("The button templates were not received from the server "
+                                   "module. Apply would replace the server module's button "
+                                   "templates with the ones shown here. Send anyway?"));
+        QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
+        QCOMPARE(box.defaultButton, QMessageBox::No);
+        QTest::qWait(300);
+        QCOMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), DemoGroup());
+        QVERIFY(m_window->hasUnappliedChanges());
+        QVERIFY(Backups().isEmpty());
+
+        MessageBox::setNextAnswer(QMessageBox::Yes);
+        QTest::mouseClick(send, Qt::LeftButton);
+        QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("Guarded"));
+    }
+
+    void undoAndRedoAcrossAnEditorSessionLoadAllAndCancel() {
+        Connect();
+        auto* undo = Child<QAction>(m_window, "mnuUndo");
+        auto* redo = Child<QAction>(m_window, "mnuRedo");
+        RenameFirstGroup("Edited");
+
+        PanelStore file = m_demo;
+        file.userGroupNames[0] = "From File";
+        const QString path = Folder() + "other.dat";
+        QVERIFY(SavePanelDataFile(path.toStdString(), file).ok());
+        FileDialog::setNextFileName(path);
+        Child<QAction>(m_window, "mnuLoadAll")->trigger();
+        QCOMPARE(FirstGroupShown(), QString("From File"));
+
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdCancel"), Qt::LeftButton);
+        QTRY_COMPARE(FirstGroupShown(), DemoGroup());
+        QTRY_VERIFY(!m_window->link().AnyPending());
+
+        // Back through the three steps, then forward again; the views and the
+        // unapplied indicator follow each.
+        const struct {
+            QAction* action;
+            QString shown;
+            QString progress;
+        } steps[] = {
+            {undo, "From File", "Unapplied changes"},
+            {undo, "Edited", "Unapplied changes"},
+            {undo, DemoGroup(), ""},
+            {redo, "Edited", "Unapplied changes"},
+            {redo, "From File", "Unapplied changes"},
+            {redo, DemoGroup(), ""},
+        };
+        for (const auto& step : steps) {
+            QVERIFY(step.action->isEnabled());
+            step.action->trigger();
+            QCOMPARE(FirstGroupShown(), step.shown);
+            QCOMPARE(Progress(), step.progress);
+        }
+        QVERIFY(!redo->isEnabled());
+    }
+};
+
+QTEST_MAIN(OperatorSafetyTest)
+#include "test_operator_safety.moc"

@@ -1,0 +1,103 @@
+// The difference report: one exact line per change.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "model/store_diff.h"
+#include "tests/support/store_builders.h"
+
+namespace lumeth {
+namespace {
+
+PanelStore Base() {
+    PanelStore store;
+    AlphaTable& inputs = store.alpha(SubType::Input);
+    inputs.channelNames = {"MIC 1", "MIC 2", "MIC 3", "MIC 4"};
+    inputs.count = 4;
+    store.listCount(SubType::Input) = 2;
+    store.lists(SubType::Input) = {test::List("Mics", {0, 1, 2}), test::List("Spare", {})};
+    store.listCount(SubType::Output) = 1;
+    store.lists(SubType::Output) = {test::List("Outs", {0})};
+    store.userGroupCount = 1;
+    store.ResizeUserGroups(1);
+    store.userGroupNames[0] = "Studio";
+    store.userGroups[0] = test::Group({{0, 11}, {0, 21}});
+    store.templateCount = 1;
+    store.ResizeTemplates(1);
+    store.templateNames[0] = "Desk";
+    PanelButton select = PanelButton::Cleared();
+    select.type = 40; // Source Select, an Input channel
+    select.channel = 0;
+    select.label = "MIC";
+    store.buttonTemplates[0].buttonCount = 2;
+    store.buttonTemplates[0].buttons = {select, PanelButton::Cleared()};
+    return store;
+}
+
+struct Edit {
+    const char* what;
+    std::function<void(PanelStore&)> apply;
+    std::vector<std::string> lines;
+};
+
+TEST(StoreDiff, EachEditGivesItsLines) {
+    const auto inputs = [](PanelStore& s) -> std::vector<DisplayList>& {
+        return s.lists(SubType::Input);
+    };
+    const std::vector<Edit> edits{
+        {"names padded with blanks, as a file load keeps them",
+         [&](PanelStore& s) {
+             inputs(s)[0].name = "Mics            ";
+             s.userGroupNames[0] = "Studio          ";
+         },
+         {}},
+        {"a template grown to 32 cleared buttons",
+         [](PanelStore& s) {
+             s.buttonTemplates[0].buttonCount = 32;
+             s.buttonTemplates[0].buttons.resize(32, PanelButton::Cleared());
+         },
+         {}},
+        {"rename",
+         [&](PanelStore& s) { inputs(s)[0].name = "Voices"; },
+         {"Input list \"Mics\" renamed to \"Voices\""}},
+        {"channels removed, added, moved",
+         [&](PanelStore& s) {
+             inputs(s)[0] = test::List("Mics", {2, 0, 3});
+         },
+         {"Input list \"Mics\": removed \"MIC 2\" (Ch.0002)",
+          "Input list \"Mics\": added \"MIC 4\" (Ch.0004)",
+          "Input list \"Mics\": moved \"MIC 3\" (Ch.0003)"}},
+        {"a list added and one removed",
+         [&](PanelStore& s) {
+             s.listCount(SubType::Input) = 1;
+             s.listCount(SubType::Output) = 2;
+             s.lists(SubType::Output).push_back(test::List("Cue", {1, 2}));
+         },
+         {"Input list \"Spare\" removed", "Output list \"Cue\" added (2 channels)"}},
+        {"group entries and name",
+         [](PanelStore& s) {
+             s.userGroupNames[0] = "Studio B";
+             s.userGroups[0] = test::Group({{0, 11}, {1, 11}});
+         },
+         {"Group \"Studio\" renamed to \"Studio B\"",
+          "Group \"Studio B\": removed Output list \"Outs\"",
+          "Group \"Studio B\": added Input list \"Spare\""}},
+        {"a button's label and channel",
+         [](PanelStore& s) {
+             s.buttonTemplates[0].buttons[0].label = "VOX";
+             s.buttonTemplates[0].buttons[0].channel = kNoChannel;
+         },
+         {"Template \"Desk\" button 1: Source Select, \"MIC 1\", label \"MIC\" changed to Source "
+          "Select, no channel, label \"VOX\""}},
+    };
+    const PanelStore before = Base();
+    for (const Edit& edit : edits) {
+        SCOPED_TRACE(edit.what);
+        PanelStore after = Base();
+        edit.apply(after);
+        EXPECT_EQ(DiffStores(before, after), edit.lines);
+    }
+}
+
+} // namespace
+} // namespace lumeth

@@ -1,0 +1,82 @@
+#include <iostream>
+
+#include "files/cp1252.h"
+#include "model/store_diff.h"
+#include "tools/cli/cli_common.h"
+#include "tools/cli/commands.h"
+#include "tools/cli/password_input.h"
+#include "tools/cli/server_client.h"
+
+namespace lumeth::cli {
+
+namespace {
+
+// Exit codes of diff, as diff(1) has them: usage and input errors are 2, the
+// server module's failures keep their own codes (3 and up).
+constexpr int kSame = 0;
+constexpr int kDiffer = 1;
+
+constexpr const char* kServer = "server";
+
+// Load one side: a file, or the server module's configuration when `source`
+// is "server" (fetched once, however often it is named).
+int LoadSide(const std::string& source, const ServerOptions& options,
+             std::optional<PanelStore>& fetched, PanelStore& store) {
+    if (source != kServer) {
+        Document doc;
+        std::string error;
+        if (!LoadDocument(source, doc, error))
+            return Error(ExitCode::BadInput, error);
+        store = std::move(doc.store);
+        return 0;
+    }
+    if (!fetched) {
+        const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
+        if (!password.password) {
+            UsageError(password.error);
+            return ToInt(ExitCode::BadInput);
+        }
+        ServerClient client(options);
+        if (const int code = client.LogInAndDownload(*password.password); code != 0)
+            return code;
+        client.Close();
+        fetched = client.store();
+    }
+    store = *fetched;
+    return 0;
+}
+
+} // namespace
+
+// diff A B: how B differs from A, one change per line, as Review Changes
+// shows it. A and B are panel data files, JSON documents or "server".
+int RunDiff(const std::vector<std::string>& args) {
+    ServerOptions options;
+    std::vector<std::string> rest;
+    std::string error;
+    if (!ParseServerArguments(args, options, rest, error)) {
+        UsageError(error);
+        return ToInt(ExitCode::BadInput);
+    }
+    if (rest.size() != 2 || rest[0].starts_with("-") || rest[1].starts_with("-")) {
+        UsageError("diff needs two sources: FILE or server");
+        return ToInt(ExitCode::BadInput);
+    }
+    std::optional<PanelStore> fetched;
+    PanelStore before;
+    PanelStore after;
+    if (const int code = LoadSide(rest[0], options, fetched, before); code != 0)
+        return code;
+    if (const int code = LoadSide(rest[1], options, fetched, after); code != 0)
+        return code;
+    const std::vector<std::string> lines = DiffStores(before, after);
+    if (lines.empty()) {
+        std::cout << kNoChangesLine << "\n";
+        return kSame;
+    }
+    for (const std::string& line : lines)
+        std::cout << cp1252::ToUtf8(line) << "\n";
+    return kDiffer;
+}
+
+} // namespace lumeth::cli

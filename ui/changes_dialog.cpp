@@ -1,0 +1,43 @@
+#include "ui/changes_dialog.h"
+
+#include <QDialogButtonBox>
+#include <QFontDatabase>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "model/store_diff.h"
+#include "ui/qt_text.h"
+
+namespace lumeth {
+
+ChangesDialog::ChangesDialog(QWidget* parent) : QDialog(parent) {
+    setObjectName("frmChanges");
+    setWindowTitle("Review Changes");
+    m_text = new QPlainTextEdit(this);
+    m_text->setObjectName("txtChanges");
+    m_text->setReadOnly(true);
+    m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    buttons->button(QDialogButtonBox::Close)->setObjectName("cmdClose");
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_text);
+    layout->addWidget(buttons);
+    resize(760, 420);
+}
+
+void ChangesDialog::setLines(const std::vector<std::string>& lines) {
+    if (lines.empty()) {
+        m_text->setPlainText(kNoChangesLine);
+        return;
+    }
+    QStringList text;
+    text.reserve(static_cast<qsizetype>(lines.size()));
+    for (const std::string& line : lines)
+        text << ToQt(line);
+    m_text->setPlainText(text.join('\n'));
+}
+
+} // namespace lumeth
