@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QFocusEvent>
+#include <QFontMetricsF>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -41,6 +42,24 @@ namespace {
 constexpr int kLabelLength = 8;
 constexpr int kNameLength = 16;
 constexpr int kNumberDigits = 3;
+
+// Puts `text` on a key face, in a smaller font when the dialog's font would
+// cut it: a system alpha can be wider than the key, and a panel operator
+// reads the whole name or nothing.
+void SetFaceText(QPushButton* key, const QString& text) {
+    key->setText(text);
+    QFont font = key->parentWidget()->font();
+    const int room = (key->isVisible() ? key->width() : key->minimumWidth()) - 10;
+    constexpr qreal kSmallestPoints = 6.5;
+    // Measured in bold: the selected key is drawn bold.
+    QFont measured = font;
+    measured.setBold(true);
+    while (measured.pointSizeF() > kSmallestPoints &&
+           QFontMetricsF(measured).horizontalAdvance(text) > room)
+        measured.setPointSizeF(measured.pointSizeF() - 0.5);
+    font.setPointSizeF(measured.pointSizeF());
+    key->setFont(font);
+}
 
 QPushButton* MakeButton(QWidget* parent, const QString& caption, const QString& tip = {}) {
     auto* button = new QPushButton(caption, parent);
@@ -395,7 +414,7 @@ void ButtonEditor::DisplayCurrentTemplate() {
         const std::string label = GetButtonLabel(m_store, m_current, b, &status);
         if (!status && unnamed)
             unnamed = status;
-        m_buttons[p]->setText(ToQt(label));
+        SetFaceText(m_buttons[p], ToQt(label));
         const PanelButton& button =
             m_store.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
         m_typeLabels[p]->setText(ToQt(ButtonFunctionOf(button.type).shortLabel));
@@ -448,9 +467,9 @@ void ButtonEditor::DisplayCurrentButton() {
     SelectChannel(0, button.channel);
     SelectChannel(1, button.channel2);
 
-    m_buttons[m_button]->setText(button.channel == kNoChannel
-                                     ? QStringLiteral("None")
-                                     : m_channels[0]->currentText().left(kLabelLength));
+    SetFaceText(m_buttons[m_button], button.channel == kNoChannel
+                                         ? QStringLiteral("None")
+                                         : m_channels[0]->currentText().left(kLabelLength));
     m_buttons[m_button]->setChecked(true);
 
     const bool custom = (button.captionOption & 1) != 0;
@@ -486,8 +505,8 @@ void ButtonEditor::ChannelChanged(int list, int position) {
         if (list != 0)
             return;
         const QString text = m_channels[0]->currentText();
-        m_buttons[m_button]->setText(channel == kNoChannel ? QStringLiteral("None")
-                                                           : text.left(kLabelLength));
+        SetFaceText(m_buttons[m_button],
+                    channel == kNoChannel ? QStringLiteral("None") : text.left(kLabelLength));
         if (m_captionOptions[0]->isChecked())
             m_caption->setText(text);
     });
