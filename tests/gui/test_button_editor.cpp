@@ -282,12 +282,17 @@ private slots:
         QTest::keyClick(popup, Qt::Key_Down);
         QTest::keyClick(popup, Qt::Key_Return);
         QTRY_COMPARE(Button(0).channel, int16_t(32));
+        // Enter without choosing takes the first entry holding the text.
+        combo->lineEdit()->selectAll();
+        QTest::keyClicks(combo->lineEdit(), "MIC 2");
+        QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
+        QCOMPARE(Button(0).channel, int16_t(1));
         // Text naming no entry leaves the button and shows its entry again.
         combo->lineEdit()->selectAll();
         QTest::keyClicks(combo->lineEdit(), "nothing like it");
         QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
-        QCOMPARE(Button(0).channel, int16_t(32));
-        QCOMPARE(combo->currentText(), QString("MIC 33 [0033]"));
+        QCOMPARE(Button(0).channel, int16_t(1));
+        QCOMPARE(combo->currentText(), QString("MIC 2 [0002]"));
     }
 
     void labelModeAndTheLengthLimits() {
