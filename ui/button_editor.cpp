@@ -46,8 +46,12 @@ constexpr int kNumberDigits = 3;
 
 // Puts `text` on a key face, in a smaller font when the dialog's font would
 // cut it: a system alpha can be wider than the key, and a panel operator
-// reads the whole name or nothing.
-void SetFaceText(QPushButton* key, const QString& text) {
+// reads the whole name or nothing. Channel names come blank-padded to their
+// table's width; the padding is left off, or it would push the name off the
+// key's centre and make it look wider than it is.
+void SetFaceText(QPushButton* key, QString text) {
+    while (text.endsWith(QLatin1Char(' ')))
+        text.chop(1);
     key->setText(text);
     QFont font = key->parentWidget()->font();
     const int room = (key->isVisible() ? key->width() : key->minimumWidth()) - 10;

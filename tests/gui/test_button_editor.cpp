@@ -147,7 +147,8 @@ private slots:
         PanelStore store = MakeStore(2);
         store.buttonTemplates[0].buttonCount = 3;
         store.buttonTemplates[0].buttons.resize(3);
-        store.buttonTemplates[0].buttons[0].channel = 99; // no such Input channel
+        store.buttonTemplates[0].buttons[0].channel = 99;      // no such Input channel
+        store.alpha(SubType::Input).channelNames[1] += "    "; // padded as received
         Open(std::move(store));
         QCOMPARE(m_reported.size(), size_t(1));
         QCOMPARE(m_reported[0].location, std::string("Error Displaying Buttons"));
