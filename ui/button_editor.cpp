@@ -1,6 +1,7 @@
 #include "ui/button_editor.h"
 
 #include <QAbstractItemView>
+#include <QAbstractProxyModel>
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QCompleter>
@@ -45,8 +46,12 @@ constexpr int kNumberDigits = 3;
 
 // Puts `text` on a key face, in a smaller font when the dialog's font would
 // cut it: a system alpha can be wider than the key, and a panel operator
-// reads the whole name or nothing.
-void SetFaceText(QPushButton* key, const QString& text) {
+// reads the whole name or nothing. Channel names come blank-padded to their
+// table's width; the padding is left off, or it would push the name off the
+// key's centre and make it look wider than it is.
+void SetFaceText(QPushButton* key, QString text) {
+    while (text.endsWith(QLatin1Char(' ')))
+        text.chop(1);
     key->setText(text);
     QFont font = key->parentWidget()->font();
     const int room = (key->isVisible() ? key->width() : key->minimumWidth()) - 10;
@@ -238,6 +243,21 @@ void ButtonEditor::BuildLayout() {
         combo->setModel(m_models.model(std::nullopt));
         connect(combo, &QComboBox::currentIndexChanged, this,
                 [this, i](int position) { ChannelChanged(i, position); });
+        // Enter on typed text takes the first entry holding it, the one on top
+        // of the search list, as when that entry is chosen from the list.
+        connect(combo->lineEdit(), &QLineEdit::returnPressed, combo, [combo] {
+            const QString typed = combo->currentText();
+            if (typed.isEmpty() || typed == combo->itemText(combo->currentIndex()))
+                return;
+            QCompleter* completer = combo->completer();
+            completer->setCompletionPrefix(typed);
+            auto* matches = qobject_cast<QAbstractProxyModel*>(completer->completionModel());
+            if (matches == nullptr || !completer->setCurrentRow(0))
+                return;
+            const QModelIndex entry = matches->mapToSource(completer->currentIndex());
+            if (entry.isValid())
+                combo->setCurrentIndex(entry.row());
+        });
         // Text that names no entry leaves the button as it is: show its entry again.
         connect(combo->lineEdit(), &QLineEdit::editingFinished, combo, [combo] {
             if (combo->currentText() != combo->itemText(combo->currentIndex()))

@@ -35,9 +35,11 @@ void DrawKey(QPainter& painter, const QRectF& box, int number, const LabelSheetK
     const auto text = [&](const QRectF& rect, const QFont& font, const QString& value,
                           Qt::Alignment align) {
         painter.setFont(font);
+        // Names come blank-padded to their table's width; centred with the
+        // padding they would sit left of the key's middle.
         const QString shown =
             QFontMetrics(font, painter.device())
-                .elidedText(value, Qt::ElideRight, static_cast<int>(rect.width()));
+                .elidedText(value.trimmed(), Qt::ElideRight, static_cast<int>(rect.width()));
         painter.drawText(rect, align | Qt::AlignVCenter, shown);
     };
     painter.setPen(Qt::darkGray);

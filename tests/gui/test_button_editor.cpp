@@ -92,13 +92,14 @@ private:
         m_models = std::make_unique<ChannelListModels>();
         m_models->RebuildAll(m_store);
         m_reported.clear();
-        m_editor = std::make_unique<ButtonEditor>(
-            m_store, *m_models,
-            [this](std::string_view location, std::string_view category, const Failure&) {
-                m_reported.push_back({std::string(location), std::string(category)});
-            },
-            m_home.path().toStdString() + "/");
+        m_editor = std::make_unique<ButtonEditor>(m_store, *m_models, Recorder(),
+                                                  m_home.path().toStdString() + "/");
         m_editor->show();
+    }
+    ErrorReporter Recorder() {
+        return [this](std::string_view location, std::string_view category, const Failure&) {
+            m_reported.push_back({std::string(location), std::string(category)});
+        };
     }
     template <typename T = QWidget> T* Get(const QString& name) {
         return Child<T>(m_editor.get(), name);
@@ -147,7 +148,8 @@ private slots:
         PanelStore store = MakeStore(2);
         store.buttonTemplates[0].buttonCount = 3;
         store.buttonTemplates[0].buttons.resize(3);
-        store.buttonTemplates[0].buttons[0].channel = 99; // no such Input channel
+        store.buttonTemplates[0].buttons[0].channel = 99;      // no such Input channel
+        store.alpha(SubType::Input).channelNames[1] += "    "; // padded as received
         Open(std::move(store));
         QCOMPARE(m_reported.size(), size_t(1));
         QCOMPARE(m_reported[0].location, std::string("Error Displaying Buttons"));
@@ -282,12 +284,17 @@ private slots:
         QTest::keyClick(popup, Qt::Key_Down);
         QTest::keyClick(popup, Qt::Key_Return);
         QTRY_COMPARE(Button(0).channel, int16_t(32));
+        // Enter without choosing takes the first entry holding the text.
+        combo->lineEdit()->selectAll();
+        QTest::keyClicks(combo->lineEdit(), "MIC 2");
+        QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
+        QCOMPARE(Button(0).channel, int16_t(1));
         // Text naming no entry leaves the button and shows its entry again.
         combo->lineEdit()->selectAll();
         QTest::keyClicks(combo->lineEdit(), "nothing like it");
         QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
-        QCOMPARE(Button(0).channel, int16_t(32));
-        QCOMPARE(combo->currentText(), QString("MIC 33 [0033]"));
+        QCOMPARE(Button(0).channel, int16_t(1));
+        QCOMPARE(combo->currentText(), QString("MIC 2 [0002]"));
     }
 
     void labelModeAndTheLengthLimits() {
@@ -356,7 +363,7 @@ private slots:
         store.buttonTemplates[3].buttons[15].channel2 = 4;
         Open(std::move(store));
         const PanelStore before = m_store;
-        DuplicateTemplateDialog dialog(m_store, {}, m_editor.get());
+        DuplicateTemplateDialog dialog(m_store, Recorder(), m_editor.get());
         QCOMPARE(dialog.windowTitle(), QString("Duplicate Button Template"));
         auto* from = Child<QComboBox>(&dialog, "cmbListAlphas_0");
         auto* to = Child<QComboBox>(&dialog, "cmbListAlphas_1");
@@ -403,6 +410,18 @@ private slots:
         QCOMPARE(Button(15).channel2, int16_t(4));
         QCOMPARE(Button(16).label, std::string("Button 17"));
         QCOMPARE(Button(16).channel, kNoChannel);
+
+        // A source short of 16 buttons: the appended template stays, and the
+        // failure is reported.
+        m_store.buttonTemplates[2].buttons.resize(3);
+        from->setCurrentIndex(2);
+        to->setCurrentIndex(11);
+        QTest::mouseClick(Child<QPushButton>(&dialog, "cmdCopy"), Qt::LeftButton);
+        QCOMPARE(m_store.templateCount, int16_t(12));
+        QCOMPARE(to->count(), 13);
+        QCOMPARE(m_reported.size(), size_t(1));
+        QCOMPARE(m_reported[0].location, std::string("Error Copying Template"));
+        QCOMPARE(m_reported[0].category, std::string("Data Error"));
     }
 
     void copyMenuOpensTheDialogAndRedisplays() {
