@@ -510,6 +510,9 @@ void DisplayListEditor::CommitEditedList() {
 void DisplayListEditor::ListTypeClicked(int item) {
     if (BusyFlag::IsSet() || item < 0 || item >= static_cast<int>(kListTypes.size()))
         return;
+    // A rename still in the name box belongs to the list being left (the box
+    // keeps the focus when the wheel turns a drop-down).
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -532,6 +535,7 @@ void DisplayListEditor::ListTypeClicked(int item) {
 void DisplayListEditor::ListAlphasClicked(int item) {
     if (BusyFlag::IsSet() || item < 0)
         return;
+    ApplyListAlpha();
     try {
         const BusyFlag::Scope busy;
         if (m_changed)
@@ -550,6 +554,7 @@ void DisplayListEditor::ListAlphasClicked(int item) {
 void DisplayListEditor::SubTypeClicked(int listTypeCode) {
     if (BusyFlag::IsSet())
         return;
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -635,6 +640,7 @@ void DisplayListEditor::SelectRows(QTreeView* view, const QList<int>& rows) {
 }
 
 void DisplayListEditor::NewList() {
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -671,6 +677,10 @@ void DisplayListEditor::ApplyListAlpha() {
 }
 
 void DisplayListEditor::CopyList() {
+    // A menu takes the focus from the name box without the box being left:
+    // a rename typed there is applied first, or the refresh after the copy
+    // would put the stored name back.
+    ApplyListAlpha();
     try {
         // The copy works on the store: pending changes go there first.
         if (m_changed)
@@ -693,6 +703,7 @@ void DisplayListEditor::CopyList() {
 }
 
 void DisplayListEditor::ExportCrosspointMap() {
+    ApplyListAlpha();
     try {
         // The map is written from the store: pending changes go there first.
         if (m_changed)

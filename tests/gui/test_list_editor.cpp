@@ -225,6 +225,15 @@ private slots:
         Child<QComboBox>(m_editor, "cmbListType")->setCurrentIndex(1);
         QCOMPARE(m_store.lists(SubType::Input)[0].name, std::string("Vocals"));
         QVERIFY(m_editor->storeChanged());
+
+        // A menu takes the focus without the box being left: the copy still
+        // starts from the renamed list, and its refresh keeps the name.
+        ListAlpha()->setFocus();
+        ListAlpha()->setText("Mains");
+        WhenModal("frmDuplicateDisplayList", [](QWidget* dialog) { dialog->close(); });
+        Child<QAction>(m_editor, "mnuCopy")->trigger();
+        QCOMPARE(m_store.lists(SubType::Output)[0].name, std::string("Mains"));
+        QCOMPARE(ListAlpha()->text(), QString("Mains"));
     }
 
     void newRecords_data() {
