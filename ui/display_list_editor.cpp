@@ -473,8 +473,13 @@ bool DisplayListEditor::KeyExists(const QString& key) const {
 }
 
 void DisplayListEditor::CommitEditedList() {
-    if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
+    if (m_currentIndex < 0 || m_currentIndex >= m_itemCount) {
+        // Opening lets an index equal to the count through: there is no record
+        // to take the edits. They are dropped, once reported, so that the
+        // editor can still be switched and closed.
+        m_changed = false;
         throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
+    }
     const size_t at = Position(m_currentIndex);
     std::vector<int16_t> numbers;
     numbers.reserve(static_cast<size_t>(m_listItems->items().size()));
@@ -658,8 +663,8 @@ void DisplayListEditor::NewList() {
 
 void DisplayListEditor::ApplyListAlpha() {
     try {
-        if (m_itemCount == 0)
-            return;
+        if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
+            return; // no record to take the name
         std::string& name = m_listType == kUserGroupListType
                                 ? m_groupNames.at(Position(m_currentIndex))
                                 : m_lists.at(Position(m_currentIndex)).name;

@@ -320,6 +320,12 @@ private slots:
                 QCOMPARE(m_reports.back(), std::string("Error Changing List Type"));
                 QCOMPARE(listTypes->currentIndex(), 0);
                 QCOMPARE(m_store.listCount(SubType::Input), int16_t(4));
+                const size_t reported = m_reports.size(); // once: the editor is not stuck
+                listTypes->setCurrentIndex(1);
+                QCOMPARE(m_editor->listType(), int16_t(21));
+                Click("cmdClose");
+                QVERIFY(!m_editor->isVisible());
+                QCOMPARE(m_reports.size(), reported);
             }
             return;
         }
