@@ -460,8 +460,6 @@ void DisplayListEditor::SetModeCaptions() {
     m_listLabel->setText(groups ? "Current Group" : "Current List");
     m_listAlphaLabel->setText(groups ? "Current Group Label" : "Current List Label");
     m_new->setText(groups ? "New User" : "New List");
-    m_channels->setTextHeader(groups ? "Display List" : "Channel Alpha");
-    m_listItems->setTextHeader(groups ? "Display List" : "Channel");
     if (groups) {
         if (const auto subType = SubTypeFromListCode(m_store.currentListType))
             m_subTypeButtons[static_cast<size_t>(*subType)]->setChecked(true);

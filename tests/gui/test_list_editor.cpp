@@ -342,6 +342,9 @@ private slots:
         QCOMPARE(Child<QLabel>(m_editor, "lblMasterList")->text(),
                  QString(item == 4 ? "Available Lists" : "Available Channels"));
         QCOMPARE(Child<QWidget>(m_editor, "frSubType")->isEnabled(), item == 4);
+        // The column captions are the same in both modes.
+        QCOMPARE(Available()->model()->headerData(0, Qt::Horizontal), QVariant("Channel Alpha"));
+        QCOMPARE(Selected()->model()->headerData(0, Qt::Horizontal), QVariant("Channel"));
         // The edited record was committed before the switch.
         QCOMPARE(startType == 83 ? m_store.userGroupNames[size_t(startIndex)]
                                  : m_store.lists(SubType::Input)[size_t(startIndex)].name,
