@@ -177,6 +177,9 @@ void DisplayListEditor::BuildControls() {
     m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
     m_listAlpha = new QLineEdit("Text1", this);
     m_listAlpha->setObjectName("txtListAlpha");
+    // The key filter below refuses a typed 17th character; this also cuts a
+    // pasted or dropped text to the 16 characters a name holds.
+    m_listAlpha->setMaxLength(kNameLength);
     m_listAlpha->installEventFilter(this);
     m_listAlphaLabel->setBuddy(m_listAlpha);
     m_new = MakeButton(this, "cmndNew", "New List");

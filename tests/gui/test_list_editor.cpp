@@ -3,6 +3,7 @@
 // shows after the editor has closed. No network: the stores are made here.
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
@@ -204,6 +205,11 @@ private slots:
         QTest::keyClick(ListAlpha(), Qt::Key_Backspace);
         QTest::keyClicks(ListAlpha(), "Z");
         QCOMPARE(ListAlpha()->text(), QString("ABCDEFGHIJKLMNOZ"));
+        QApplication::clipboard()->setText("ABCDEFGHIJKLMNOPQRST");
+        ListAlpha()->clear();
+        QTest::keyClick(ListAlpha(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(ListAlpha()->text(), QString("ABCDEFGHIJKLMNOP"));
+        ListAlpha()->setText("ABCDEFGHIJKLMNOZ");
         QTest::keyClick(ListAlpha(), Qt::Key_Return);
         QVERIFY(m_editor->isVisible()); // Enter is the name box's, not a default button's
         QCOMPARE(ListAlphas()->itemText(1), QString("ABCDEFGHIJKLMNOZ"));
