@@ -317,6 +317,8 @@ void DisplayListEditor::Report(std::string_view location, std::string_view categ
 void DisplayListEditor::Open() {
     m_changed = false;
     m_storeChanged = false;
+    // The editor is reused: a filter typed last time would hide channels.
+    m_filter->clear();
     try {
         {
             const QSignalBlocker block(m_listTypes);

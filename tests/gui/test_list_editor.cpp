@@ -538,6 +538,9 @@ private slots:
         QCOMPARE(Column(Selected()).size(), 4);
         Click("cmdClose");
         QCOMPARE(Channels(m_store.lists(SubType::Input)[0]), std::vector<int16_t>({2, 0, 3, 1}));
+        filter->setText("mic");
+        Open(11, 0); // reopened with every channel available
+        QCOMPARE(Available()->model()->rowCount(), 4);
     }
 
     void theMainWindowAfterTheEditorCloses() {
