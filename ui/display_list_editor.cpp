@@ -346,6 +346,10 @@ void DisplayListEditor::Open() {
         m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     } catch (const std::exception& error) {
         Report("Error Loading List Form", "List Error", error);
+        // The box shows the mode the editor is in, even when the display
+        // could not be filled.
+        const BusyFlag::Scope busy;
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     }
 }
 

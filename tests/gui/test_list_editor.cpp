@@ -296,6 +296,7 @@ private slots:
         QTest::addColumn<int>("currentListType");
         // Opening lets an index equal to the count through; a switch does not.
         QTest::newRow("open at count") << 11 << 4 << 4 << -1 << 4 << 31;
+        QTest::newRow("open output at count") << 21 << 1 << 1 << -1 << 1 << 31;
         QTest::newRow("open beyond count") << 11 << 5 << 0 << -1 << 0 << 31;
         QTest::newRow("open negative") << 83 << -1 << 0 << -1 << 0 << 31;
         QTest::newRow("input 3 to output") << 11 << 3 << 3 << 1 << 0 << 31;
@@ -317,8 +318,8 @@ private slots:
         auto* listTypes = Child<QComboBox>(m_editor, "cmbListType");
         QCOMPARE(listTypes->currentIndex(), startType == 83 ? 4 : startType / 10 - 1);
         if (item < 0) {
-            QCOMPARE(m_reports.empty(), openedIndex < 4);
-            if (openedIndex == 4) { // no list there: an edit cannot be committed
+            QCOMPARE(m_reports.empty(), openedIndex < m_editor->itemCount());
+            if (startType == 11 && openedIndex == 4) { // no list there: no edit can be committed
                 Click("cmdAddAll");
                 listTypes->setCurrentIndex(1);
                 QCOMPARE(m_reports.back(), std::string("Error Changing List Type"));
