@@ -612,6 +612,10 @@ private slots:
         auto* popup = Child<QMenu>(&window, "mnuPopup");
         const QRect list =
             views.displayLists()->visualItemRect(views.displayLists()->topLevelItem(1));
+        const QRect first =
+            views.displayLists()->visualItemRect(views.displayLists()->topLevelItem(0));
+        QTest::mousePress(views.displayLists()->viewport(), Qt::RightButton, {}, first.center());
+        QCOMPARE(views.displayLists()->currentItem(), views.displayLists()->topLevelItem(1));
         QTest::mouseRelease(views.displayLists()->viewport(), Qt::RightButton, {}, list.center());
         QTRY_VERIFY(popup->isVisible());
         auto* edit = Child<QAction>(&window, "mnuEdit");
