@@ -481,6 +481,15 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
             QTimer::singleShot(0, this, &MainWindow::ReviewChanges);
         return false;
     }
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick) {
+        // The views would move their selection to the item under a right
+        // press, but "Edit List" acts on the item the last click chose: the
+        // selection stays on that one.
+        const bool overViews = watched == m_views->groups()->viewport() ||
+                               watched == m_views->displayLists()->viewport();
+        if (overViews && static_cast<QMouseEvent*>(event)->button() == Qt::RightButton)
+            return true;
+    }
     if (event->type() == QEvent::MouseButtonRelease) {
         auto* mouse = static_cast<QMouseEvent*>(event);
         const bool overGroups = watched == m_views->groups()->viewport();

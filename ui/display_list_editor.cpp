@@ -177,6 +177,9 @@ void DisplayListEditor::BuildControls() {
     m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
     m_listAlpha = new QLineEdit("Text1", this);
     m_listAlpha->setObjectName("txtListAlpha");
+    // The key filter below refuses a typed 17th character; this also cuts a
+    // pasted or dropped text to the 16 characters a name holds.
+    m_listAlpha->setMaxLength(kNameLength);
     m_listAlpha->installEventFilter(this);
     m_listAlphaLabel->setBuddy(m_listAlpha);
     m_new = MakeButton(this, "cmndNew", "New List");
@@ -314,6 +317,8 @@ void DisplayListEditor::Report(std::string_view location, std::string_view categ
 void DisplayListEditor::Open() {
     m_changed = false;
     m_storeChanged = false;
+    // The editor is reused: a filter typed last time would hide channels.
+    m_filter->clear();
     try {
         {
             const QSignalBlocker block(m_listTypes);
@@ -341,6 +346,10 @@ void DisplayListEditor::Open() {
         m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     } catch (const std::exception& error) {
         Report("Error Loading List Form", "List Error", error);
+        // The box shows the mode the editor is in, even when the display
+        // could not be filled.
+        const BusyFlag::Scope busy;
+        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
     }
 }
 
@@ -460,8 +469,6 @@ void DisplayListEditor::SetModeCaptions() {
     m_listLabel->setText(groups ? "Current Group" : "Current List");
     m_listAlphaLabel->setText(groups ? "Current Group Label" : "Current List Label");
     m_new->setText(groups ? "New User" : "New List");
-    m_channels->setTextHeader(groups ? "Display List" : "Channel Alpha");
-    m_listItems->setTextHeader(groups ? "Display List" : "Channel");
     if (groups) {
         if (const auto subType = SubTypeFromListCode(m_store.currentListType))
             m_subTypeButtons[static_cast<size_t>(*subType)]->setChecked(true);
@@ -473,8 +480,13 @@ bool DisplayListEditor::KeyExists(const QString& key) const {
 }
 
 void DisplayListEditor::CommitEditedList() {
-    if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
+    if (m_currentIndex < 0 || m_currentIndex >= m_itemCount) {
+        // Opening lets an index equal to the count through: there is no record
+        // to take the edits. They are dropped, once reported, so that the
+        // editor can still be switched and closed.
+        m_changed = false;
         throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
+    }
     const size_t at = Position(m_currentIndex);
     std::vector<int16_t> numbers;
     numbers.reserve(static_cast<size_t>(m_listItems->items().size()));
@@ -510,6 +522,9 @@ void DisplayListEditor::CommitEditedList() {
 void DisplayListEditor::ListTypeClicked(int item) {
     if (BusyFlag::IsSet() || item < 0 || item >= static_cast<int>(kListTypes.size()))
         return;
+    // A rename still in the name box belongs to the list being left (the box
+    // keeps the focus when the wheel turns a drop-down).
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -532,6 +547,7 @@ void DisplayListEditor::ListTypeClicked(int item) {
 void DisplayListEditor::ListAlphasClicked(int item) {
     if (BusyFlag::IsSet() || item < 0)
         return;
+    ApplyListAlpha();
     try {
         const BusyFlag::Scope busy;
         if (m_changed)
@@ -550,6 +566,7 @@ void DisplayListEditor::ListAlphasClicked(int item) {
 void DisplayListEditor::SubTypeClicked(int listTypeCode) {
     if (BusyFlag::IsSet())
         return;
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -635,6 +652,7 @@ void DisplayListEditor::SelectRows(QTreeView* view, const QList<int>& rows) {
 }
 
 void DisplayListEditor::NewList() {
+    ApplyListAlpha();
     try {
         if (m_changed)
             CommitEditedList();
@@ -652,8 +670,8 @@ void DisplayListEditor::NewList() {
 
 void DisplayListEditor::ApplyListAlpha() {
     try {
-        if (m_itemCount == 0)
-            return;
+        if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
+            return; // no record to take the name
         std::string& name = m_listType == kUserGroupListType
                                 ? m_groupNames.at(Position(m_currentIndex))
                                 : m_lists.at(Position(m_currentIndex)).name;
@@ -671,6 +689,10 @@ void DisplayListEditor::ApplyListAlpha() {
 }
 
 void DisplayListEditor::CopyList() {
+    // A menu takes the focus from the name box without the box being left:
+    // a rename typed there is applied first, or the refresh after the copy
+    // would put the stored name back.
+    ApplyListAlpha();
     try {
         // The copy works on the store: pending changes go there first.
         if (m_changed)
@@ -693,6 +715,7 @@ void DisplayListEditor::CopyList() {
 }
 
 void DisplayListEditor::ExportCrosspointMap() {
+    ApplyListAlpha();
     try {
         // The map is written from the store: pending changes go there first.
         if (m_changed)

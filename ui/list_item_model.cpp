@@ -24,11 +24,6 @@ QList<int> SortedUnique(QList<int> rows, int count) {
 ListItemModel::ListItemModel(const QString& textHeader, bool movable, QObject* parent)
     : QAbstractTableModel(parent), m_textHeader(textHeader), m_movable(movable) {}
 
-void ListItemModel::setTextHeader(const QString& header) {
-    m_textHeader = header;
-    emit headerDataChanged(Qt::Horizontal, 0, 0);
-}
-
 void ListItemModel::setItems(QList<Item> items) {
     beginResetModel();
     m_items = std::move(items);

@@ -25,7 +25,6 @@ public:
 
     ListItemModel(const QString& textHeader, bool movable, QObject* parent);
 
-    void setTextHeader(const QString& header);
     void setItems(QList<Item> items);
     void clear() { setItems({}); }
     const QList<Item>& items() const { return m_items; }

@@ -3,6 +3,7 @@
 // shows after the editor has closed. No network: the stores are made here.
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
@@ -225,6 +226,18 @@ private slots:
         Child<QComboBox>(m_editor, "cmbListType")->setCurrentIndex(1);
         QCOMPARE(m_store.lists(SubType::Input)[0].name, std::string("Vocals"));
         QVERIFY(m_editor->storeChanged());
+
+        // A menu takes the focus without the box being left: the copy still
+        // starts from the renamed list, and its refresh keeps the name.
+        ListAlpha()->setFocus();
+        ListAlpha()->setText("Mains");
+        WhenModal("frmDuplicateDisplayList", [](QWidget* dialog) { dialog->close(); });
+        Child<QAction>(m_editor, "mnuCopy")->trigger();
+        QCOMPARE(m_store.lists(SubType::Output)[0].name, std::string("Mains"));
+        QCOMPARE(ListAlpha()->text(), QString("Mains"));
+        QApplication::clipboard()->setText("ABCDEFGHIJKLMNOPQRST"); // a paste is cut to 16
+        QTest::keyClick(ListAlpha(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(ListAlpha()->text(), QString("MainsABCDEFGHIJK"));
     }
 
     void newRecords_data() {
@@ -283,6 +296,7 @@ private slots:
         QTest::addColumn<int>("currentListType");
         // Opening lets an index equal to the count through; a switch does not.
         QTest::newRow("open at count") << 11 << 4 << 4 << -1 << 4 << 31;
+        QTest::newRow("open output at count") << 21 << 1 << 1 << -1 << 1 << 31;
         QTest::newRow("open beyond count") << 11 << 5 << 0 << -1 << 0 << 31;
         QTest::newRow("open negative") << 83 << -1 << 0 << -1 << 0 << 31;
         QTest::newRow("input 3 to output") << 11 << 3 << 3 << 1 << 0 << 31;
@@ -304,13 +318,15 @@ private slots:
         auto* listTypes = Child<QComboBox>(m_editor, "cmbListType");
         QCOMPARE(listTypes->currentIndex(), startType == 83 ? 4 : startType / 10 - 1);
         if (item < 0) {
-            QCOMPARE(m_reports.empty(), openedIndex < 4);
-            if (openedIndex == 4) { // no list there: an edit cannot be committed
+            QCOMPARE(m_reports.empty(), openedIndex < m_editor->itemCount());
+            if (startType == 11 && openedIndex == 4) { // no list there: no edit can be committed
                 Click("cmdAddAll");
                 listTypes->setCurrentIndex(1);
                 QCOMPARE(m_reports.back(), std::string("Error Changing List Type"));
                 QCOMPARE(listTypes->currentIndex(), 0);
                 QCOMPARE(m_store.listCount(SubType::Input), int16_t(4));
+                listTypes->setCurrentIndex(1); // reported once: the editor is not stuck
+                QCOMPARE(m_editor->listType(), int16_t(21));
             }
             return;
         }
@@ -523,6 +539,9 @@ private slots:
         QCOMPARE(Column(Selected()).size(), 4);
         Click("cmdClose");
         QCOMPARE(Channels(m_store.lists(SubType::Input)[0]), std::vector<int16_t>({2, 0, 3, 1}));
+        filter->setText("mic");
+        Open(11, 0); // reopened with every channel available
+        QCOMPARE(Available()->model()->rowCount(), 4);
     }
 
     void theMainWindowAfterTheEditorCloses() {
@@ -593,6 +612,10 @@ private slots:
         auto* popup = Child<QMenu>(&window, "mnuPopup");
         const QRect list =
             views.displayLists()->visualItemRect(views.displayLists()->topLevelItem(1));
+        const QRect first =
+            views.displayLists()->visualItemRect(views.displayLists()->topLevelItem(0));
+        QTest::mousePress(views.displayLists()->viewport(), Qt::RightButton, {}, first.center());
+        QCOMPARE(views.displayLists()->currentItem(), views.displayLists()->topLevelItem(1));
         QTest::mouseRelease(views.displayLists()->viewport(), Qt::RightButton, {}, list.center());
         QTRY_VERIFY(popup->isVisible());
         auto* edit = Child<QAction>(&window, "mnuEdit");
