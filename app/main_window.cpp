@@ -97,6 +97,19 @@ constexpr unsigned kEverythingBits = (1u << 11) - 1;
 
 constexpr const char* kUnappliedText = "Unapplied changes";
 
+// `base` with the parts named in `parts` taken from `from`.
+PanelSnapshot WithParts(PanelSnapshot base, const PanelSnapshot& from, unsigned parts) {
+    for (SubType s : kAllSubTypes) {
+        if (parts & ListsPart(s))
+            base.lists[static_cast<size_t>(s)] = from.lists[static_cast<size_t>(s)];
+    }
+    if (parts & part::kUserGroups)
+        base.groups = from.groups;
+    if (parts & part::kTemplates)
+        base.templates = from.templates;
+    return base;
+}
+
 // "A", "A and B", "A, B and C"
 QString JoinParts(const QStringList& names) {
     if (names.size() < 2)
@@ -127,6 +140,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     connect(m_connection, &Connection::storeChanged, this, &MainWindow::OnStoreChanged);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
     m_stepBase = TakeSnapshot(m_store);
+    m_serverParts = m_stepBase;
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -531,6 +545,7 @@ void MainWindow::Apply() {
         // The server module now holds what was sent.
         m_received = m_store;
         m_heldParts = part::kAll;
+        m_serverParts = TakeSnapshot(m_store, &m_stepBase);
     }
     RefreshProgress();
 }
@@ -625,8 +640,10 @@ void MainWindow::NoteReceived(StoreChange change, SubType subType) {
     m_receivedParts |= bit;
     m_heldParts |= held;
     // A download is no step of its own: later steps start from it.
-    if (held)
+    if (held) {
         m_stepBase = TakeSnapshot(m_store, &m_stepBase);
+        m_serverParts = WithParts(std::move(m_serverParts), m_stepBase, held);
+    }
     if (m_receivedParts == kEverythingBits) {
         m_received = m_store;
         m_receivedParts = 0;
@@ -704,7 +721,7 @@ void MainWindow::AfterRestore() {
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!m_received || ChangedParts(*m_received, m_store) != 0);
+    setUnappliedChanges(ChangedParts(m_serverParts, m_stepBase) != 0);
     RefreshEditMenu();
 }
 

@@ -144,6 +144,11 @@ private:
     unsigned m_heldParts = 0;
     UndoHistory m_history;
     PanelSnapshot m_stepBase;
+    // Each part as last received or applied (never received: as at start),
+    // so that after an undo or redo the unapplied indicator shows whether the
+    // store still differs from the server module, even before everything has
+    // been received.
+    PanelSnapshot m_serverParts;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;

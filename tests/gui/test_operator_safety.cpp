@@ -197,6 +197,11 @@ private slots:
         QCOMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), DemoGroup());
         QVERIFY(m_window->hasUnappliedChanges());
         QVERIFY(Backups().isEmpty());
+        // Not everything was received, yet the indicator follows undo and redo.
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QVERIFY(!m_window->hasUnappliedChanges());
+        Child<QAction>(m_window, "mnuRedo")->trigger();
+        QVERIFY(m_window->hasUnappliedChanges());
 
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
