@@ -664,9 +664,13 @@ void MainWindow::ReviewChanges() {
 }
 
 bool MainWindow::ConfirmUnreceivedParts() {
+    // Edited parts are those that differ now: an edit undone leaves the part
+    // as it was never received.
+    const unsigned held =
+        m_heldParts | ChangedParts(m_serverParts, TakeSnapshot(m_store, &m_serverParts));
     QStringList names;
     for (unsigned bit = 1; bit & part::kAll; bit <<= 1) {
-        if (!(m_heldParts & bit))
+        if (!(held & bit))
             names << QString::fromStdString(PartName(bit));
     }
     if (names.isEmpty())
@@ -695,7 +699,6 @@ void MainWindow::RecordStep() {
     PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
     if (now == m_stepBase)
         return;
-    m_heldParts |= ChangedParts(m_stepBase, now);
     m_history.Record(std::exchange(m_stepBase, std::move(now)));
     RefreshEditMenu();
 }

@@ -138,7 +138,7 @@ private:
     bool m_unapplied = false;
     // What the server module sent, kept to review changes and as the backup
     // written before Apply; parts counted since the last request for
-    // everything; parts received since the link came up, loaded or edited.
+    // everything; parts received since the link came up or loaded.
     std::optional<PanelStore> m_received;
     unsigned m_receivedParts = 0;
     unsigned m_heldParts = 0;

@@ -181,6 +181,13 @@ private slots:
 
     void templatesNeverReceivedAreOnlySentWhenConfirmed() {
         Connect(true);
+        // A template edit undone leaves the templates as never received.
+        WhenModal("frmButtons", [](QWidget* editor) {
+            QTest::mouseClick(Child<QPushButton>(editor, "CmdAdd"), Qt::LeftButton);
+            Child<QAction>(editor, "mnuExit")->trigger();
+        });
+        Child<QAction>(m_window, "mnuButtons")->trigger();
+        Child<QAction>(m_window, "mnuUndo")->trigger();
         RenameFirstGroup("Guarded");
         auto* send = Child<QPushButton>(m_window, "cmdSend");
         MessageBox::setNextAnswer(QMessageBox::No);
