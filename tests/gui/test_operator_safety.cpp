@@ -1,6 +1,7 @@
 // Review Changes, the backup before Apply, the guard for parts never
 // received, and undo/redo, in the window against the emulator on loopback.
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -254,6 +255,30 @@ private slots:
             QCOMPARE(Progress(), step.progress);
         }
         QVERIFY(!redo->isEnabled());
+    }
+
+    void eachCopyIsAStepOfItsOwn() {
+        Connect();
+        WhenModal("frmDisplayListView", [](QWidget* editor) {
+            WhenModal("frmDuplicateDisplayList", [](QWidget* dialog) {
+                auto* to = Child<QComboBox>(dialog, "cmbListAlphas_1");
+                for (int i = 0; i < 2; ++i) {
+                    to->setCurrentIndex(to->count() - 1); // "New Group"
+                    QTest::mouseClick(Child<QPushButton>(dialog, "cmdCopy"), Qt::LeftButton);
+                }
+                qobject_cast<QDialog*>(dialog)->reject();
+            });
+            Child<QAction>(editor, "mnuCopy")->trigger();
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+        });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
+        auto* undo = Child<QAction>(m_window, "mnuUndo");
+        for (int copies : {2, 1, 0}) {
+            QCOMPARE(m_window->views().groups()->topLevelItemCount(),
+                     m_demo.userGroupCount + copies);
+            QCOMPARE(undo->isEnabled(), copies > 0);
+            undo->trigger();
+        }
     }
 };
 
