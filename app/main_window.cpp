@@ -535,10 +535,12 @@ void MainWindow::Apply() {
     if (connected)
         WriteApplyBackup();
     m_send->setEnabled(false);
+    RefreshEditMenu();
     RefreshProgress();
     m_connection->Apply();
     m_applying = false;
     m_send->setEnabled(true);
+    RefreshEditMenu();
     // Sent only when the link stayed up for the whole upload.
     if (connected && m_link.connected) {
         m_unapplied = false;
@@ -729,8 +731,10 @@ void MainWindow::AfterRestore() {
 }
 
 void MainWindow::RefreshEditMenu() {
-    m_undo->setEnabled(m_history.canUndo());
-    m_redo->setEnabled(m_history.canRedo());
+    // The upload keeps the window running between its messages; an undo then
+    // would send a mix of two configurations.
+    m_undo->setEnabled(!m_applying && m_history.canUndo());
+    m_redo->setEnabled(!m_applying && m_history.canRedo());
 }
 
 } // namespace lumeth

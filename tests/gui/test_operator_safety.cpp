@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <functional>
@@ -162,8 +163,12 @@ private slots:
             QVERIFY(old.open(QIODevice::WriteOnly));
         }
         RenameFirstGroup("After Apply");
+        auto* undo = Child<QAction>(m_window, "mnuUndo");
+        bool undoWhileSending = true;
+        QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
         QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("After Apply"));
+        QVERIFY(!undoWhileSending && undo->isEnabled());
 
         const QStringList backups = Backups();
         QCOMPARE(backups.size(), 30);
