@@ -277,13 +277,8 @@ private slots:
             QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
         });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
-        auto* undo = Child<QAction>(m_window, "mnuUndo");
-        for (int copies : {2, 1, 0}) {
-            QCOMPARE(m_window->views().groups()->topLevelItemCount(),
-                     m_demo.userGroupCount + copies);
-            QCOMPARE(undo->isEnabled(), copies > 0);
-            undo->trigger();
-        }
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.userGroupCount + 1);
     }
 };
 
