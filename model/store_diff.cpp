@@ -109,28 +109,39 @@ private:
     }
 
     // Channels added, removed, and moved: of the channels in both, those
-    // outside the longest run kept in the same relative order.
+    // outside the longest run kept in the same relative order. The n-th time
+    // a channel is listed pairs with its n-th time in the other list, so a
+    // channel listed twice counts twice.
     void Channels(SubType s, const std::string& list, const std::vector<int16_t>& was,
                   const std::vector<int16_t>& now) {
         if (was == now)
             return;
-        std::unordered_map<int16_t, int> wasAt;
-        for (size_t k = 0; k < was.size(); ++k)
-            wasAt.emplace(was[k], static_cast<int>(k));
-        const std::unordered_set<int16_t> nowSet(now.begin(), now.end());
-        for (int16_t channel : was) {
-            if (!nowSet.contains(channel))
-                Add(list + ": removed " + Channel(s, channel));
+        const auto occurrences = [](const std::vector<int16_t>& channels) {
+            std::unordered_map<int16_t, int64_t> seen;
+            std::vector<int64_t> keys;
+            keys.reserve(channels.size());
+            for (int16_t channel : channels)
+                keys.push_back(seen[channel]++ * 65536 + static_cast<uint16_t>(channel));
+            return keys;
+        };
+        const std::vector<int64_t> wasKeys = occurrences(was);
+        const std::vector<int64_t> nowKeys = occurrences(now);
+        std::unordered_map<int64_t, int> wasAt;
+        for (size_t k = 0; k < wasKeys.size(); ++k)
+            wasAt.emplace(wasKeys[k], static_cast<int>(k));
+        const std::unordered_set<int64_t> nowSet(nowKeys.begin(), nowKeys.end());
+        for (size_t k = 0; k < was.size(); ++k) {
+            if (!nowSet.contains(wasKeys[k]))
+                Add(list + ": removed " + Channel(s, was[k]));
         }
         std::vector<int16_t> common;
         std::vector<int> order;
-        std::unordered_set<int16_t> seen;
-        for (int16_t channel : now) {
-            const auto found = wasAt.find(channel);
+        for (size_t k = 0; k < now.size(); ++k) {
+            const auto found = wasAt.find(nowKeys[k]);
             if (found == wasAt.end()) {
-                Add(list + ": added " + Channel(s, channel));
-            } else if (seen.insert(channel).second) {
-                common.push_back(channel);
+                Add(list + ": added " + Channel(s, now[k]));
+            } else {
+                common.push_back(now[k]);
                 order.push_back(found->second);
             }
         }

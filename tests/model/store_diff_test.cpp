@@ -67,6 +67,11 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {"Input list \"Mics\": removed \"MIC 2\" (Ch.0002)",
           "Input list \"Mics\": added \"MIC 4\" (Ch.0004)",
           "Input list \"Mics\": moved \"MIC 3\" (Ch.0003)"}},
+        {"a channel listed a second time",
+         [&](PanelStore& s) {
+             inputs(s)[0] = test::List("Mics", {0, 1, 2, 0});
+         },
+         {"Input list \"Mics\": added \"MIC 1\" (Ch.0001)"}},
         {"a list added and one removed",
          [&](PanelStore& s) {
              s.listCount(SubType::Input) = 1;
