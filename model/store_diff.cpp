@@ -1,6 +1,8 @@
 #include "model/store_diff.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -192,6 +194,18 @@ private:
         return entries;
     }
 
+    // A group entry (list type, position), and the same with the number of
+    // times it was named before in its group.
+    using Entry = std::pair<int16_t, int16_t>;
+    using NumberedEntry = std::pair<Entry, int>;
+    static std::vector<NumberedEntry> Numbered(const std::vector<Entry>& entries) {
+        std::map<Entry, int> seen;
+        std::vector<NumberedEntry> numbered;
+        for (const Entry& entry : entries)
+            numbered.emplace_back(entry, seen[entry]++);
+        return numbered;
+    }
+
     static std::string EntryName(const PanelStore& store, std::pair<int16_t, int16_t> entry) {
         const auto subType = SubTypeFromListCode(entry.first);
         if (!subType)
@@ -218,16 +232,31 @@ private:
                 Sent(At(m_after.userGroupNames, i), kNameWidth))
                 Add(GroupName(m_before, i) + " renamed to " +
                     Quoted(At(m_after.userGroupNames, i), kNameWidth));
-            const auto was = Entries(At(m_before.userGroups, i));
-            const auto now = Entries(At(m_after.userGroups, i));
-            for (const auto& entry : was) {
-                if (std::find(now.begin(), now.end(), entry) == now.end())
-                    Add(GroupName(m_after, i) + ": removed " + EntryName(m_before, entry));
+            // Entries pair as channels do: a list named twice counts twice, and
+            // the panel shows a group's lists in its entry order.
+            const auto was = Numbered(Entries(At(m_before.userGroups, i)));
+            const auto now = Numbered(Entries(At(m_after.userGroups, i)));
+            std::map<NumberedEntry, int> wasAt;
+            for (size_t k = 0; k < was.size(); ++k)
+                wasAt.emplace(was[k], static_cast<int>(k));
+            const std::set<NumberedEntry> nowSet(now.begin(), now.end());
+            for (const NumberedEntry& entry : was) {
+                if (!nowSet.contains(entry))
+                    Add(GroupName(m_after, i) + ": removed " + EntryName(m_before, entry.first));
             }
-            for (const auto& entry : now) {
-                if (std::find(was.begin(), was.end(), entry) == was.end())
-                    Add(GroupName(m_after, i) + ": added " + EntryName(m_after, entry));
+            std::vector<Entry> common;
+            std::vector<int> order;
+            for (const NumberedEntry& entry : now) {
+                const auto found = wasAt.find(entry);
+                if (found == wasAt.end()) {
+                    Add(GroupName(m_after, i) + ": added " + EntryName(m_after, entry.first));
+                } else {
+                    common.push_back(entry.first);
+                    order.push_back(found->second);
+                }
             }
+            for (size_t k : Unkept(order))
+                Add(GroupName(m_after, i) + ": moved " + EntryName(m_after, common[k]));
         }
     }
 

@@ -87,6 +87,12 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {"Group \"Studio\" renamed to \"Studio B\"",
           "Group \"Studio B\": removed Output list \"Outs\"",
           "Group \"Studio B\": added Input list \"Spare\""}},
+        {"group entries in another order, one named twice",
+         [](PanelStore& s) {
+             s.userGroups[0] = test::Group({{0, 21}, {0, 11}, {0, 11}});
+         },
+         {"Group \"Studio\": added Input list \"Mics\"",
+          "Group \"Studio\": moved Output list \"Outs\""}},
         {"a button's label and channel",
          [](PanelStore& s) {
              s.buttonTemplates[0].buttons[0].label = "VOX";
