@@ -97,6 +97,19 @@ constexpr unsigned kEverythingBits = (1u << 11) - 1;
 
 constexpr const char* kUnappliedText = "Unapplied changes";
 
+// `base` with the parts named in `parts` taken from `from`.
+PanelSnapshot WithParts(PanelSnapshot base, const PanelSnapshot& from, unsigned parts) {
+    for (SubType s : kAllSubTypes) {
+        if (parts & ListsPart(s))
+            base.lists[static_cast<size_t>(s)] = from.lists[static_cast<size_t>(s)];
+    }
+    if (parts & part::kUserGroups)
+        base.groups = from.groups;
+    if (parts & part::kTemplates)
+        base.templates = from.templates;
+    return base;
+}
+
 // "A", "A and B", "A, B and C"
 QString JoinParts(const QStringList& names) {
     if (names.size() < 2)
@@ -127,6 +140,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     connect(m_connection, &Connection::storeChanged, this, &MainWindow::OnStoreChanged);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
     m_stepBase = TakeSnapshot(m_store);
+    m_serverParts = m_stepBase;
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -530,16 +544,19 @@ void MainWindow::Apply() {
     if (connected)
         WriteApplyBackup();
     m_send->setEnabled(false);
+    RefreshEditMenu();
     RefreshProgress();
     m_connection->Apply();
     m_applying = false;
     m_send->setEnabled(true);
+    RefreshEditMenu();
     // Sent only when the link stayed up for the whole upload.
     if (connected && m_link.connected) {
         m_unapplied = false;
         // The server module now holds what was sent.
         m_received = m_store;
         m_heldParts = part::kAll;
+        m_serverParts = TakeSnapshot(m_store, &m_stepBase);
     }
     RefreshProgress();
 }
@@ -634,8 +651,10 @@ void MainWindow::NoteReceived(StoreChange change, SubType subType) {
     m_receivedParts |= bit;
     m_heldParts |= held;
     // A download is no step of its own: later steps start from it.
-    if (held)
+    if (held) {
         m_stepBase = TakeSnapshot(m_store, &m_stepBase);
+        m_serverParts = WithParts(std::move(m_serverParts), m_stepBase, held);
+    }
     if (m_receivedParts == kEverythingBits) {
         m_received = m_store;
         m_receivedParts = 0;
@@ -656,9 +675,13 @@ void MainWindow::ReviewChanges() {
 }
 
 bool MainWindow::ConfirmUnreceivedParts() {
+    // Edited parts are those that differ now: an edit undone leaves the part
+    // as it was never received.
+    const unsigned held =
+        m_heldParts | ChangedParts(m_serverParts, TakeSnapshot(m_store, &m_serverParts));
     QStringList names;
     for (unsigned bit = 1; bit & part::kAll; bit <<= 1) {
-        if (!(m_heldParts & bit))
+        if (!(held & bit))
             names << QString::fromStdString(PartName(bit));
     }
     if (names.isEmpty())
@@ -687,7 +710,6 @@ void MainWindow::RecordStep() {
     PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
     if (now == m_stepBase)
         return;
-    m_heldParts |= ChangedParts(m_stepBase, now);
     m_history.Record(std::exchange(m_stepBase, std::move(now)));
     RefreshEditMenu();
 }
@@ -713,13 +735,15 @@ void MainWindow::AfterRestore() {
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!m_received || ChangedParts(*m_received, m_store) != 0);
+    setUnappliedChanges(ChangedParts(m_serverParts, m_stepBase) != 0);
     RefreshEditMenu();
 }
 
 void MainWindow::RefreshEditMenu() {
-    m_undo->setEnabled(m_history.canUndo());
-    m_redo->setEnabled(m_history.canRedo());
+    // The upload keeps the window running between its messages; an undo then
+    // would send a mix of two configurations.
+    m_undo->setEnabled(!m_applying && m_history.canUndo());
+    m_redo->setEnabled(!m_applying && m_history.canRedo());
 }
 
 } // namespace lumeth

@@ -138,12 +138,17 @@ private:
     bool m_unapplied = false;
     // What the server module sent, kept to review changes and as the backup
     // written before Apply; parts counted since the last request for
-    // everything; parts received since the link came up, loaded or edited.
+    // everything; parts received since the link came up or loaded.
     std::optional<PanelStore> m_received;
     unsigned m_receivedParts = 0;
     unsigned m_heldParts = 0;
     UndoHistory m_history;
     PanelSnapshot m_stepBase;
+    // Each part as last received or applied (never received: as at start),
+    // so that after an undo or redo the unapplied indicator shows whether the
+    // store still differs from the server module, even before everything has
+    // been received.
+    PanelSnapshot m_serverParts;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;

@@ -1,6 +1,8 @@
 #include "model/store_diff.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -109,28 +111,39 @@ private:
     }
 
     // Channels added, removed, and moved: of the channels in both, those
-    // outside the longest run kept in the same relative order.
+    // outside the longest run kept in the same relative order. The n-th time
+    // a channel is listed pairs with its n-th time in the other list, so a
+    // channel listed twice counts twice.
     void Channels(SubType s, const std::string& list, const std::vector<int16_t>& was,
                   const std::vector<int16_t>& now) {
         if (was == now)
             return;
-        std::unordered_map<int16_t, int> wasAt;
-        for (size_t k = 0; k < was.size(); ++k)
-            wasAt.emplace(was[k], static_cast<int>(k));
-        const std::unordered_set<int16_t> nowSet(now.begin(), now.end());
-        for (int16_t channel : was) {
-            if (!nowSet.contains(channel))
-                Add(list + ": removed " + Channel(s, channel));
+        const auto occurrences = [](const std::vector<int16_t>& channels) {
+            std::unordered_map<int16_t, int64_t> seen;
+            std::vector<int64_t> keys;
+            keys.reserve(channels.size());
+            for (int16_t channel : channels)
+                keys.push_back(seen[channel]++ * 65536 + static_cast<uint16_t>(channel));
+            return keys;
+        };
+        const std::vector<int64_t> wasKeys = occurrences(was);
+        const std::vector<int64_t> nowKeys = occurrences(now);
+        std::unordered_map<int64_t, int> wasAt;
+        for (size_t k = 0; k < wasKeys.size(); ++k)
+            wasAt.emplace(wasKeys[k], static_cast<int>(k));
+        const std::unordered_set<int64_t> nowSet(nowKeys.begin(), nowKeys.end());
+        for (size_t k = 0; k < was.size(); ++k) {
+            if (!nowSet.contains(wasKeys[k]))
+                Add(list + ": removed " + Channel(s, was[k]));
         }
         std::vector<int16_t> common;
         std::vector<int> order;
-        std::unordered_set<int16_t> seen;
-        for (int16_t channel : now) {
-            const auto found = wasAt.find(channel);
+        for (size_t k = 0; k < now.size(); ++k) {
+            const auto found = wasAt.find(nowKeys[k]);
             if (found == wasAt.end()) {
-                Add(list + ": added " + Channel(s, channel));
-            } else if (seen.insert(channel).second) {
-                common.push_back(channel);
+                Add(list + ": added " + Channel(s, now[k]));
+            } else {
+                common.push_back(now[k]);
                 order.push_back(found->second);
             }
         }
@@ -181,6 +194,18 @@ private:
         return entries;
     }
 
+    // A group entry (list type, position), and the same with the number of
+    // times it was named before in its group.
+    using Entry = std::pair<int16_t, int16_t>;
+    using NumberedEntry = std::pair<Entry, int>;
+    static std::vector<NumberedEntry> Numbered(const std::vector<Entry>& entries) {
+        std::map<Entry, int> seen;
+        std::vector<NumberedEntry> numbered;
+        for (const Entry& entry : entries)
+            numbered.emplace_back(entry, seen[entry]++);
+        return numbered;
+    }
+
     static std::string EntryName(const PanelStore& store, std::pair<int16_t, int16_t> entry) {
         const auto subType = SubTypeFromListCode(entry.first);
         if (!subType)
@@ -207,16 +232,31 @@ private:
                 Sent(At(m_after.userGroupNames, i), kNameWidth))
                 Add(GroupName(m_before, i) + " renamed to " +
                     Quoted(At(m_after.userGroupNames, i), kNameWidth));
-            const auto was = Entries(At(m_before.userGroups, i));
-            const auto now = Entries(At(m_after.userGroups, i));
-            for (const auto& entry : was) {
-                if (std::find(now.begin(), now.end(), entry) == now.end())
-                    Add(GroupName(m_after, i) + ": removed " + EntryName(m_before, entry));
+            // Entries pair as channels do: a list named twice counts twice, and
+            // the panel shows a group's lists in its entry order.
+            const auto was = Numbered(Entries(At(m_before.userGroups, i)));
+            const auto now = Numbered(Entries(At(m_after.userGroups, i)));
+            std::map<NumberedEntry, int> wasAt;
+            for (size_t k = 0; k < was.size(); ++k)
+                wasAt.emplace(was[k], static_cast<int>(k));
+            const std::set<NumberedEntry> nowSet(now.begin(), now.end());
+            for (const NumberedEntry& entry : was) {
+                if (!nowSet.contains(entry))
+                    Add(GroupName(m_after, i) + ": removed " + EntryName(m_before, entry.first));
             }
-            for (const auto& entry : now) {
-                if (std::find(was.begin(), was.end(), entry) == was.end())
-                    Add(GroupName(m_after, i) + ": added " + EntryName(m_after, entry));
+            std::vector<Entry> common;
+            std::vector<int> order;
+            for (const NumberedEntry& entry : now) {
+                const auto found = wasAt.find(entry);
+                if (found == wasAt.end()) {
+                    Add(GroupName(m_after, i) + ": added " + EntryName(m_after, entry.first));
+                } else {
+                    common.push_back(entry.first);
+                    order.push_back(found->second);
+                }
             }
+            for (size_t k : Unkept(order))
+                Add(GroupName(m_after, i) + ": moved " + EntryName(m_after, common[k]));
         }
     }
 

@@ -605,6 +605,10 @@ void ButtonEditor::ClearTemplate() {
 
 void ButtonEditor::CopyTemplate() {
     DuplicateTemplateDialog dialog(m_store, m_reporter, this);
+    connect(&dialog, &DuplicateTemplateDialog::copied, this, [this] {
+        if (m_stepHook)
+            m_stepHook();
+    });
     if (m_stepHook)
         m_stepHook();
     dialog.exec();

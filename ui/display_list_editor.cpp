@@ -697,8 +697,13 @@ void DisplayListEditor::CopyList() {
         // The copy works on the store: pending changes go there first.
         if (m_changed)
             CommitEditedList();
-        if (!m_duplicate)
+        if (!m_duplicate) {
             m_duplicate = new DuplicateDisplayListDialog(m_store, m_reporter, this);
+            connect(m_duplicate, &DuplicateDisplayListDialog::copied, this, [this] {
+                if (m_stepHook)
+                    m_stepHook();
+            });
+        }
         m_duplicate->setMode(m_listType);
         m_duplicate->LoadDisplayLists();
         if (m_stepHook)

@@ -121,6 +121,7 @@ void DuplicateDisplayListDialog::Copy() {
     try {
         DuplicateRecord(m_store, m_mode, from, to);
         ++m_copies;
+        emit copied();
     } catch (const std::exception& error) {
         if (m_reporter)
             m_reporter("Error Copying Display List", "List Error", FailureFromException(error));

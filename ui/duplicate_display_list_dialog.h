@@ -36,6 +36,10 @@ public:
     // Copies made since the mode was last set.
     int copies() const { return m_copies; }
 
+signals:
+    // After each copy made: each is a step of its own for undo.
+    void copied();
+
 private:
     PanelStore& m_store;
     ErrorReporter m_reporter;

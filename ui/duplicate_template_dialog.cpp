@@ -88,6 +88,8 @@ void DuplicateTemplateDialog::Copy() {
         DuplicateButtonTemplate(m_store, m_lists[0]->currentIndex(), m_lists[1]->currentIndex());
     if (!copied && m_reporter)
         m_reporter("Error Copying Template", "Data Error", copied.failure());
+    if (copied)
+        emit this->copied();
     LoadTemplateLists();
 }
 

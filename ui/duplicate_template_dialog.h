@@ -27,6 +27,10 @@ public:
     // cmdCopy: the selected "From" template onto the selected "To" one.
     void Copy();
 
+signals:
+    // After each copy made: each is a step of its own for undo.
+    void copied();
+
 private:
     PanelStore& m_store;
     ErrorReporter m_reporter;

@@ -1,6 +1,7 @@
 // Review Changes, the backup before Apply, the guard for parts never
 // received, and undo/redo, in the window against the emulator on loopback.
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -10,6 +11,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <functional>
@@ -161,8 +163,12 @@ private slots:
             QVERIFY(old.open(QIODevice::WriteOnly));
         }
         RenameFirstGroup("After Apply");
+        auto* undo = Child<QAction>(m_window, "mnuUndo");
+        bool undoWhileSending = true;
+        QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
         QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("After Apply"));
+        QVERIFY(!undoWhileSending && undo->isEnabled());
 
         const QStringList backups = Backups();
         QCOMPARE(backups.size(), 30);
@@ -181,6 +187,13 @@ private slots:
 
     void templatesNeverReceivedAreOnlySentWhenConfirmed() {
         Connect(true);
+        // A template edit undone leaves the templates as never received.
+        WhenModal("frmButtons", [](QWidget* editor) {
+            QTest::mouseClick(Child<QPushButton>(editor, "CmdAdd"), Qt::LeftButton);
+            Child<QAction>(editor, "mnuExit")->trigger();
+        });
+        Child<QAction>(m_window, "mnuButtons")->trigger();
+        Child<QAction>(m_window, "mnuUndo")->trigger();
         RenameFirstGroup("Guarded");
         auto* send = Child<QPushButton>(m_window, "cmdSend");
         MessageBox::setNextAnswer(QMessageBox::No);
@@ -197,6 +210,11 @@ private slots:
         QCOMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), DemoGroup());
         QVERIFY(m_window->hasUnappliedChanges());
         QVERIFY(Backups().isEmpty());
+        // Not everything was received, yet the indicator follows undo and redo.
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QVERIFY(!m_window->hasUnappliedChanges());
+        Child<QAction>(m_window, "mnuRedo")->trigger();
+        QVERIFY(m_window->hasUnappliedChanges());
 
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
@@ -242,6 +260,25 @@ private slots:
             QCOMPARE(Progress(), step.progress);
         }
         QVERIFY(!redo->isEnabled());
+    }
+
+    void eachCopyIsAStepOfItsOwn() {
+        Connect();
+        WhenModal("frmDisplayListView", [](QWidget* editor) {
+            WhenModal("frmDuplicateDisplayList", [](QWidget* dialog) {
+                auto* to = Child<QComboBox>(dialog, "cmbListAlphas_1");
+                for (int i = 0; i < 2; ++i) {
+                    to->setCurrentIndex(to->count() - 1); // "New Group"
+                    QTest::mouseClick(Child<QPushButton>(dialog, "cmdCopy"), Qt::LeftButton);
+                }
+                qobject_cast<QDialog*>(dialog)->reject();
+            });
+            Child<QAction>(editor, "mnuCopy")->trigger();
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+        });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.userGroupCount + 1);
     }
 };
 

@@ -67,6 +67,11 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {"Input list \"Mics\": removed \"MIC 2\" (Ch.0002)",
           "Input list \"Mics\": added \"MIC 4\" (Ch.0004)",
           "Input list \"Mics\": moved \"MIC 3\" (Ch.0003)"}},
+        {"a channel listed a second time",
+         [&](PanelStore& s) {
+             inputs(s)[0] = test::List("Mics", {0, 1, 2, 0});
+         },
+         {"Input list \"Mics\": added \"MIC 1\" (Ch.0001)"}},
         {"a list added and one removed",
          [&](PanelStore& s) {
              s.listCount(SubType::Input) = 1;
@@ -82,6 +87,12 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {"Group \"Studio\" renamed to \"Studio B\"",
           "Group \"Studio B\": removed Output list \"Outs\"",
           "Group \"Studio B\": added Input list \"Spare\""}},
+        {"group entries in another order, one named twice",
+         [](PanelStore& s) {
+             s.userGroups[0] = test::Group({{0, 21}, {0, 11}, {0, 11}});
+         },
+         {"Group \"Studio\": added Input list \"Mics\"",
+          "Group \"Studio\": moved Output list \"Outs\""}},
         {"a button's label and channel",
          [](PanelStore& s) {
              s.buttonTemplates[0].buttons[0].label = "VOX";
