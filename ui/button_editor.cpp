@@ -182,7 +182,7 @@ void ButtonEditor::BuildLayout() {
             MakeButton(keys, "None", "Click to Edit Current Button for Current Template"),
             "cmdButton", p);
         m_buttons[p]->setCheckable(true);
-        m_buttons[p]->setMinimumSize(76, 44);
+        m_buttons[p]->setMinimumSize(70, 44);
         keyGroup->addButton(m_buttons[p], p);
         m_typeLabels[p] = ArrayMember(new QLabel("SrcSel", keys), "lblType", p);
         m_typeLabels[p]->setAlignment(Qt::AlignCenter);
@@ -229,7 +229,7 @@ void ButtonEditor::BuildLayout() {
         combo->setEditable(true);
         combo->setInsertPolicy(QComboBox::NoInsert);
         combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        combo->setMinimumContentsLength(20);
+        combo->setMinimumContentsLength(18);
         combo->setMaxVisibleItems(20);
         if (auto* list = qobject_cast<QListView*>(combo->view()))
             list->setUniformItemSizes(true);
