@@ -2,7 +2,11 @@
 // convert round trip, and that a failed convert leaves no output file.
 #include "tests/cli/cli_run.h"
 
+#include <csignal>
 #include <filesystem>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
@@ -123,6 +127,26 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
     EXPECT_EQ(r.exitCode, 7);
     EXPECT_EQ(r.err, "lumeth-cli: cannot write " + m_dir.file("no-folder/out.dat") +
                          ": No such file or directory\n");
+    // A read-only target is left alone (root may write it anyway).
+    if (::geteuid() != 0) {
+        fs::permissions(m_dir.file("kept.json"), fs::perms::owner_read);
+        const testing::CliResult readOnly = Run({"convert", kDemo, Path("kept.json")});
+        EXPECT_EQ(readOnly.exitCode, 7);
+        EXPECT_EQ(readOnly.err,
+                  "lumeth-cli: cannot write " + m_dir.file("kept.json") + ": Permission denied\n");
+    }
+    // ulimit -f: a failed write, not a kill that leaves the temporary file.
+    m_childSetup = [] {
+        const rlimit limit{1024, 1024};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, SIG_DFL);
+    };
+    const testing::CliResult limited = Run({"convert", kDemo, Path("big.json")});
+    m_childSetup = nullptr;
+    EXPECT_EQ(limited.exitCode, 7);
+    EXPECT_EQ(limited.err,
+              "lumeth-cli: cannot write " + m_dir.file("big.json") + ": File too large\n");
+    EXPECT_EQ(m_dir.EntryCount(), 1u); // kept.json alone
 
     // apply refuses a document without every section before connecting.
     m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,

@@ -1,6 +1,7 @@
 // lumeth-cli: scripted access to panel configurations. main() only finds the
 // command in the table and hands it the remaining arguments.
 #include <clocale>
+#include <csignal>
 #include <iostream>
 #include <new>
 #include <string>
@@ -39,6 +40,10 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     // The error log's dates and times in the system's short format.
     std::setlocale(LC_ALL, "");
+    // A file size limit (ulimit -f) makes a write fail with EFBIG, reported
+    // like a full disk, instead of killing the command with its temporary
+    // file left behind.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {
