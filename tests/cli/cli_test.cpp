@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -147,6 +148,14 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
     EXPECT_EQ(limited.err,
               "lumeth-cli: cannot write " + m_dir.file("big.json") + ": File too large\n");
     EXPECT_EQ(m_dir.EntryCount(), 1u); // kept.json alone
+    // Output lost to a full disk is no success either.
+    m_childSetup = [] { ::dup2(::open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    for (const QStringList& args : {QStringList{"show", kDemo}, {"check", kDemo}}) {
+        const testing::CliResult full = Run(args);
+        EXPECT_EQ(full.exitCode, 7) << args.join(' ').toStdString();
+        EXPECT_TRUE(full.err.starts_with("lumeth-cli: cannot write standard output")) << full.err;
+    }
+    m_childSetup = nullptr;
 
     // apply refuses a document without every section before connecting.
     m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,
