@@ -166,6 +166,14 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
     EXPECT_EQ(partial.err, "lumeth-cli: " + m_dir.file("partial.json") +
                                ": missing templates (every section is sent; write [] to send an "
                                "empty one)\n");
+    // Nor a version 2 panel data file, which has no Opto or Relay lists.
+    m_dir.Write("old.dat", std::string("\x8C\x00\xFF\x3F\x02\x00", 6) + std::string(10, '\0'));
+    const testing::CliResult old =
+        Run({"apply", Path("old.dat"), "--server", "127.0.0.1:1"}, Environment("studio"));
+    EXPECT_EQ(old.exitCode, 2);
+    EXPECT_EQ(old.err, "lumeth-cli: " + m_dir.file("old.dat") +
+                           ": missing display_lists.opto, display_lists.relay (a version 2 panel "
+                           "data file has none; every section is sent)\n");
 }
 
 } // namespace

@@ -127,6 +127,14 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
     doc.version = result.version;
     doc.hasAlphas = false;
     doc.password.reset();
+    // Files before version 3 hold no Opto or Relay display lists: a load
+    // leaves the single default list of each, which is not the file's.
+    if (doc.version != kPanelDataVersion) {
+        doc.allSections = Status::Fail(
+            ErrorCode::InvalidFileFormat,
+            "missing display_lists.opto, display_lists.relay (a version " +
+                std::to_string(doc.version) + " panel data file has none; every section is sent)");
+    }
     return true;
 }
 
