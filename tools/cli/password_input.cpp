@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include <termios.h>
 #include <unistd.h>
@@ -15,6 +14,9 @@
 namespace lumeth::cli {
 
 namespace {
+
+// Far more than the 127 bytes the link carries.
+constexpr size_t kPasswordFileReadLimit = 4096;
 
 // The first line, without its line end (a file written by an editor usually
 // ends in a newline that is not part of the password).
@@ -60,8 +62,11 @@ PasswordResult ReadPassword(const PasswordSource& source) {
             result.error = *source.file + ": cannot read the password file";
             return result;
         }
-        const std::string text((std::istreambuf_iterator<char>(in)),
-                               std::istreambuf_iterator<char>());
+        // Only the first line counts: no more is read than a password can
+        // take, so a file without line ends (/dev/zero) ends the reading too.
+        std::string text(kPasswordFileReadLimit, '\0');
+        in.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<size_t>(in.gcount()));
         result.password = FirstLine(text);
         return result;
     }
