@@ -1,5 +1,6 @@
 #include "tools/cli/password_input.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -88,7 +89,12 @@ std::string PasswordBytes(const std::string& utf8) {
 
 std::string NewPasswordProblem(const std::string& utf8) {
     const std::string bytes = PasswordBytes(utf8);
-    if (cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
+    // A control character crosses the link but cannot be typed at the
+    // window's login: the operators would be locked out.
+    const bool printable = std::all_of(bytes.begin(), bytes.end(), [](char c) {
+        return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) != 0x7F;
+    });
+    if (printable && cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
         return {};
     }
     return "the new password cannot be sent to the server module: it takes at most 127 "
