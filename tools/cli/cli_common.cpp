@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
@@ -98,13 +97,20 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
         error = path + ": " + fits.failure().detail;
         return false;
     }
-    bytes.append(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    // A JSON document of unknown size (a pipe) is read one piece past the
+    // limit at most.
+    const bool json = LooksLikeJson(bytes);
+    char piece[64 * 1024];
+    while (in && !(json && bytes.size() > kMaxJsonDocumentBytes)) {
+        in.read(piece, sizeof piece);
+        bytes.append(piece, static_cast<size_t>(in.gcount()));
+    }
     if (in.bad()) {
         error = path + ": cannot read: " + std::strerror(errno);
         return false;
     }
 
-    if (LooksLikeJson(bytes)) {
+    if (json) {
         doc.form = Document::Form::Json;
         doc.store.ResetToDefaults();
         const JsonReadResult result = ReadJsonDocument(bytes, doc.store);
