@@ -103,6 +103,13 @@ Status WriteFailure(int err, const std::string& path) {
 Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
                    NewFileAccess access) {
     namespace fs = std::filesystem;
+    // A symbolic link keeps pointing where it did: the file it names is replaced.
+    std::error_code ec;
+    if (fs::is_symlink(fs::path(path), ec)) {
+        if (const fs::path real = fs::canonical(path, ec); !ec) {
+            return ReplaceFile(real.string(), write, access);
+        }
+    }
     const fs::path target(path);
     if (target.filename().empty()) {
         return Status::Fail(ErrorCode::BadFileName, "no file name in " + path);
