@@ -103,6 +103,13 @@ Status WriteFailure(int err, const std::string& path) {
 Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
                    NewFileAccess access) {
     namespace fs = std::filesystem;
+    // A symbolic link keeps pointing where it did: the file it names is replaced.
+    std::error_code ec;
+    if (fs::is_symlink(fs::path(path), ec)) {
+        if (const fs::path real = fs::canonical(path, ec); !ec) {
+            return ReplaceFile(real.string(), write, access);
+        }
+    }
     const fs::path target(path);
     if (target.filename().empty()) {
         return Status::Fail(ErrorCode::BadFileName, "no file name in " + path);
@@ -110,7 +117,14 @@ Status ReplaceFile(const std::string& path, const std::function<bool(const ByteS
     // An operator's chmod on the file being replaced survives the rename.
     struct stat old {};
     const bool replacing = ::stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
-    const mode_t mode = access == NewFileAccess::Owner ? 0600 : 0666;
+    // A file its owner made read-only is not replaced behind its back: the
+    // rename would succeed wherever the folder is writable.
+    if (replacing && ::access(path.c_str(), W_OK) != 0) {
+        return WriteFailure(errno, path);
+    }
+    // A file being replaced may hold what others must not read; its copy is
+    // private until it gets the old file's permissions below.
+    const mode_t mode = access == NewFileAccess::Owner || replacing ? 0600 : 0666;
 
     // A new, exclusively created file beside the target, so the rename below
     // stays within one file system and replaces the target in one step.

@@ -57,6 +57,8 @@ public:
     // Bytes received since this connection was made (across reconnects), so
     // a caller can tell a quiet link from a busy one.
     uint64_t BytesReceived() const { return m_bytesReceived; }
+    // Bytes written that the socket has not yet passed on to the system.
+    int64_t BytesWaiting() const { return m_socket->bytesToWrite(); }
 
     // Write one whole message with the 16384-byte chunk rule; false when the
     // link was down or failed before all of it was written.

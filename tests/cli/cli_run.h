@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "tests/support/temp_folder.h"
@@ -38,6 +39,9 @@ protected:
         QProcess process;
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(QString::fromStdString(m_dir.path()));
+        if (m_childSetup) {
+            process.setChildProcessModifier(m_childSetup);
+        }
         process.start(QStringLiteral(LUMETH_CLI_PATH), args);
         EXPECT_TRUE(process.waitForStarted(5000));
         QEventLoop loop;
@@ -61,6 +65,8 @@ protected:
     QString Path(const std::string& name) const { return QString::fromStdString(m_dir.file(name)); }
 
     test::TempFolder m_dir;
+    // Runs in the child before lumeth-cli starts (limits, signal dispositions).
+    std::function<void()> m_childSetup;
 };
 
 } // namespace lumeth::testing

@@ -2,7 +2,13 @@
 // convert round trip, and that a failed convert leaves no output file.
 #include "tests/cli/cli_run.h"
 
+#include <csignal>
 #include <filesystem>
+#include <functional>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
@@ -119,20 +125,51 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
     EXPECT_EQ(fs::status(m_dir.file("kept.json")).permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 
-    const testing::CliResult r = Run({"convert", kDemo, Path("no-folder/out.dat")});
-    EXPECT_EQ(r.exitCode, 7);
-    EXPECT_EQ(r.err, "lumeth-cli: cannot write " + m_dir.file("no-folder/out.dat") +
-                         ": No such file or directory\n");
+    // Failed writes: a missing folder, a file size limit (a failed write, not
+    // a kill that leaves the temporary file), standard output on a full disk.
+    const auto limitSize = [] {
+        const rlimit limit{1024, 1024};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        std::signal(SIGXFSZ, SIG_DFL);
+    };
+    const auto fullOutput = [] { ::dup2(::open("/dev/full", O_WRONLY), STDOUT_FILENO); };
+    const struct {
+        QStringList args;
+        std::function<void()> setup;
+        std::string err;
+    } failedWrites[] = {
+        {{"convert", kDemo, Path("no-folder/out.dat")},
+         nullptr,
+         "cannot write " + m_dir.file("no-folder/out.dat") + ": No such file or directory\n"},
+        {{"convert", kDemo, Path("big.json")},
+         limitSize,
+         "cannot write " + m_dir.file("big.json") + ": File too large\n"},
+        {{"check", kDemo}, fullOutput, "cannot write standard output"},
+    };
+    for (const auto& c : failedWrites) {
+        m_childSetup = c.setup;
+        const testing::CliResult r = Run(c.args);
+        EXPECT_EQ(r.exitCode, 7) << c.args.join(' ').toStdString();
+        EXPECT_TRUE(r.err.starts_with("lumeth-cli: " + c.err)) << r.err;
+    }
+    m_childSetup = nullptr;
+    EXPECT_EQ(m_dir.EntryCount(), 1u); // kept.json alone
 
-    // apply refuses a document without every section before connecting.
+    // apply refuses a document without every section before connecting, and
+    // a version 2 panel data file, which has no Opto or Relay lists.
     m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,
         "display_lists": {"input": [], "output": [], "opto": [], "relay": []}, "user_groups": []})");
-    const testing::CliResult partial =
-        Run({"apply", Path("partial.json"), "--server", "127.0.0.1:1"}, Environment("studio"));
-    EXPECT_EQ(partial.exitCode, 2);
-    EXPECT_EQ(partial.err, "lumeth-cli: " + m_dir.file("partial.json") +
-                               ": missing templates (every section is sent; write [] to send an "
-                               "empty one)\n");
+    m_dir.Write("old.dat", std::string("\x8C\x00\xFF\x3F\x02\x00", 6) + std::string(10, '\0'));
+    for (const auto& [name, missing] :
+         {std::pair{"partial.json", "templates (every section is sent; write [] to send an empty "
+                                    "one)\n"},
+          std::pair{"old.dat", "display_lists.opto, display_lists.relay (a version 2"}}) {
+        const testing::CliResult r =
+            Run({"apply", Path(name), "--server", "127.0.0.1:1"}, Environment("studio"));
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_TRUE(r.err.starts_with("lumeth-cli: " + m_dir.file(name) + ": missing " + missing))
+            << r.err;
+    }
 }
 
 } // namespace

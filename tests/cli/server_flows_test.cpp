@@ -499,8 +499,9 @@ TEST_F(ServerFlowsTest, SetPasswordSendsTheNewPasswordThenTheRequest) {
         EXPECT_EQ(text.find("on air"), std::string::npos);
         EXPECT_EQ(text.find("studio"), std::string::npos);
     }
-    // A character the link cannot carry: one line, exit 2, nothing sent.
-    for (const char* refused : {"caf\u00e9", "\u0142ad"}) {
+    // A character the link cannot carry, or one the window's password boxes
+    // cannot take: one line, exit 2, nothing sent.
+    for (const char* refused : {"caf\u00e9", "\u0142ad", "on\tair"}) {
         env.insert("LUMETH_NEW_PASSWORD", QString::fromUtf8(refused));
         const CliResult bad = Run({"set-password", "--server", Server(server.port())}, env);
         EXPECT_EQ(bad.exitCode, 2) << refused;

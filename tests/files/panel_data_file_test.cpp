@@ -4,6 +4,7 @@
 // and what it is, so truncation can be checked at every byte.
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -349,7 +350,11 @@ TEST(PanelDataFileOnDisk, FailedWriteKeepsTheOldFileAndLeavesNoTemporary) {
 
     // A replaced file keeps its permissions; a new one holding the password
     // is its owner's alone, whatever the umask.
-    ASSERT_TRUE(SavePanelDataFile(dir.file("panel.dat"), big).ok());
+    // Saved through a symbolic link, the file it names is replaced.
+    std::filesystem::create_symlink("panel.dat", dir.file("link.dat"));
+    ASSERT_TRUE(SavePanelDataFile(dir.file("link.dat"), big).ok());
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.file("link.dat")));
+    EXPECT_EQ(dir.Read("panel.dat"), EncodePanelData(big));
     ASSERT_TRUE(ReplaceFileContents(dir.file("secret.json"), "{}", NewFileAccess::Owner).ok());
     const ::mode_t umask = ::umask(0);
     ASSERT_TRUE(ReplaceFileContents(dir.file("shared.json"), "{}").ok());

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
@@ -58,7 +57,7 @@ void PrintUsage(std::ostream& out) {
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
            "or link lost, 4 wrong password, 5 timed out waiting for the server module,\n"
            "6 apply: the server module holds a configuration that differs from FILE,\n"
-           "7 cannot write an output file\n";
+           "7 cannot write an output file or standard output\n";
 }
 
 int UsageError(const std::string& message) {
@@ -98,13 +97,20 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
         error = path + ": " + fits.failure().detail;
         return false;
     }
-    bytes.append(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    // A JSON document of unknown size (a pipe) is read one piece past the
+    // limit at most.
+    const bool json = LooksLikeJson(bytes);
+    char piece[64 * 1024];
+    while (in && !(json && bytes.size() > kMaxJsonDocumentBytes)) {
+        in.read(piece, sizeof piece);
+        bytes.append(piece, static_cast<size_t>(in.gcount()));
+    }
     if (in.bad()) {
         error = path + ": cannot read: " + std::strerror(errno);
         return false;
     }
 
-    if (LooksLikeJson(bytes)) {
+    if (json) {
         doc.form = Document::Form::Json;
         doc.store.ResetToDefaults();
         const JsonReadResult result = ReadJsonDocument(bytes, doc.store);
@@ -127,6 +133,14 @@ bool LoadDocument(const std::string& path, Document& doc, std::string& error) {
     doc.version = result.version;
     doc.hasAlphas = false;
     doc.password.reset();
+    // Files before version 3 hold no Opto or Relay display lists: a load
+    // leaves the single default list of each, which is not the file's.
+    if (doc.version != kPanelDataVersion) {
+        doc.allSections = Status::Fail(
+            ErrorCode::InvalidFileFormat,
+            "missing display_lists.opto, display_lists.relay (a version " +
+                std::to_string(doc.version) + " panel data file has none; every section is sent)");
+    }
     return true;
 }
 

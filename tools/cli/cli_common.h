@@ -52,8 +52,8 @@ struct Document {
     PanelStore store;
     bool hasAlphas = false;
     std::optional<std::string> password;
-    // Fails naming the sections a JSON document leaves out (read as empty);
-    // ok for a panel data file, which always holds every section.
+    // Fails naming the sections a JSON document leaves out (read as empty)
+    // or a panel data file before version 3 has no place for (Opto, Relay).
     Status allSections;
 };
 

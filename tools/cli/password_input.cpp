@@ -1,10 +1,10 @@
 #include "tools/cli/password_input.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 #include <termios.h>
 #include <unistd.h>
@@ -15,6 +15,9 @@
 namespace lumeth::cli {
 
 namespace {
+
+// Far more than the 127 bytes the link carries.
+constexpr size_t kPasswordFileReadLimit = 4096;
 
 // The first line, without its line end (a file written by an editor usually
 // ends in a newline that is not part of the password).
@@ -60,8 +63,11 @@ PasswordResult ReadPassword(const PasswordSource& source) {
             result.error = *source.file + ": cannot read the password file";
             return result;
         }
-        const std::string text((std::istreambuf_iterator<char>(in)),
-                               std::istreambuf_iterator<char>());
+        // Only the first line counts: no more is read than a password can
+        // take, so a file without line ends (/dev/zero) ends the reading too.
+        std::string text(kPasswordFileReadLimit, '\0');
+        in.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<size_t>(in.gcount()));
         result.password = FirstLine(text);
         return result;
     }
@@ -83,7 +89,12 @@ std::string PasswordBytes(const std::string& utf8) {
 
 std::string NewPasswordProblem(const std::string& utf8) {
     const std::string bytes = PasswordBytes(utf8);
-    if (cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
+    // A control character crosses the link but cannot be typed at the
+    // window's login: the operators would be locked out.
+    const bool printable = std::all_of(bytes.begin(), bytes.end(), [](char c) {
+        return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) != 0x7F;
+    });
+    if (printable && cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
         return {};
     }
     return "the new password cannot be sent to the server module: it takes at most 127 "

@@ -29,7 +29,8 @@ std::string PasswordBytes(const std::string& utf8);
 // For a password about to be stored in the server module: empty when the
 // set-password message carries `utf8` whole, else the one line that says why
 // not. A character outside the table, or one that becomes a byte at or above
-// 0x80, cannot cross the link.
+// 0x80, cannot cross the link; a control character cannot be typed at the
+// window's login.
 std::string NewPasswordProblem(const std::string& utf8);
 
 } // namespace lumeth::cli

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <iostream>
 
+#include "link/codec.h"
 #include "tools/cli/cli_common.h"
 
 namespace lumeth::cli {
@@ -394,15 +395,23 @@ int ServerClient::VerifyApplied(const std::string& fileName, const std::vector<s
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
+        // What was still queued when the link went is gone: no claim either way.
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
-                  << " while reading the configuration back; all of " << fileName
-                  << " was sent, the server module's state is unknown\n";
+                  << " while reading the configuration back; the server module's state is "
+                     "unknown\n";
         return ToInt(ExitCode::Unreachable);
-    case WaitResult::TimedOut:
+    case WaitResult::TimedOut: {
+        // A server module that stops reading leaves the uploads queued here:
+        // more waiting than the read-back request means FILE did not all go out.
+        const auto readBack = codec::DataRequest(request::kEverythingA, 0, request::kEverythingC);
+        const bool allSent = m_connection->BytesWaiting() <= static_cast<int64_t>(readBack.size());
         std::cerr << "lumeth-cli: timed out reading the configuration back (missing: "
-                  << Joined(PartNames(MissingA(), MissingC())) << "); all of " << fileName
-                  << " was sent, the server module's state is unknown\n";
+                  << Joined(PartNames(MissingA(), MissingC()))
+                  << (allSent ? "); all of " : "); not all of ") << fileName
+                  << (allSent ? " was sent" : " could be sent")
+                  << ", the server module's state is unknown\n";
         return ToInt(ExitCode::Timeout);
+    }
     }
     const std::vector<std::string> held = m_connection->session().BuildApplyMessages();
     std::vector<bool> differs(sent.size());

@@ -2,6 +2,7 @@
 // router and for end-to-end tests.
 #include <QCoreApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -125,6 +126,9 @@ int Run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    // A file size limit makes a state save fail (and be logged) instead of
+    // killing the emulator.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {

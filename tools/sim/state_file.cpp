@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -12,6 +13,13 @@
 namespace lumeth::sim {
 
 Status LoadStateFile(const std::string& path, SimState& state) {
+    // A document too large to read is refused before it takes memory.
+    std::error_code ec;
+    if (const auto size = std::filesystem::file_size(path, ec); !ec) {
+        if (Status fits = CheckJsonDocumentSize(size); !fits) {
+            return fits;
+        }
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         return Status::Fail(ErrorCode::FileNotFound,
