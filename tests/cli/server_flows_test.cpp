@@ -20,6 +20,7 @@
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "link/codec.h"
+#include "link/wire.h"
 #include "model/panel_store.h"
 #include "tests/cli/cli_run.h"
 #include "tests/link/messages.h"
@@ -69,6 +70,10 @@ enum class Spoil {
     Cut,         // the first answer loses its last bytes (the end marker among them)
     Never,       // never answered
     Late,        // the first answer is held back until 300 ms after the next request
+    // the first answer is followed by the user groups of another
+    // configuration with a byte too many: the checksum passes, the length
+    // check fails after the groups were written into the store
+    DamagedRepeat,
 };
 
 struct Script {
@@ -182,7 +187,17 @@ private:
                 m_late += answer;
                 continue;
             }
-            if (spoil == Spoil::BadChecksum) {
+            if (spoil == Spoil::DamagedRepeat) {
+                PanelStore other = ServerConfiguration();
+                for (std::string& name : other.userGroupNames) {
+                    name = "Wrong";
+                }
+                std::string damaged = codec::GroupMessage(other);
+                damaged.resize(damaged.size() - 2);
+                damaged += '\x01';
+                wire::Finish(damaged);
+                answer += damaged;
+            } else if (spoil == Spoil::BadChecksum) {
                 answer[answer.size() - 2] ^= 1;
             } else if (spoil == Spoil::Cut) {
                 answer.resize(answer.size() - 3);
@@ -327,6 +342,11 @@ TEST_F(ServerFlowsTest, FetchSucceedsOnlyWithAllElevenParts) {
                     {kTemplates, Spoil::BadChecksum}}},
          0,
          {Request(2, 0, 0), Request(0x100, 0, 0x08)},
+         "download complete"},
+        {"a damaged repeat of the groups after they arrived",
+         {.spoil = {{kGroups, Spoil::DamagedRepeat}}},
+         0,
+         {},
          "download complete"},
         {"parts never sent",
          {.spoil = {{kInputAlphas, Spoil::Never}, {kGroups, Spoil::Never}}},

@@ -47,6 +47,29 @@ constexpr PendingBit kPendingBits[] = {
     {false, request::kRelayLists, "Relay Display Lists"},
 };
 
+// Copies the part in row `row` of kPendingBits (other than the password)
+// from one store to another.
+void CopyPart(size_t row, const PanelStore& from, PanelStore& to) {
+    if (row >= 1 && row <= 4) {
+        to.alphas[row - 1] = from.alphas[row - 1];
+    } else if (row == 5) {
+        to.userGroupCount = from.userGroupCount;
+        to.userGroupNames = from.userGroupNames;
+        to.userGroups = from.userGroups;
+        to.userGroupIndex = from.userGroupIndex;
+        to.userGroupNumber = from.userGroupNumber;
+    } else if (row == 6) {
+        to.templateCount = from.templateCount;
+        to.templateNames = from.templateNames;
+        to.buttonTemplates = from.buttonTemplates;
+        to.templateIndex = from.templateIndex;
+        to.templatePosition = from.templatePosition;
+    } else if (row >= 7) {
+        to.displayListCount[row - 7] = from.displayListCount[row - 7];
+        to.displayLists[row - 7] = from.displayLists[row - 7];
+    }
+}
+
 std::string Joined(const std::vector<std::string>& parts) {
     std::string text;
     for (const std::string& part : parts) {
@@ -203,6 +226,28 @@ void ServerClient::PartArrived(StoreChange change, SubType subType) {
     }
     const PendingBit& part = kPendingBits[row];
     (part.inMaskA ? m_receivedA : m_receivedC) |= part.bit;
+    // Kept aside as it arrived: a later answer for the same part that fails
+    // its checks after writing into the store must not change what fetch
+    // writes or what apply compares.
+    if (row == 0) {
+        m_keptPassword = m_state.serverPassword;
+    } else {
+        CopyPart(row, m_store, m_kept);
+    }
+}
+
+void ServerClient::RestoreKeptParts() {
+    for (size_t row = 0; row < std::size(kPendingBits); ++row) {
+        const PendingBit& part = kPendingBits[row];
+        if (((part.inMaskA ? m_receivedA : m_receivedC) & part.bit) == 0) {
+            continue;
+        }
+        if (row == 0) {
+            m_state.serverPassword = m_keptPassword;
+        } else {
+            CopyPart(row, m_kept, m_store);
+        }
+    }
 }
 
 void ServerClient::RequestEverything() {
@@ -218,6 +263,7 @@ ServerClient::WaitResult ServerClient::WaitForParts(uint32_t needA, uint32_t nee
     return WaitFor([this, needA, needC] {
         ReportProgress();
         if ((m_receivedA & needA) == needA && (m_receivedC & needC) == needC) {
+            RestoreKeptParts();
             return true;
         }
         if (m_connection->BytesReceived() != m_bytesSeen) {

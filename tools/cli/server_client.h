@@ -87,6 +87,9 @@ private:
     // Forget what has arrived and ask for everything.
     void RequestEverything();
     void PartArrived(StoreChange change, SubType subType);
+    // Put every part received since the last request for everything back
+    // into the store as it was when it arrived.
+    void RestoreKeptParts();
     uint32_t MissingA() const { return request::kEverythingA & ~m_receivedA; }
     uint32_t MissingC() const { return request::kEverythingC & ~m_receivedC; }
     // Print what is still missing when that changes.
@@ -112,6 +115,9 @@ private:
     // The command's own record of the parts received intact since it last
     // asked for everything, as request bits. The session's pending masks
     // cannot serve: a re-request replaces them and forgets the other parts.
+    // Each received part as it arrived (the password in m_keptPassword).
+    PanelStore m_kept;
+    std::string m_keptPassword;
     uint32_t m_receivedA = 0;
     uint32_t m_receivedC = 0;
     int m_reasks = 0;
