@@ -170,7 +170,9 @@ std::string IniFile::Serialize() const {
 }
 
 Status IniFile::Save(const std::string& path) const {
-    return WriteFileBytes(path, "wb", Serialize());
+    // Replaced in one step, so a full disk or a crash while writing never
+    // leaves the settings half written.
+    return ReplaceFileContents(path, Serialize());
 }
 
 } // namespace lumeth

@@ -53,7 +53,7 @@ public:
 
     // "[name]" and "key=value" lines with CR LF; a blank line separates sections.
     std::string Serialize() const;
-    // Write Serialize() to `path`, replacing any file of that name.
+    // Write Serialize() to `path`, replacing any file of that name atomically.
     Status Save(const std::string& path) const;
 
     const std::vector<Section>& sections() const { return m_sections; }
