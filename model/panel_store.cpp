@@ -84,4 +84,20 @@ void PanelStore::ResizeTemplates(int count) {
     templatePosition.resize(n, 0);
 }
 
+void PanelStore::AssignUserGroups(const PanelStore& from) {
+    userGroupCount = from.userGroupCount;
+    userGroupNames = from.userGroupNames;
+    userGroups = from.userGroups;
+    userGroupIndex = from.userGroupIndex;
+    userGroupNumber = from.userGroupNumber;
+}
+
+void PanelStore::AssignTemplates(const PanelStore& from) {
+    templateCount = from.templateCount;
+    templateNames = from.templateNames;
+    buttonTemplates = from.buttonTemplates;
+    templateIndex = from.templateIndex;
+    templatePosition = from.templatePosition;
+}
+
 } // namespace lumeth

@@ -130,6 +130,11 @@ struct PanelStore {
     // parallel arrays the same length.
     void ResizeUserGroups(int count);
     void ResizeTemplates(int count);
+
+    // Take the user groups (or the templates) of `from`: the count and every
+    // parallel array, so the part stays whole.
+    void AssignUserGroups(const PanelStore& from);
+    void AssignTemplates(const PanelStore& from);
 };
 
 // Size an array for `count` entries: max(count, 1) elements.

@@ -53,17 +53,9 @@ void CopyPart(size_t row, const PanelStore& from, PanelStore& to) {
     if (row >= 1 && row <= 4) {
         to.alphas[row - 1] = from.alphas[row - 1];
     } else if (row == 5) {
-        to.userGroupCount = from.userGroupCount;
-        to.userGroupNames = from.userGroupNames;
-        to.userGroups = from.userGroups;
-        to.userGroupIndex = from.userGroupIndex;
-        to.userGroupNumber = from.userGroupNumber;
+        to.AssignUserGroups(from);
     } else if (row == 6) {
-        to.templateCount = from.templateCount;
-        to.templateNames = from.templateNames;
-        to.buttonTemplates = from.buttonTemplates;
-        to.templateIndex = from.templateIndex;
-        to.templatePosition = from.templatePosition;
+        to.AssignTemplates(from);
     } else if (row >= 7) {
         to.displayListCount[row - 7] = from.displayListCount[row - 7];
         to.displayLists[row - 7] = from.displayLists[row - 7];

@@ -118,17 +118,9 @@ PanelStore SimState::ScratchFor(uint8_t command) const {
         copy.displayListCount = m_store.displayListCount;
         copy.displayLists = m_store.displayLists;
     } else if (command == 0xCC) {
-        copy.userGroupCount = m_store.userGroupCount;
-        copy.userGroupNames = m_store.userGroupNames;
-        copy.userGroups = m_store.userGroups;
-        copy.userGroupIndex = m_store.userGroupIndex;
-        copy.userGroupNumber = m_store.userGroupNumber;
+        copy.AssignUserGroups(m_store);
     } else if (command == 0xFD) {
-        copy.templateCount = m_store.templateCount;
-        copy.templateNames = m_store.templateNames;
-        copy.buttonTemplates = m_store.buttonTemplates;
-        copy.templateIndex = m_store.templateIndex;
-        copy.templatePosition = m_store.templatePosition;
+        copy.AssignTemplates(m_store);
     }
     return copy;
 }
