@@ -103,7 +103,9 @@ void BM_DiffCommandMaxFiles(benchmark::State& state) {
 BENCHMARK(BM_DiffCommandMaxFiles)->Unit(benchmark::kMillisecond);
 
 QApplication& Application() {
-    static std::unique_ptr<QApplication> app = bench::OffscreenApplication();
+    // Never destroyed: run among the exit handlers, after Qt's own statics
+    // are gone, its destructor crashes the process at the end of the run.
+    static QApplication* app = bench::OffscreenApplication().release();
     return *app;
 }
 
