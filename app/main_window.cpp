@@ -468,12 +468,12 @@ void MainWindow::EditButtons() {
         m_buttonEditor = new ButtonEditor(m_store, *m_channelModels, Reporter(), m_folder, this);
         m_buttonEditor->setStepHook([this] { RecordStep(); });
     }
-    // Compared as the panel data file would hold it: anything the editor
-    // changed (including a template grown to 32 buttons) is waiting for Apply.
-    const std::string before = EncodePanelData(m_store);
+    // Compared by the parts Apply sends: anything the editor changed
+    // (including a template grown to 32 buttons) is waiting for Apply.
+    const PanelSnapshot before = TakeSnapshot(m_store, &m_stepBase);
     m_buttonEditor->exec();
     RecordStep();
-    if (EncodePanelData(m_store) != before)
+    if (!(m_stepBase == before))
         setUnappliedChanges(true);
 }
 
