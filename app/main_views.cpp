@@ -65,16 +65,16 @@ View* MakeView(QWidget* parent, const char* name, const QStringList& headers) {
 } // namespace
 
 void BuildGroupRows(const PanelStore& store, std::vector<ViewRow>& rows) {
-    for (int i = 0; i < store.userGroupCount; ++i) {
+    for (int i = 0; i < store.groups.userGroupCount; ++i) {
         ViewRow row;
-        row.key = GroupKey(At(store.userGroupIndex, i));
-        row.text = At(store.userGroupNames, i);
+        row.key = GroupKey(At(store.groups.userGroupIndex, i));
+        row.text = At(store.groups.userGroupNames, i);
         rows.push_back(std::move(row));
     }
 }
 
 void BuildGroupListRows(const PanelStore& store, int group, std::vector<ViewRow>& rows) {
-    const UserGroup& entries = At(store.userGroups, group);
+    const UserGroup& entries = At(store.groups.userGroups, group);
     for (int k = 0; k < entries.listCount; ++k) {
         const int16_t type = At(entries.listTypes, k);
         if (type != store.currentListType)
@@ -101,7 +101,7 @@ bool BuildListItemRows(const PanelStore& store, int list, std::vector<ViewRow>& 
 }
 
 int16_t SubTypeForGroup(const PanelStore& store, int group) {
-    const UserGroup& entries = At(store.userGroups, group);
+    const UserGroup& entries = At(store.groups.userGroups, group);
     for (const int16_t wanted : kListTypeCodes) {
         for (int k = 0; k < entries.listCount; ++k) {
             if (At(entries.listTypes, k) == wanted)
@@ -233,7 +233,7 @@ void MainViews::ShowGroupData(int group) {
     try {
         BuildGroupListRows(m_store, group, rows);
         Fill(m_lists, rows, true);
-        m_captions[1]->setText("Display Lists in " + ToQt(At(m_store.userGroupNames, group)));
+        m_captions[1]->setText("Display Lists in " + ToQt(At(m_store.groups.userGroupNames, group)));
         QRadioButton* button = subTypeButton(m_store.currentListType);
         if (!button)
             throw std::out_of_range("no sub type button " +

@@ -83,29 +83,17 @@ constexpr PendingName kPendingNames[] = {
     {false, request::kTemplates, "Button Templates"},
 };
 
-// One bit per part of a request for everything, to tell when all have come.
-constexpr unsigned kPasswordBit = 1u << 0;
-constexpr unsigned AlphasBit(SubType s) {
-    return 1u << (1 + static_cast<unsigned>(s));
-}
-constexpr unsigned ListsBit(SubType s) {
-    return 1u << (5 + static_cast<unsigned>(s));
-}
-constexpr unsigned kUserGroupsBit = 1u << 9;
-constexpr unsigned kTemplatesBit = 1u << 10;
-constexpr unsigned kEverythingBits = (1u << 11) - 1;
-
 constexpr const char* kUnappliedText = "Unapplied changes";
 
 // `base` with the parts named in `parts` taken from `from`.
-PanelSnapshot WithParts(PanelSnapshot base, const PanelSnapshot& from, unsigned parts) {
+PanelSnapshot WithParts(PanelSnapshot base, const PanelSnapshot& from, PartSet parts) {
     for (SubType s : kAllSubTypes) {
-        if (parts & ListsPart(s))
-            base.lists[static_cast<size_t>(s)] = from.lists[static_cast<size_t>(s)];
+        if (parts.has(ListsPart(s)))
+            base.lists[Index(s)] = from.lists[Index(s)];
     }
-    if (parts & part::kUserGroups)
+    if (parts.has(Part::UserGroups))
         base.groups = from.groups;
-    if (parts & part::kTemplates)
+    if (parts.has(Part::Templates))
         base.templates = from.templates;
     return base;
 }
@@ -555,7 +543,7 @@ void MainWindow::Apply() {
         m_unapplied = false;
         // The server module now holds what was sent.
         m_received = m_store;
-        m_heldParts = part::kAll;
+        m_heldParts = kUploadParts;
         m_serverParts = TakeSnapshot(m_store, &m_stepBase);
     }
     RefreshProgress();
@@ -564,7 +552,7 @@ void MainWindow::Apply() {
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
     RecordStepFrom(TakeSnapshot(m_store, &m_stepBase));
-    m_receivedParts = 0;
+    m_receivedParts = {};
     m_connection->RequestEverything();
     setUnappliedChanges(false);
 }
@@ -589,7 +577,7 @@ void MainWindow::LoadAll() {
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
     RecordStep();
     if (result.outcome == LoadOutcome::Loaded)
-        m_heldParts = part::kAll;
+        m_heldParts = kUploadParts;
     switch (result.outcome) {
     case LoadOutcome::NoFile:
         return;
@@ -621,43 +609,39 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::OnLinkConnected() {
-    m_receivedParts = 0;
-    m_heldParts = 0;
+    m_receivedParts = {};
+    m_heldParts = {};
 }
 
 void MainWindow::NoteReceived(StoreChange change, SubType subType) {
-    unsigned bit = 0;
-    unsigned held = 0;
+    Part part = Part::Password;
     switch (change) {
     case StoreChange::Password:
-        bit = kPasswordBit;
         break;
     case StoreChange::Alphas:
-        bit = AlphasBit(subType);
+        part = AlphasPart(subType);
         break;
     case StoreChange::DisplayLists:
-        bit = ListsBit(subType);
-        held = ListsPart(subType);
+        part = ListsPart(subType);
         break;
     case StoreChange::UserGroups:
-        bit = kUserGroupsBit;
-        held = part::kUserGroups;
+        part = Part::UserGroups;
         break;
     case StoreChange::Templates:
-        bit = kTemplatesBit;
-        held = part::kTemplates;
+        part = Part::Templates;
         break;
     }
-    m_receivedParts |= bit;
+    m_receivedParts.add(part);
+    const PartSet held = PartSet{part} & kUploadParts;
     m_heldParts |= held;
     // A download is no step of its own: later steps start from it.
-    if (held) {
+    if (!held.empty()) {
         m_stepBase = TakeSnapshot(m_store, &m_stepBase);
         m_serverParts = WithParts(std::move(m_serverParts), m_stepBase, held);
     }
-    if (m_receivedParts == kEverythingBits) {
+    if (m_receivedParts == kAllParts) {
         m_received = m_store;
-        m_receivedParts = 0;
+        m_receivedParts = {};
     }
 }
 
@@ -677,13 +661,12 @@ void MainWindow::ReviewChanges() {
 bool MainWindow::ConfirmUnreceivedParts() {
     // Edited parts are those that differ now: an edit undone leaves the part
     // as it was never received.
-    const unsigned held =
+    const PartSet held =
         m_heldParts | ChangedParts(m_serverParts, TakeSnapshot(m_store, &m_serverParts));
     QStringList names;
-    for (unsigned bit = 1; bit & part::kAll; bit <<= 1) {
-        if (!(held & bit))
-            names << QString::fromStdString(PartName(bit));
-    }
+    ForEachPart(kUploadParts - held, [&](Part p) {
+        names << QString::fromStdString(std::string(PartName(p)));
+    });
     if (names.isEmpty())
         return true;
     const QString parts = JoinParts(names);
@@ -735,7 +718,7 @@ void MainWindow::AfterRestore() {
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(ChangedParts(m_serverParts, m_stepBase) != 0);
+    setUnappliedChanges(!ChangedParts(m_serverParts, m_stepBase).empty());
     RefreshEditMenu();
 }
 

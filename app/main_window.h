@@ -140,8 +140,8 @@ private:
     // written before Apply; parts counted since the last request for
     // everything; parts received since the link came up or loaded.
     std::optional<PanelStore> m_received;
-    unsigned m_receivedParts = 0;
-    unsigned m_heldParts = 0;
+    PartSet m_receivedParts;
+    PartSet m_heldParts;
     UndoHistory m_history;
     PanelSnapshot m_stepBase;
     // Each part as last received or applied (never received: as at start),

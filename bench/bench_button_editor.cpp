@@ -68,7 +68,7 @@ void BM_DisplayCurrentTemplate(benchmark::State& state) {
         f.editor->Navigate(step++ % 2 == 0 ? 3 : 2); // next, previous
         Settle();
     }
-    state.counters["templates"] = f.store.templateCount;
+    state.counters["templates"] = f.store.templates.templateCount;
 }
 BENCHMARK(BM_DisplayCurrentTemplate)->Unit(benchmark::kMillisecond);
 
@@ -104,7 +104,7 @@ void BM_LabelSheet(benchmark::State& state) {
         size = RenderLabelSheet(f.store).size();
         benchmark::DoNotOptimize(size);
     }
-    state.counters["pages"] = f.store.templateCount;
+    state.counters["pages"] = f.store.templates.templateCount;
     state.counters["MB"] = static_cast<double>(size) / (1024.0 * 1024.0);
 }
 BENCHMARK(BM_LabelSheet)->Unit(benchmark::kMillisecond)->Iterations(2);

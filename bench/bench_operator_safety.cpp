@@ -44,12 +44,12 @@ PanelStore Edited(PanelStore store) {
             break;
         case 3: { // a button's label
             ButtonTemplate& t =
-                store.buttonTemplates[static_cast<size_t>((k * 13) % store.templateCount)];
+                store.templates.buttonTemplates[static_cast<size_t>((k * 13) % store.templates.templateCount)];
             t.buttons[static_cast<size_t>(k % std::max<int>(t.buttonCount, 1))].label = "NEW";
             break;
         }
         case 4: { // a list added to a group
-            UserGroup& g = store.userGroups[static_cast<size_t>((k * 7) % store.userGroupCount)];
+            UserGroup& g = store.groups.userGroups[static_cast<size_t>((k * 7) % store.groups.userGroupCount)];
             g.listIndexes.resize(size_t(g.listCount));
             g.listTypes.resize(size_t(g.listCount));
             g.listIndexes.push_back(static_cast<int16_t>(k % lists));

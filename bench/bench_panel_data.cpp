@@ -95,13 +95,13 @@ lumeth::PanelStore FetchedLargeStore() {
             pad(name, width);
         }
     }
-    for (std::string& name : store.userGroupNames) {
+    for (std::string& name : store.groups.userGroupNames) {
         pad(name, lumeth::kNameWidth);
     }
-    for (std::string& name : store.templateNames) {
+    for (std::string& name : store.templates.templateNames) {
         pad(name, lumeth::kNameWidth);
     }
-    for (lumeth::ButtonTemplate& tmpl : store.buttonTemplates) {
+    for (lumeth::ButtonTemplate& tmpl : store.templates.buttonTemplates) {
         for (lumeth::PanelButton& button : tmpl.buttons) {
             pad(button.label, lumeth::kLabelWidth);
         }

@@ -43,7 +43,7 @@ Fixture& Shared() {
         inputs.push_back(std::move(all));
         f->bigList = static_cast<int>(inputs.size()) - 1;
         f->store.listCount(SubType::Input) = static_cast<int16_t>(inputs.size());
-        UserGroup& group = f->store.userGroups[0];
+        UserGroup& group = f->store.groups.userGroups[0];
         group.listIndexes.resize(static_cast<size_t>(group.listCount));
         group.listTypes.resize(static_cast<size_t>(group.listCount));
         group.listIndexes.insert(group.listIndexes.begin(), static_cast<int16_t>(f->bigList));

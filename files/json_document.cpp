@@ -73,11 +73,11 @@ public:
             Close(store.listCount(s) > 0, 4, ']');
         }
         Raw("\n  },\n  \"user_groups\": [");
-        for (int i = 0; i < ValidCount(store.userGroupCount); ++i) {
-            const UserGroup& group = At(store.userGroups, i);
+        for (int i = 0; i < ValidCount(store.groups.userGroupCount); ++i) {
+            const UserGroup& group = At(store.groups.userGroups, i);
             Item(i, 4);
             Raw("{\"name\": ");
-            Name(At(store.userGroupNames, i), kNameWidth);
+            Name(At(store.groups.userGroupNames, i), kNameWidth);
             Raw(", \"lists\": [");
             for (int k = 0; k < ValidCount(group.listCount); ++k) {
                 Raw(k > 0 ? ",{\"type\":" : "{\"type\":");
@@ -88,13 +88,13 @@ public:
             }
             Raw("]}");
         }
-        Close(store.userGroupCount > 0, 2, ']');
+        Close(store.groups.userGroupCount > 0, 2, ']');
         Raw(",\n  \"templates\": [");
-        for (int i = 0; i < ValidCount(store.templateCount); ++i) {
-            const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+        for (int i = 0; i < ValidCount(store.templates.templateCount); ++i) {
+            const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
             Item(i, 4);
             Raw("{\"name\": ");
-            Name(At(store.templateNames, i), kNameWidth);
+            Name(At(store.templates.templateNames, i), kNameWidth);
             Raw(", \"number\": ");
             Number(tmpl.number);
             Raw(", \"buttons\": [");
@@ -116,7 +116,7 @@ public:
             Close(tmpl.buttonCount > 0, 4, ']');
             Raw("}");
         }
-        Close(store.templateCount > 0, 2, ']');
+        Close(store.templates.templateCount > 0, 2, ']');
         if (options.includeAlphas) {
             Raw(",\n  \"alphas\": {");
             for (SubType s : kAllSubTypes) {
@@ -606,24 +606,24 @@ public:
         if (!m_groupsSeen) {
             result.missingSections.push_back("user_groups");
         }
-        store.userGroupCount = static_cast<int16_t>(m_groups.size());
-        store.userGroupNames = std::move(m_groupNames);
-        store.userGroups = std::move(m_groups);
-        store.userGroupIndex.clear();
-        store.userGroupNumber.clear();
-        store.ResizeUserGroups(store.userGroupCount);
-        OwnPositions(store.userGroupIndex, store.userGroupNumber, store.userGroupCount);
+        store.groups.userGroupCount = static_cast<int16_t>(m_groups.size());
+        store.groups.userGroupNames = std::move(m_groupNames);
+        store.groups.userGroups = std::move(m_groups);
+        store.groups.userGroupIndex.clear();
+        store.groups.userGroupNumber.clear();
+        store.groups.Resize(store.groups.userGroupCount);
+        OwnPositions(store.groups.userGroupIndex, store.groups.userGroupNumber, store.groups.userGroupCount);
         if (!m_templatesSeen) {
             result.missingSections.push_back("templates");
         }
-        store.templateCount = static_cast<int16_t>(m_templates.size());
-        store.templateNames = std::move(m_templateNames);
-        store.buttonTemplates = std::move(m_templates);
-        store.templateIndex.clear();
-        store.templatePosition.clear();
-        store.ResizeTemplates(store.templateCount);
+        store.templates.templateCount = static_cast<int16_t>(m_templates.size());
+        store.templates.templateNames = std::move(m_templateNames);
+        store.templates.buttonTemplates = std::move(m_templates);
+        store.templates.templateIndex.clear();
+        store.templates.templatePosition.clear();
+        store.templates.Resize(store.templates.templateCount);
         // Like a download: each template's index pair is its own position.
-        OwnPositions(store.templateIndex, store.templatePosition, store.templateCount);
+        OwnPositions(store.templates.templateIndex, store.templates.templatePosition, store.templates.templateCount);
         if (m_hasAlphas) {
             for (SubType s : kAllSubTypes) {
                 BuildAlphaTable(store.alpha(s), std::move(m_alphas[static_cast<size_t>(s)]));
@@ -854,8 +854,8 @@ Status CheckJsonDocumentValues(const PanelStore& store) {
             }
         }
     }
-    for (int i = 0; i < ValidCount(store.templateCount); ++i) {
-        const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+    for (int i = 0; i < ValidCount(store.templates.templateCount); ++i) {
+        const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
         for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
             const PanelButton& b = At(tmpl.buttons, k);
             const std::string at = "templates" + Element("", static_cast<size_t>(i)) + ".buttons" +

@@ -158,18 +158,18 @@ private:
         if (!Count(count, [] { return std::string("user group count"); })) {
             return false;
         }
-        m_store.userGroupCount = count;
-        m_store.userGroupNames.assign(ArraySizeFor(count), std::string());
-        m_store.userGroups.assign(ArraySizeFor(count), UserGroup{});
-        m_store.userGroupIndex.assign(ArraySizeFor(count), 0);
-        m_store.userGroupNumber.assign(ArraySizeFor(count), 0);
+        m_store.groups.userGroupCount = count;
+        m_store.groups.userGroupNames.assign(ArraySizeFor(count), std::string());
+        m_store.groups.userGroups.assign(ArraySizeFor(count), UserGroup{});
+        m_store.groups.userGroupIndex.assign(ArraySizeFor(count), 0);
+        m_store.groups.userGroupNumber.assign(ArraySizeFor(count), 0);
         for (int i = 0; i < count; ++i) {
             const auto pos = static_cast<size_t>(i);
-            UserGroup& group = m_store.userGroups[pos];
+            UserGroup& group = m_store.groups.userGroups[pos];
             const auto what = [&](const std::string& field) {
                 return "user group " + std::to_string(i) + " " + field;
             };
-            if (!Text(kNameWidth, m_store.userGroupNames[pos], [&] { return what("name"); })) {
+            if (!Text(kNameWidth, m_store.groups.userGroupNames[pos], [&] { return what("name"); })) {
                 return false;
             }
             if (!Count(group.listCount, [&] { return what("list count"); })) {
@@ -186,8 +186,8 @@ private:
                     return false;
                 }
             }
-            m_store.userGroupIndex[pos] = static_cast<int16_t>(i);
-            m_store.userGroupNumber[pos] = static_cast<int16_t>(i);
+            m_store.groups.userGroupIndex[pos] = static_cast<int16_t>(i);
+            m_store.groups.userGroupNumber[pos] = static_cast<int16_t>(i);
         }
         return true;
     }
@@ -199,17 +199,17 @@ private:
         }
         // TemplateIndex and TemplatePosition are deliberately left alone:
         // loading a file does not touch that pair.
-        m_store.templateCount = count;
-        m_store.templateNames.assign(ArraySizeFor(count), std::string());
-        m_store.buttonTemplates.assign(ArraySizeFor(count), ButtonTemplate{});
+        m_store.templates.templateCount = count;
+        m_store.templates.templateNames.assign(ArraySizeFor(count), std::string());
+        m_store.templates.buttonTemplates.assign(ArraySizeFor(count), ButtonTemplate{});
         const bool hasNumbers = m_version > 1;
         for (int i = 0; i < count; ++i) {
             const auto pos = static_cast<size_t>(i);
-            ButtonTemplate& tmpl = m_store.buttonTemplates[pos];
+            ButtonTemplate& tmpl = m_store.templates.buttonTemplates[pos];
             const auto what = [&](const std::string& field) {
                 return "template " + std::to_string(i) + " " + field;
             };
-            if (!Text(kNameWidth, m_store.templateNames[pos], [&] { return what("name"); })) {
+            if (!Text(kNameWidth, m_store.templates.templateNames[pos], [&] { return what("name"); })) {
                 return false;
             }
             if (hasNumbers && !Int(tmpl.number, [&] { return what("number"); })) {
@@ -267,12 +267,12 @@ size_t EncodedSize(const PanelStore& store) {
             size += kNameWidth + 2 + 2 * size_t(CountToWrite(At(store.lists(s), i).channelCount));
         }
     }
-    for (int i = 0; i < CountToWrite(store.userGroupCount); ++i) {
-        size += kNameWidth + 2 + 4 * size_t(CountToWrite(At(store.userGroups, i).listCount));
+    for (int i = 0; i < CountToWrite(store.groups.userGroupCount); ++i) {
+        size += kNameWidth + 2 + 4 * size_t(CountToWrite(At(store.groups.userGroups, i).listCount));
     }
-    for (int i = 0; i < CountToWrite(store.templateCount); ++i) {
+    for (int i = 0; i < CountToWrite(store.templates.templateCount); ++i) {
         size += kNameWidth + 4 +
-                (8 + kLabelWidth) * size_t(CountToWrite(At(store.buttonTemplates, i).buttonCount));
+                (8 + kLabelWidth) * size_t(CountToWrite(At(store.templates.buttonTemplates, i).buttonCount));
     }
     return size;
 }
@@ -280,11 +280,11 @@ size_t EncodedSize(const PanelStore& store) {
 // The defaults a load starts from. The template index pair is neither
 // resized nor set by loading a file, so it survives the reset as it was.
 void ResetForLoad(PanelStore& store) {
-    std::vector<int16_t> index = std::move(store.templateIndex);
-    std::vector<int16_t> position = std::move(store.templatePosition);
+    std::vector<int16_t> index = std::move(store.templates.templateIndex);
+    std::vector<int16_t> position = std::move(store.templates.templatePosition);
     store.ResetToDefaults();
-    store.templateIndex = std::move(index);
-    store.templatePosition = std::move(position);
+    store.templates.templateIndex = std::move(index);
+    store.templates.templatePosition = std::move(position);
 }
 
 } // namespace
@@ -346,12 +346,12 @@ std::string EncodePanelData(const PanelStore& store) {
         }
     }
 
-    const int16_t groups = CountToWrite(store.userGroupCount);
+    const int16_t groups = CountToWrite(store.groups.userGroupCount);
     w.WriteInt16(groups);
     for (int i = 0; i < groups; ++i) {
-        const UserGroup& group = At(store.userGroups, i);
+        const UserGroup& group = At(store.groups.userGroups, i);
         const int16_t entries = CountToWrite(group.listCount);
-        w.WriteFixedText(At(store.userGroupNames, i), kNameWidth);
+        w.WriteFixedText(At(store.groups.userGroupNames, i), kNameWidth);
         w.WriteInt16(entries);
         for (int k = 0; k < entries; ++k) {
             w.WriteInt16(At(group.listIndexes, k));
@@ -359,12 +359,12 @@ std::string EncodePanelData(const PanelStore& store) {
         }
     }
 
-    const int16_t templates = CountToWrite(store.templateCount);
+    const int16_t templates = CountToWrite(store.templates.templateCount);
     w.WriteInt16(templates);
     for (int i = 0; i < templates; ++i) {
-        const ButtonTemplate& tmpl = At(store.buttonTemplates, i);
+        const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
         const int16_t buttons = CountToWrite(tmpl.buttonCount);
-        w.WriteFixedText(At(store.templateNames, i), kNameWidth);
+        w.WriteFixedText(At(store.templates.templateNames, i), kNameWidth);
         w.WriteInt16(tmpl.number);
         w.WriteInt16(buttons);
         for (int k = 0; k < buttons; ++k) {

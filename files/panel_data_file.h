@@ -16,8 +16,6 @@ inline constexpr const char* kDefaultPanelDataFileName = "LumethEX.dat";
 inline constexpr int16_t kPanelDataMarker = 140;
 inline constexpr int16_t kPanelDataVersionEscape = 16383;
 inline constexpr int16_t kPanelDataVersion = 3;
-inline constexpr size_t kNameWidth = 16; // list, group and template names
-inline constexpr size_t kLabelWidth = 8; // button labels
 
 // Result of reading a panel data file.
 enum class LoadOutcome {

@@ -24,12 +24,12 @@ void CheckShape(const lumeth::PanelStore& s) {
             Check(list.channels.size() >= lumeth::ArraySizeFor(list.channelCount));
         }
     }
-    const size_t groups = lumeth::ArraySizeFor(s.userGroupCount);
-    Check(s.userGroups.size() >= groups && s.userGroupNames.size() >= groups &&
-          s.userGroupIndex.size() >= groups && s.userGroupNumber.size() >= groups);
-    const size_t templates = lumeth::ArraySizeFor(s.templateCount);
-    Check(s.buttonTemplates.size() >= templates && s.templateNames.size() >= templates);
-    for (const auto& t : s.buttonTemplates) {
+    const size_t groups = lumeth::ArraySizeFor(s.groups.userGroupCount);
+    Check(s.groups.userGroups.size() >= groups && s.groups.userGroupNames.size() >= groups &&
+          s.groups.userGroupIndex.size() >= groups && s.groups.userGroupNumber.size() >= groups);
+    const size_t templates = lumeth::ArraySizeFor(s.templates.templateCount);
+    Check(s.templates.buttonTemplates.size() >= templates && s.templates.templateNames.size() >= templates);
+    for (const auto& t : s.templates.buttonTemplates) {
         Check(t.buttons.size() >= lumeth::ArraySizeFor(t.buttonCount));
     }
 }

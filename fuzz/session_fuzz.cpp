@@ -56,19 +56,19 @@ void CheckStore(const lumeth::PanelStore& s) {
             Check(l.channels.size() >= static_cast<size_t>(l.channelCount));
         }
     }
-    Check(!s.userGroups.empty());
-    Check(s.userGroupNames.size() == s.userGroups.size());
-    Check(s.userGroupIndex.size() == s.userGroups.size());
-    Check(s.userGroupNumber.size() == s.userGroups.size());
-    for (const auto& g : s.userGroups) {
+    Check(!s.groups.userGroups.empty());
+    Check(s.groups.userGroupNames.size() == s.groups.userGroups.size());
+    Check(s.groups.userGroupIndex.size() == s.groups.userGroups.size());
+    Check(s.groups.userGroupNumber.size() == s.groups.userGroups.size());
+    for (const auto& g : s.groups.userGroups) {
         Check(g.listIndexes.size() >= static_cast<size_t>(g.listCount));
         Check(g.listTypes.size() >= static_cast<size_t>(g.listCount));
     }
-    Check(!s.buttonTemplates.empty());
-    Check(s.templateNames.size() == s.buttonTemplates.size());
-    Check(s.templateIndex.size() == s.buttonTemplates.size());
-    Check(s.templatePosition.size() == s.buttonTemplates.size());
-    for (const auto& t : s.buttonTemplates) {
+    Check(!s.templates.buttonTemplates.empty());
+    Check(s.templates.templateNames.size() == s.templates.buttonTemplates.size());
+    Check(s.templates.templateIndex.size() == s.templates.buttonTemplates.size());
+    Check(s.templates.templatePosition.size() == s.templates.buttonTemplates.size());
+    for (const auto& t : s.templates.buttonTemplates) {
         Check(!t.buttons.empty());
         Check(t.buttons.size() >= static_cast<size_t>(t.buttonCount));
     }

@@ -43,7 +43,6 @@ void ResetStatus(Status* status) {
 constexpr size_t kListNameWidth = 16;
 constexpr size_t kGroupNameWidth = 16;
 constexpr size_t kTemplateNameWidth = 16;
-constexpr size_t kLabelWidth = 8;
 // A 14-bit count field cannot say more than this.
 constexpr size_t kMax14 = 16383;
 // Width bytes are body bytes: the top bit must stay clear.
@@ -159,8 +158,8 @@ std::string DisplayListMessage(const PanelStore& store, SubType subType, Status*
 
 std::string GroupMessage(const PanelStore& store, Status* status) {
     ResetStatus(status);
-    const size_t g = std::min({Usable(store.userGroupCount, store.userGroupNames.size()),
-                               store.userGroups.size(), kMax14});
+    const size_t g = std::min({Usable(store.groups.userGroupCount, store.groups.userGroupNames.size()),
+                               store.groups.userGroups.size(), kMax14});
 
     std::string m;
     m.push_back(static_cast<char>(0xCC));
@@ -169,10 +168,10 @@ std::string GroupMessage(const PanelStore& store, Status* status) {
     wire::Append14(m, 0);
     AppendByte(m, static_cast<int>(kGroupNameWidth));
     for (size_t i = 0; i < g; ++i) {
-        const UserGroup& group = store.userGroups[i];
+        const UserGroup& group = store.groups.userGroups[i];
         const size_t l = std::min(
             {Usable(group.listCount, group.listIndexes.size()), group.listTypes.size(), kMax14});
-        m += FixedWidth(store.userGroupNames[i], kGroupNameWidth);
+        m += FixedWidth(store.groups.userGroupNames[i], kGroupNameWidth);
         wire::Append14(m, static_cast<int>(l));
         for (size_t e = 0; e < l; ++e) {
             const auto entry = [&](const char* field) {
@@ -188,8 +187,8 @@ std::string GroupMessage(const PanelStore& store, Status* status) {
 
 std::string ButtonMessage(const PanelStore& store, Status* status) {
     ResetStatus(status);
-    const size_t t = std::min({Usable(store.templateCount, store.templateNames.size()),
-                               store.buttonTemplates.size(), kMax14});
+    const size_t t = std::min({Usable(store.templates.templateCount, store.templates.templateNames.size()),
+                               store.templates.buttonTemplates.size(), kMax14});
 
     std::string m;
     m.push_back(static_cast<char>(0xFD));
@@ -201,9 +200,9 @@ std::string ButtonMessage(const PanelStore& store, Status* status) {
     AppendByte(m, static_cast<int>(kLabelWidth));
     AppendByte(m, static_cast<int>(kTemplateNameWidth));
     for (size_t i = 0; i < t; ++i) {
-        const ButtonTemplate& tpl = store.buttonTemplates[i];
+        const ButtonTemplate& tpl = store.templates.buttonTemplates[i];
         const size_t b = std::min(Usable(tpl.buttonCount, tpl.buttons.size()), kMax14);
-        m += FixedWidth(store.templateNames[i], kTemplateNameWidth);
+        m += FixedWidth(store.templates.templateNames[i], kTemplateNameWidth);
         const auto where = [&](const std::string& field) {
             return "template " + std::to_string(i) + field;
         };
@@ -234,6 +233,32 @@ std::string FixedWidth(std::string_view text, size_t width) {
 size_t FindEndOfMessage(std::string_view buffer) {
     const size_t pos = buffer.find(static_cast<char>(0xFF));
     return pos == std::string_view::npos ? 0 : pos + 1;
+}
+
+std::vector<Upload> UploadMessages(const PanelStore& store, PartSet parts) {
+    std::vector<Upload> uploads;
+    ForEachPart(parts & kUploadParts, [&](Part part) {
+        Upload& u = uploads.emplace_back(Upload{part, {}, {}, {}});
+        const PartInfo& info = Info(part);
+        switch (info.kind) {
+        case PartKind::DisplayLists:
+            u.message = DisplayListMessage(store, *info.subType, &u.status);
+            u.failureLocation = "Error Sending Panel Display Lists";
+            break;
+        case PartKind::UserGroups:
+            u.message = GroupMessage(store, &u.status);
+            u.failureLocation = "Error Sending Panel Group Data";
+            break;
+        case PartKind::Templates:
+            u.message = ButtonMessage(store, &u.status);
+            u.failureLocation = "Error Sending Panel Button Data";
+            break;
+        case PartKind::Password:
+        case PartKind::Alphas:
+            break; // not uploaded by Apply
+        }
+    });
+    return uploads;
 }
 
 } // namespace lumeth::codec

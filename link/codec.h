@@ -7,6 +7,7 @@
 
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 // Builders for every message of the protocol, in both directions. The tool's
 // uploads and the emulator's answers share the layouts.
@@ -43,6 +44,19 @@ std::string DisplayListMessage(const PanelStore& store, SubType subType, Status*
 std::string GroupMessage(const PanelStore& store, Status* status = nullptr);
 // 0xFD button templates: 7F 52, X = M = TemplateCount, F = 0, L = 8, W = 16.
 std::string ButtonMessage(const PanelStore& store, Status* status = nullptr);
+
+// One upload message of Apply, with the location its failure is reported
+// under ("Error Sending Panel Display Lists", ...). A message whose status is
+// a failure holds a value the wire cannot carry and must not be sent.
+struct Upload {
+    Part part;
+    std::string message;
+    std::string_view failureLocation;
+    Status status;
+};
+// The upload messages of the parts of `parts` that Apply sends, in the order
+// Apply sends them: display lists 11, 21, 31, 41, user groups, templates.
+std::vector<Upload> UploadMessages(const PanelStore& store, PartSet parts = kUploadParts);
 
 // Cut or blank-pad to exactly `width` bytes.
 std::string FixedWidth(std::string_view text, size_t width);

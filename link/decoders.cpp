@@ -274,22 +274,22 @@ void UserGroups(LinkSession& session, SessionObserver& observer, std::string_vie
         // The store is written as the groups are read: a message that turns
         // out too long or too short leaves the groups read so far in place.
         PanelStore& store = session.store();
-        store.userGroupCount = static_cast<int16_t>(g);
+        store.groups.userGroupCount = static_cast<int16_t>(g);
         if (g > 0) {
-            store.ResizeUserGroups(g);
+            store.groups.Resize(g);
         }
         size_t expected = 9 + static_cast<size_t>(g) * (width + 2);
         for (int i = 0; i < g; ++i) {
             const auto at = static_cast<size_t>(i);
-            store.userGroupNames[at] = r.Name(width);
-            store.userGroupIndex[at] = static_cast<int16_t>(i);
-            store.userGroupNumber[at] = static_cast<int16_t>(i);
+            store.groups.userGroupNames[at] = r.Name(width);
+            store.groups.userGroupIndex[at] = static_cast<int16_t>(i);
+            store.groups.userGroupNumber[at] = static_cast<int16_t>(i);
             const int l = r.U14();
             if (r.failed() || !r.Need(4 * static_cast<size_t>(l))) {
                 ReportShortRead(observer, kGroupSite, r, "group " + std::to_string(i));
                 return;
             }
-            UserGroup& group = store.userGroups[at];
+            UserGroup& group = store.groups.userGroups[at];
             group.listCount = static_cast<int16_t>(l);
             if (l > 0) {
                 group.listIndexes.assign(static_cast<size_t>(l), 0);
@@ -317,8 +317,8 @@ void ButtonTemplates(LinkSession& session, SessionObserver& observer, std::strin
     // records; they follow the names' length so the parallel arrays stay
     // the same size.
     PanelStore& store = session.store();
-    if (store.buttonTemplates.size() != store.templateNames.size()) {
-        store.buttonTemplates.resize(store.templateNames.size());
+    if (store.templates.buttonTemplates.size() != store.templates.templateNames.size()) {
+        store.templates.buttonTemplates.resize(store.templates.templateNames.size());
     }
 }
 
@@ -346,13 +346,13 @@ void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
         }
 
         PanelStore& store = session.store();
-        store.templateCount = static_cast<int16_t>(m);
+        store.templates.templateCount = static_cast<int16_t>(m);
         std::vector<ButtonTemplate> fresh(ArraySizeFor(x));
         if (x > 0) {
             const auto size = static_cast<size_t>(x);
-            store.templateNames.resize(size);
-            store.templateIndex.resize(size, 0);
-            store.templatePosition.resize(size, 0);
+            store.templates.templateNames.resize(size);
+            store.templates.templateIndex.resize(size, 0);
+            store.templates.templatePosition.resize(size, 0);
         }
         size_t expected = 13 + static_cast<size_t>(m) * (nameWidth + 4);
         for (int t = f; t < f + m; ++t) {
@@ -364,9 +364,9 @@ void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
                 return;
             }
             const auto at = static_cast<size_t>(t);
-            store.templateNames[at] = std::move(name);
-            store.templateIndex[at] = static_cast<int16_t>(t);
-            store.templatePosition[at] = static_cast<int16_t>(t);
+            store.templates.templateNames[at] = std::move(name);
+            store.templates.templateIndex[at] = static_cast<int16_t>(t);
+            store.templates.templatePosition[at] = static_cast<int16_t>(t);
             ButtonTemplate& tpl = fresh[at];
             tpl.number = static_cast<int16_t>(r.U14());
             const int b = r.U14();
@@ -395,7 +395,7 @@ void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
             observer.WriteErrorLog("48QX Message Length Error", "Button Info");
             return;
         }
-        store.buttonTemplates = std::move(fresh);
+        store.templates.buttonTemplates = std::move(fresh);
         session.state().pendingC &= ~request::kTemplates;
         observer.LogActivity("Button Templates", kActivityLocation);
         observer.StoreChanged(StoreChange::Templates, SubType::Input);

@@ -181,25 +181,15 @@ void LinkSession::SendPassword() {
 
 std::vector<std::string> LinkSession::BuildApplyMessages() const {
     std::vector<std::string> out;
-    out.reserve(6);
-    for (SubType s : kAllSubTypes) {
-        out.push_back(codec::DisplayListMessage(m_store, s));
-    }
-    out.push_back(codec::GroupMessage(m_store));
-    out.push_back(codec::ButtonMessage(m_store));
+    for (codec::Upload& upload : codec::UploadMessages(m_store))
+        out.push_back(std::move(upload.message));
     return out;
 }
 
 std::vector<LinkSession::ApplyStep> LinkSession::BuildApplySteps() const {
-    std::vector<ApplyStep> steps(6);
-    for (size_t i = 0; i < kAllSubTypes.size(); ++i) {
-        steps[i].message = codec::DisplayListMessage(m_store, kAllSubTypes[i], &steps[i].status);
-        steps[i].failureLocation = "Error Sending Panel Display Lists";
-    }
-    steps[4].message = codec::GroupMessage(m_store, &steps[4].status);
-    steps[4].failureLocation = "Error Sending Panel Group Data";
-    steps[5].message = codec::ButtonMessage(m_store, &steps[5].status);
-    steps[5].failureLocation = "Error Sending Panel Button Data";
+    std::vector<ApplyStep> steps;
+    for (codec::Upload& upload : codec::UploadMessages(m_store))
+        steps.push_back({std::move(upload.message), upload.failureLocation, upload.status});
     return steps;
 }
 

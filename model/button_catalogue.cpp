@@ -104,13 +104,13 @@ std::string SystemButtonLabel(const PanelStore& store, int code, int channel, St
 }
 
 std::string GetButtonLabel(const PanelStore& store, int templatePos, int button, Status* status) {
-    if (templatePos < 0 || static_cast<size_t>(templatePos) >= store.buttonTemplates.size()) {
+    if (templatePos < 0 || static_cast<size_t>(templatePos) >= store.templates.buttonTemplates.size()) {
         SetStatus(status, Status::Fail(ErrorCode::SubscriptOutOfRange,
                                        "template " + std::to_string(templatePos)));
         return {};
     }
     const std::vector<PanelButton>& buttons =
-        store.buttonTemplates[static_cast<size_t>(templatePos)].buttons;
+        store.templates.buttonTemplates[static_cast<size_t>(templatePos)].buttons;
     if (button < 0 || static_cast<size_t>(button) >= buttons.size()) {
         SetStatus(status,
                   Status::Fail(ErrorCode::SubscriptOutOfRange, "button " + std::to_string(button)));

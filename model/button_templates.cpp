@@ -16,29 +16,29 @@ std::string Numbered(const char* format, int n) {
 }
 
 bool IsTemplate(const PanelStore& store, int t) {
-    return t >= 0 && t < store.templateCount &&
-           static_cast<size_t>(t) < store.buttonTemplates.size() &&
-           static_cast<size_t>(t) < store.templateNames.size();
+    return t >= 0 && t < store.templates.templateCount &&
+           static_cast<size_t>(t) < store.templates.buttonTemplates.size() &&
+           static_cast<size_t>(t) < store.templates.templateNames.size();
 }
 
 // Grow every per-template array to hold position `t` == templateCount and
 // count it. The index pair may be shorter than the count after a file load
 // (loading leaves it alone), so it is grown to the same length here.
 void AppendTemplateSlot(PanelStore& store) {
-    const int t = std::max<int>(store.templateCount, 0);
-    store.templateCount = static_cast<int16_t>(t + 1);
-    store.ResizeTemplates(t + 1);
-    store.templateIndex[static_cast<size_t>(t)] = static_cast<int16_t>(t);
-    store.templatePosition[static_cast<size_t>(t)] = static_cast<int16_t>(t);
-    store.buttonTemplates[static_cast<size_t>(t)] = ButtonTemplate{};
+    const int t = std::max<int>(store.templates.templateCount, 0);
+    store.templates.templateCount = static_cast<int16_t>(t + 1);
+    store.templates.Resize(t + 1);
+    store.templates.templateIndex[static_cast<size_t>(t)] = static_cast<int16_t>(t);
+    store.templates.templatePosition[static_cast<size_t>(t)] = static_cast<int16_t>(t);
+    store.templates.buttonTemplates[static_cast<size_t>(t)] = ButtonTemplate{};
 }
 
 } // namespace
 
 int AddButtonTemplate(PanelStore& store) {
     AppendTemplateSlot(store);
-    const int t = store.templateCount - 1;
-    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    const int t = store.templates.templateCount - 1;
+    ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     tpl.buttonCount = kTemplateButtons;
     tpl.buttons.assign(kTemplateButtons, PanelButton::Cleared());
     for (int b = 0; b < kTemplateButtons; ++b) {
@@ -46,7 +46,7 @@ int AddButtonTemplate(PanelStore& store) {
         button.type = 40; // Source Select
         button.label = "Button " + std::to_string(b);
     }
-    store.templateNames[static_cast<size_t>(t)] = Numbered("Btn Tmplate %03d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Btn Tmplate %03d", t + 1);
     return t;
 }
 
@@ -54,7 +54,7 @@ bool FillButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
         return false;
     }
-    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     if (tpl.buttonCount == kTemplateButtons) {
         return true;
     }
@@ -73,7 +73,7 @@ void ClearButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
         return;
     }
-    ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     const int count = std::min<int>(tpl.buttonCount, static_cast<int>(tpl.buttons.size()));
     for (int b = 0; b < count; ++b) {
         PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
@@ -81,7 +81,7 @@ void ClearButtonTemplate(PanelStore& store, int t) {
         button.captionOption = 0;
         button.label = "Button " + std::to_string(b);
     }
-    store.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
 }
 
 Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
@@ -89,17 +89,17 @@ Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
         return Status::Fail(ErrorCode::SubscriptOutOfRange,
                             "no template " + std::to_string(from) + " to copy from");
     }
-    if (to < 0 || to > store.templateCount) {
+    if (to < 0 || to > store.templates.templateCount) {
         return Status::Fail(ErrorCode::SubscriptOutOfRange,
                             "no template " + std::to_string(to) + " to copy onto");
     }
-    if (to == store.templateCount) {
+    if (to == store.templates.templateCount) {
         AppendTemplateSlot(store);
-        ButtonTemplate& target = store.buttonTemplates[static_cast<size_t>(to)];
+        ButtonTemplate& target = store.templates.buttonTemplates[static_cast<size_t>(to)];
         target.buttonCount = kPageButtons;
         target.buttons.assign(kPageButtons, PanelButton{});
         const std::vector<PanelButton>& source =
-            store.buttonTemplates[static_cast<size_t>(from)].buttons;
+            store.templates.buttonTemplates[static_cast<size_t>(from)].buttons;
         for (size_t b = 0; b < kPageButtons; ++b) {
             if (b >= source.size()) {
                 return Status::Fail(ErrorCode::SubscriptOutOfRange,
@@ -110,7 +110,7 @@ Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
         }
     }
     // Onto an existing template only the name is copied; its buttons stay.
-    store.templateNames[static_cast<size_t>(to)] = store.templateNames[static_cast<size_t>(from)];
+    store.templates.templateNames[static_cast<size_t>(to)] = store.templates.templateNames[static_cast<size_t>(from)];
     return Status::Ok();
 }
 
@@ -121,8 +121,8 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
         return page;
     }
-    page.name = store.templateNames[static_cast<size_t>(t)];
-    const ButtonTemplate& tpl = store.buttonTemplates[static_cast<size_t>(t)];
+    page.name = store.templates.templateNames[static_cast<size_t>(t)];
+    const ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     const int count = std::min({static_cast<int>(tpl.buttonCount),
                                 static_cast<int>(tpl.buttons.size()), kTemplateButtons});
     for (int b = 0; b < count; ++b) {

@@ -8,8 +8,7 @@
 
 namespace lumeth {
 
-// A template as the panels use it: 32 buttons, shown 16 at a time.
-inline constexpr int kTemplateButtons = 32;
+// A template as the panels use it: kTemplateButtons buttons, shown 16 at a time.
 inline constexpr int kPageButtons = 16;
 
 // Append a template: 32 "Source Select" buttons without channels labelled

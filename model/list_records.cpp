@@ -25,13 +25,13 @@ SubType ListSubType(int16_t listTypeCode) {
 
 int RecordCount(const PanelStore& store, int16_t mode) {
     if (mode == kUserGroupListType)
-        return store.userGroupCount;
+        return store.groups.userGroupCount;
     return store.listCount(ListSubType(mode));
 }
 
 const std::string& RecordName(const PanelStore& store, int16_t mode, int index) {
     if (mode == kUserGroupListType)
-        return store.userGroupNames.at(Position(index));
+        return store.groups.userGroupNames.at(Position(index));
     return store.lists(ListSubType(mode)).at(Position(index)).name;
 }
 
@@ -44,13 +44,13 @@ int AppendRecord(PanelStore& store, int16_t mode, const std::string& name) {
     if (count >= INT16_MAX)
         throw std::out_of_range("no room for another record");
     if (mode == kUserGroupListType) {
-        store.ResizeUserGroups(count + 1);
+        store.groups.Resize(count + 1);
         const size_t at = static_cast<size_t>(count);
-        store.userGroupNames[at] = name;
-        store.userGroups[at] = UserGroup{};
-        store.userGroupIndex[at] = static_cast<int16_t>(count);
-        store.userGroupNumber[at] = static_cast<int16_t>(count);
-        store.userGroupCount = static_cast<int16_t>(count + 1);
+        store.groups.userGroupNames[at] = name;
+        store.groups.userGroups[at] = UserGroup{};
+        store.groups.userGroupIndex[at] = static_cast<int16_t>(count);
+        store.groups.userGroupNumber[at] = static_cast<int16_t>(count);
+        store.groups.userGroupCount = static_cast<int16_t>(count + 1);
     } else {
         const SubType subType = ListSubType(mode);
         auto& lists = store.lists(subType);
@@ -87,8 +87,8 @@ void DuplicateRecord(PanelStore& store, int16_t mode, int from, int to) {
     if (to == RecordCount(store, mode))
         to = AppendRecord(store, mode, name);
     if (mode == kUserGroupListType) {
-        const UserGroup source = store.userGroups.at(Position(from));
-        store.userGroups.at(Position(to)) = source;
+        const UserGroup source = store.groups.userGroups.at(Position(from));
+        store.groups.userGroups.at(Position(to)) = source;
     } else {
         auto& lists = store.lists(ListSubType(mode));
         const DisplayList source = lists.at(Position(from));

@@ -6,20 +6,13 @@ namespace lumeth {
 
 namespace {
 
-bool SameLists(const PanelStore& store, SubType s, const ListsData& data) {
-    return store.listCount(s) == data.count && store.lists(s) == data.lists;
-}
-
-bool SameGroups(const PanelStore& store, const GroupsData& data) {
-    return store.userGroupCount == data.count && store.userGroupNames == data.names &&
-           store.userGroups == data.groups && store.userGroupIndex == data.index &&
-           store.userGroupNumber == data.number;
-}
-
-bool SameTemplates(const PanelStore& store, const TemplatesData& data) {
-    return store.templateCount == data.count && store.templateNames == data.names &&
-           store.buttonTemplates == data.templates && store.templateIndex == data.index &&
-           store.templatePosition == data.position;
+// The part `current` as a shared value: `shared` itself when it holds the
+// same content, else a new copy.
+template <typename T>
+std::shared_ptr<const T> Share(const T& current, const std::shared_ptr<const T>* shared) {
+    if (shared && *shared && **shared == current)
+        return *shared;
+    return std::make_shared<const T>(current);
 }
 
 // Shared pointers to equal content, or to the same content.
@@ -28,101 +21,74 @@ bool SamePart(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>&
     return a == b || (a && b && *a == *b);
 }
 
+int16_t Inside(int16_t value, int count) {
+    return static_cast<int16_t>(std::clamp<int>(value, 0, std::max(count - 1, 0)));
+}
+
+// What Apply sends of the groups and templates: the index arrays stay local.
+bool SameSent(const UserGroupTable& a, const UserGroupTable& b) {
+    return a.userGroupCount == b.userGroupCount && a.userGroupNames == b.userGroupNames &&
+           a.userGroups == b.userGroups;
+}
+bool SameSent(const TemplateTable& a, const TemplateTable& b) {
+    return a.templateCount == b.templateCount && a.templateNames == b.templateNames &&
+           a.buttonTemplates == b.buttonTemplates;
+}
+
 } // namespace
 
 bool PanelSnapshot::operator==(const PanelSnapshot& other) const {
-    return ChangedParts(*this, other) == 0;
+    return ChangedParts(*this, other).empty();
 }
 
 PanelSnapshot TakeSnapshot(const PanelStore& store, const PanelSnapshot* shareWith) {
     PanelSnapshot snapshot;
-    for (SubType s : kAllSubTypes) {
-        const auto i = static_cast<size_t>(s);
-        if (shareWith && shareWith->lists[i] && SameLists(store, s, *shareWith->lists[i]))
-            snapshot.lists[i] = shareWith->lists[i];
-        else
-            snapshot.lists[i] =
-                std::make_shared<const ListsData>(ListsData{store.listCount(s), store.lists(s)});
-    }
-    if (shareWith && shareWith->groups && SameGroups(store, *shareWith->groups))
-        snapshot.groups = shareWith->groups;
-    else
-        snapshot.groups = std::make_shared<const GroupsData>(
-            GroupsData{store.userGroupCount, store.userGroupNames, store.userGroups,
-                       store.userGroupIndex, store.userGroupNumber});
-    if (shareWith && shareWith->templates && SameTemplates(store, *shareWith->templates))
-        snapshot.templates = shareWith->templates;
-    else
-        snapshot.templates = std::make_shared<const TemplatesData>(
-            TemplatesData{store.templateCount, store.templateNames, store.buttonTemplates,
-                          store.templateIndex, store.templatePosition});
+    for (SubType s : kAllSubTypes)
+        snapshot.lists[Index(s)] =
+            Share(store.listTable(s), shareWith ? &shareWith->lists[Index(s)] : nullptr);
+    snapshot.groups = Share(store.groups, shareWith ? &shareWith->groups : nullptr);
+    snapshot.templates = Share(store.templates, shareWith ? &shareWith->templates : nullptr);
     return snapshot;
 }
 
+void RestoreParts(const PanelSnapshot& snapshot, PartSet parts, PanelStore& store) {
+    for (SubType s : kAllSubTypes)
+        if (parts.has(ListsPart(s)) && snapshot.lists[Index(s)])
+            store.listTable(s) = *snapshot.lists[Index(s)];
+    if (parts.has(Part::UserGroups) && snapshot.groups)
+        store.groups = *snapshot.groups;
+    if (parts.has(Part::Templates) && snapshot.templates)
+        store.templates = *snapshot.templates;
+    store.currentUserGroup = Inside(store.currentUserGroup, store.groups.userGroupCount);
+    if (const auto subType = SubTypeFromListCode(store.currentListType))
+        store.currentList = Inside(store.currentList, store.listCount(*subType));
+}
+
 void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store) {
-    for (SubType s : kAllSubTypes) {
-        if (const auto& data = snapshot.lists[static_cast<size_t>(s)]) {
-            store.listCount(s) = data->count;
-            store.lists(s) = data->lists;
-        }
-    }
-    if (const auto& data = snapshot.groups) {
-        store.userGroupCount = data->count;
-        store.userGroupNames = data->names;
-        store.userGroups = data->groups;
-        store.userGroupIndex = data->index;
-        store.userGroupNumber = data->number;
-    }
-    if (const auto& data = snapshot.templates) {
-        store.templateCount = data->count;
-        store.templateNames = data->names;
-        store.buttonTemplates = data->templates;
-        store.templateIndex = data->index;
-        store.templatePosition = data->position;
-    }
-    auto inside = [](int16_t value, int count) {
-        return static_cast<int16_t>(std::clamp<int>(value, 0, std::max(count - 1, 0)));
-    };
-    store.currentUserGroup = inside(store.currentUserGroup, store.userGroupCount);
-    const auto subType = SubTypeFromListCode(store.currentListType);
-    if (subType)
-        store.currentList = inside(store.currentList, store.listCount(*subType));
+    RestoreParts(snapshot, kUploadParts, store);
 }
 
-std::string PartName(unsigned onePart) {
-    for (SubType s : kAllSubTypes) {
-        if (onePart == ListsPart(s))
-            return std::string(SubTypeName(s)) + " display lists";
-    }
-    return onePart == part::kUserGroups ? "user groups" : "button templates";
-}
-
-unsigned ChangedParts(const PanelStore& a, const PanelStore& b) {
-    unsigned changed = 0;
-    for (SubType s : kAllSubTypes) {
-        if (a.listCount(s) != b.listCount(s) || a.lists(s) != b.lists(s))
-            changed |= ListsPart(s);
-    }
-    if (a.userGroupCount != b.userGroupCount || a.userGroupNames != b.userGroupNames ||
-        a.userGroups != b.userGroups)
-        changed |= part::kUserGroups;
-    if (a.templateCount != b.templateCount || a.templateNames != b.templateNames ||
-        a.buttonTemplates != b.buttonTemplates)
-        changed |= part::kTemplates;
+PartSet ChangedParts(const PanelStore& a, const PanelStore& b) {
+    PartSet changed;
+    for (SubType s : kAllSubTypes)
+        if (a.listTable(s) != b.listTable(s))
+            changed.add(ListsPart(s));
+    if (!SameSent(a.groups, b.groups))
+        changed.add(Part::UserGroups);
+    if (!SameSent(a.templates, b.templates))
+        changed.add(Part::Templates);
     return changed;
 }
 
-unsigned ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b) {
-    unsigned changed = 0;
-    for (SubType s : kAllSubTypes) {
-        const auto i = static_cast<size_t>(s);
-        if (!SamePart(a.lists[i], b.lists[i]))
-            changed |= ListsPart(s);
-    }
+PartSet ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b) {
+    PartSet changed;
+    for (SubType s : kAllSubTypes)
+        if (!SamePart(a.lists[Index(s)], b.lists[Index(s)]))
+            changed.add(ListsPart(s));
     if (!SamePart(a.groups, b.groups))
-        changed |= part::kUserGroups;
+        changed.add(Part::UserGroups);
     if (!SamePart(a.templates, b.templates))
-        changed |= part::kTemplates;
+        changed.add(Part::Templates);
     return changed;
 }
 

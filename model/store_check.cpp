@@ -9,8 +9,6 @@ namespace lumeth {
 
 namespace {
 
-constexpr size_t kNameWidth = 16;
-constexpr size_t kLabelWidth = 8;
 constexpr const char* kSubTypeKeys[4] = {"input", "output", "opto", "relay"};
 
 std::string Index(const std::string& path, int i) {
@@ -86,10 +84,10 @@ private:
     }
 
     void UserGroups() {
-        for (int i = 0; i < Valid(m_store.userGroupCount); ++i) {
+        for (int i = 0; i < Valid(m_store.groups.userGroupCount); ++i) {
             const std::string path = Index("user_groups", i);
-            const UserGroup& group = At(m_store.userGroups, i);
-            Name(path + ".name", At(m_store.userGroupNames, i), kNameWidth, "name");
+            const UserGroup& group = At(m_store.groups.userGroups, i);
+            Name(path + ".name", At(m_store.groups.userGroupNames, i), kNameWidth, "name");
             if (group.listCount <= 0)
                 Warn(path, "user group is empty");
             for (int k = 0; k < Valid(group.listCount); ++k) {
@@ -109,10 +107,10 @@ private:
     }
 
     void Templates() {
-        for (int i = 0; i < Valid(m_store.templateCount); ++i) {
+        for (int i = 0; i < Valid(m_store.templates.templateCount); ++i) {
             const std::string path = Index("templates", i);
-            const ButtonTemplate& tmpl = At(m_store.buttonTemplates, i);
-            Name(path + ".name", At(m_store.templateNames, i), kNameWidth, "name");
+            const ButtonTemplate& tmpl = At(m_store.templates.buttonTemplates, i);
+            Name(path + ".name", At(m_store.templates.templateNames, i), kNameWidth, "name");
             for (int k = 0; k < Valid(tmpl.buttonCount); ++k) {
                 const PanelButton& b = At(tmpl.buttons, k);
                 const std::string button = Index(path + ".buttons", k);

@@ -13,8 +13,6 @@ namespace lumeth {
 
 namespace {
 
-constexpr size_t kNameWidth = 16;
-constexpr size_t kLabelWidth = 8;
 
 // A name or label as the server module would hold it.
 std::string Sent(const std::string& text, size_t width) {
@@ -182,7 +180,7 @@ private:
     }
 
     static std::string GroupName(const PanelStore& store, int i) {
-        return "Group " + Quoted(At(store.userGroupNames, i), kNameWidth);
+        return "Group " + Quoted(At(store.groups.userGroupNames, i), kNameWidth);
     }
 
     static std::vector<std::pair<int16_t, int16_t>> Entries(const UserGroup& group) {
@@ -215,12 +213,12 @@ private:
     }
 
     void UserGroups() {
-        const int before = Valid(m_before.userGroupCount);
-        const int after = Valid(m_after.userGroupCount);
+        const int before = Valid(m_before.groups.userGroupCount);
+        const int after = Valid(m_after.groups.userGroupCount);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
-                    Count(static_cast<int>(Entries(At(m_after.userGroups, i)).size()), "list") +
+                    Count(static_cast<int>(Entries(At(m_after.groups.userGroups, i)).size()), "list") +
                     ")");
                 continue;
             }
@@ -228,14 +226,14 @@ private:
                 Add(GroupName(m_before, i) + " removed");
                 continue;
             }
-            if (Sent(At(m_before.userGroupNames, i), kNameWidth) !=
-                Sent(At(m_after.userGroupNames, i), kNameWidth))
+            if (Sent(At(m_before.groups.userGroupNames, i), kNameWidth) !=
+                Sent(At(m_after.groups.userGroupNames, i), kNameWidth))
                 Add(GroupName(m_before, i) + " renamed to " +
-                    Quoted(At(m_after.userGroupNames, i), kNameWidth));
+                    Quoted(At(m_after.groups.userGroupNames, i), kNameWidth));
             // Entries pair as channels do: a list named twice counts twice, and
             // the panel shows a group's lists in its entry order.
-            const auto was = Numbered(Entries(At(m_before.userGroups, i)));
-            const auto now = Numbered(Entries(At(m_after.userGroups, i)));
+            const auto was = Numbered(Entries(At(m_before.groups.userGroups, i)));
+            const auto now = Numbered(Entries(At(m_after.groups.userGroups, i)));
             std::map<NumberedEntry, int> wasAt;
             for (size_t k = 0; k < was.size(); ++k)
                 wasAt.emplace(was[k], static_cast<int>(k));
@@ -261,7 +259,7 @@ private:
     }
 
     static std::string TemplateName(const PanelStore& store, int i) {
-        return "Template " + Quoted(At(store.templateNames, i), kNameWidth);
+        return "Template " + Quoted(At(store.templates.templateNames, i), kNameWidth);
     }
 
     std::string ButtonChannel(std::optional<SubType> s, int channel) const {
@@ -293,8 +291,8 @@ private:
     }
 
     void Templates() {
-        const int before = Valid(m_before.templateCount);
-        const int after = Valid(m_after.templateCount);
+        const int before = Valid(m_before.templates.templateCount);
+        const int after = Valid(m_after.templates.templateCount);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(TemplateName(m_after, i) + " added");
@@ -304,12 +302,12 @@ private:
                 Add(TemplateName(m_before, i) + " removed");
                 continue;
             }
-            if (Sent(At(m_before.templateNames, i), kNameWidth) !=
-                Sent(At(m_after.templateNames, i), kNameWidth))
+            if (Sent(At(m_before.templates.templateNames, i), kNameWidth) !=
+                Sent(At(m_after.templates.templateNames, i), kNameWidth))
                 Add(TemplateName(m_before, i) + " renamed to " +
-                    Quoted(At(m_after.templateNames, i), kNameWidth));
-            const ButtonTemplate& was = m_before.buttonTemplates.at(static_cast<size_t>(i));
-            const ButtonTemplate& now = m_after.buttonTemplates.at(static_cast<size_t>(i));
+                    Quoted(At(m_after.templates.templateNames, i), kNameWidth));
+            const ButtonTemplate& was = m_before.templates.buttonTemplates.at(static_cast<size_t>(i));
+            const ButtonTemplate& now = m_after.templates.buttonTemplates.at(static_cast<size_t>(i));
             const std::string name = TemplateName(m_after, i);
             if (was.number != now.number)
                 Add(name + ": number " + std::to_string(was.number) + " changed to " +

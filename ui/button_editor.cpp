@@ -412,16 +412,16 @@ void ButtonEditor::LoadTypeCombo() {
 }
 
 PanelButton& ButtonEditor::CurrentButtonRecord() {
-    return m_store.buttonTemplates.at(static_cast<size_t>(m_current))
+    return m_store.templates.buttonTemplates.at(static_cast<size_t>(m_current))
         .buttons.at(static_cast<size_t>(m_offset + m_button));
 }
 
 void ButtonEditor::DisplayCurrentTemplate() {
     // The window always shows a template.
-    if (m_store.templateCount <= 0)
+    if (m_store.templates.templateCount <= 0)
         m_current = AddButtonTemplate(m_store);
     // The store may have changed since the window was last open.
-    m_current = std::clamp(m_current, 0, m_store.templateCount - 1);
+    m_current = std::clamp(m_current, 0, m_store.templates.templateCount - 1);
     if (!FillButtonTemplate(m_store, m_current))
         throw std::out_of_range("template " + std::to_string(m_current) + " is missing");
 
@@ -436,12 +436,12 @@ void ButtonEditor::DisplayCurrentTemplate() {
             unnamed = status;
         SetFaceText(m_buttons[p], ToQt(label));
         const PanelButton& button =
-            m_store.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
+            m_store.templates.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
         m_typeLabels[p]->setText(ToQt(ButtonFunctionOf(button.type).shortLabel));
         m_buttonLabels[p]->setText(QStringLiteral("Btn %1").arg(b + 1));
     }
     m_templateNumber->setText(TwoDigits(m_current + 1));
-    m_templateName->setText(ToQt(m_store.templateNames.at(static_cast<size_t>(m_current))));
+    m_templateName->setText(ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
     m_templateName->setCursorPosition(0);
     DisplayCurrentButton();
     if (!unnamed)
@@ -553,7 +553,7 @@ void ButtonEditor::CaptionOptionChosen(int option) {
 
 void ButtonEditor::Navigate(int index) {
     Guarded("Error Changing Templates", [this, index] {
-        const int count = m_store.templateCount;
+        const int count = m_store.templates.templateCount;
         int& current = m_current;
         switch (index) {
         case 0:
@@ -642,7 +642,7 @@ void ButtonEditor::StoreCaption() {
 
 void ButtonEditor::StoreTemplateName() {
     Guarded("Error Changing Templates", [this] {
-        m_store.templateNames.at(static_cast<size_t>(m_current)) = FromQt(m_templateName->text());
+        m_store.templates.templateNames.at(static_cast<size_t>(m_current)) = FromQt(m_templateName->text());
     });
 }
 
@@ -667,7 +667,7 @@ bool ButtonEditor::TemplateNameKey(QKeyEvent* key) {
     }
     if (key->key() == Qt::Key_Escape) {
         Guarded("Error Changing Templates", [this] {
-            m_templateName->setText(ToQt(m_store.templateNames.at(static_cast<size_t>(m_current))));
+            m_templateName->setText(ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
         });
         return true;
     }
@@ -677,7 +677,7 @@ bool ButtonEditor::TemplateNameKey(QKeyEvent* key) {
 bool ButtonEditor::TemplateNumberKey(QKeyEvent* key) {
     if (IsEnter(key)) {
         const int n = LeadingNumber(m_templateNumber->text().toStdString());
-        if (n >= 1 && n <= m_store.templateCount) {
+        if (n >= 1 && n <= m_store.templates.templateCount) {
             m_current = n - 1;
             Guarded("Error Changing Templates", [this] { DisplayCurrentTemplate(); });
         } else {

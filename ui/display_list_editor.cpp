@@ -329,7 +329,7 @@ void DisplayListEditor::Open() {
         m_listType = m_store.editorListType;
         if (m_listType == kUserGroupListType) {
             m_currentIndex = m_store.currentUserGroup;
-            m_itemCount = m_store.userGroupCount;
+            m_itemCount = m_store.groups.userGroupCount;
             if (QRadioButton* button =
                     m_subTypeButtons.at(static_cast<size_t>(ListSubType(m_store.currentListType))))
                 button->setChecked(true);
@@ -385,8 +385,8 @@ void DisplayListEditor::UpdateDisplayLists() {
 
 void DisplayListEditor::LoadWorkingCopy() {
     if (m_listType == kUserGroupListType) {
-        m_groups = m_store.userGroups;
-        m_groupNames = m_store.userGroupNames;
+        m_groups = m_store.groups.userGroups;
+        m_groupNames = m_store.groups.userGroupNames;
         m_lists.clear();
     } else {
         m_lists = m_store.lists(ListSubType(m_listType));
@@ -503,10 +503,10 @@ void DisplayListEditor::CommitEditedList() {
         // entries of the other sub types stay where they were.
         UserGroup& group = m_groups.at(at);
         ReplaceGroupEntries(group, m_store.currentListType, numbers);
-        m_storeChanged = m_storeChanged || !SameGroup(group, m_store.userGroups.at(at)) ||
-                         m_groupNames.at(at) != m_store.userGroupNames.at(at);
-        m_store.userGroups = m_groups;
-        m_store.userGroupNames = m_groupNames;
+        m_storeChanged = m_storeChanged || !SameGroup(group, m_store.groups.userGroups.at(at)) ||
+                         m_groupNames.at(at) != m_store.groups.userGroupNames.at(at);
+        m_store.groups.userGroups = m_groups;
+        m_store.groups.userGroupNames = m_groupNames;
     } else {
         DisplayList& list = m_lists.at(at);
         list.channelCount = static_cast<int16_t>(numbers.size());

@@ -65,10 +65,10 @@ DuplicateTemplateDialog::DuplicateTemplateDialog(PanelStore& store, ErrorReporte
 void DuplicateTemplateDialog::LoadTemplateLists() {
     try {
         QStringList names;
-        const int count = std::max<int>(m_store.templateCount, 0);
+        const int count = std::max<int>(m_store.templates.templateCount, 0);
         names.reserve(count + 1);
         for (int t = 0; t < count; ++t)
-            names << ToQt(m_store.templateNames.at(static_cast<size_t>(t)));
+            names << ToQt(m_store.templates.templateNames.at(static_cast<size_t>(t)));
         // Each list is one model set in one step, so no selection handler
         // sees a half-filled list.
         m_models[0]->setStringList(names);

@@ -82,7 +82,7 @@ QByteArray RenderLabelSheet(const PanelStore& store) {
     const double keyWidth = (width - gap * (kKeysPerRow - 1)) / kKeysPerRow;
     const double keyHeight = Mm(34);
 
-    const int count = std::max<int>(store.templateCount, 0);
+    const int count = std::max<int>(store.templates.templateCount, 0);
     for (int t = 0; t < count; ++t) {
         if (t > 0)
             writer.newPage();

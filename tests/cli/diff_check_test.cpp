@@ -31,7 +31,7 @@ protected:
         return Path(name);
     }
     std::string DemoGroup() const {
-        std::string name = cp1252::ToUtf8(m_demo.userGroupNames[0]);
+        std::string name = cp1252::ToUtf8(m_demo.groups.userGroupNames[0]);
         return name.erase(name.find_last_not_of(' ') + 1);
     }
     PanelStore m_demo;
@@ -40,7 +40,7 @@ protected:
 TEST_F(DiffCheck, DiffExitsLikeDiff) {
     const QString same = Edited("same.json", [](PanelStore&) {});
     const QString renamed =
-        Edited("renamed.json", [](PanelStore& s) { s.userGroupNames[0] = "Renamed"; });
+        Edited("renamed.json", [](PanelStore& s) { s.groups.userGroupNames[0] = "Renamed"; });
     const struct {
         QStringList args;
         int exitCode;
@@ -61,10 +61,10 @@ TEST_F(DiffCheck, DiffExitsLikeDiff) {
 
 TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
     const QString warned =
-        Edited("warned.json", [](PanelStore& s) { s.userGroups[0].listCount = 0; });
+        Edited("warned.json", [](PanelStore& s) { s.groups.userGroups[0].listCount = 0; });
     const QString failed = Edited("failed.json", [](PanelStore& s) {
-        s.userGroups[0].listTypes[0] = 11;
-        s.userGroups[0].listIndexes[0] = 99;
+        s.groups.userGroups[0].listTypes[0] = 11;
+        s.groups.userGroups[0].listIndexes[0] = 99;
     });
     const std::string inputLists = std::to_string(m_demo.listCount(SubType::Input));
     const struct {

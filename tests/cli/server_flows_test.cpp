@@ -40,15 +40,15 @@ PanelStore ServerConfiguration() {
     store.lists(SubType::Input)[0] = DisplayList{2, "Studio", {0, 2}};
     store.listCount(SubType::Output) = 1;
     store.lists(SubType::Output)[0] = DisplayList{1, "Programme", {1}};
-    store.userGroupCount = 1;
-    store.userGroupNames[0] = "News";
-    store.userGroups[0] = UserGroup{1, {0}, {11}};
-    store.templateCount = 1;
-    store.templateNames[0] = "Desk";
+    store.groups.userGroupCount = 1;
+    store.groups.userGroupNames[0] = "News";
+    store.groups.userGroups[0] = UserGroup{1, {0}, {11}};
+    store.templates.templateCount = 1;
+    store.templates.templateNames[0] = "Desk";
     PanelButton button = PanelButton::Cleared();
     button.type = 40;
     button.channel = 2;
-    store.buttonTemplates[0] = ButtonTemplate{1, 1, {button}};
+    store.templates.buttonTemplates[0] = ButtonTemplate{1, 1, {button}};
     return store;
 }
 
@@ -189,7 +189,7 @@ private:
             }
             if (spoil == Spoil::DamagedRepeat) {
                 PanelStore other = ServerConfiguration();
-                for (std::string& name : other.userGroupNames) {
+                for (std::string& name : other.groups.userGroupNames) {
                     name = "Wrong";
                 }
                 std::string damaged = codec::GroupMessage(other);
@@ -261,10 +261,10 @@ TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
     ASSERT_EQ(fetched.lists(SubType::Input)[0].channelCount, 2);
     EXPECT_EQ(fetched.lists(SubType::Input)[0].channels[1], 2);
     EXPECT_EQ(fetched.listCount(SubType::Output), 1);
-    ASSERT_EQ(fetched.userGroupCount, 1);
-    EXPECT_EQ(fetched.userGroupNames[0].substr(0, 4), "News");
-    ASSERT_EQ(fetched.templateCount, 1);
-    EXPECT_EQ(fetched.buttonTemplates[0].buttons[0].type, 40);
+    ASSERT_EQ(fetched.groups.userGroupCount, 1);
+    EXPECT_EQ(fetched.groups.userGroupNames[0].substr(0, 4), "News");
+    ASSERT_EQ(fetched.templates.templateCount, 1);
+    EXPECT_EQ(fetched.templates.buttonTemplates[0].buttons[0].type, 40);
 
     EXPECT_NE(result.out.find("out.json"), std::string::npos);
     EXPECT_EQ(result.out.find("studio"), std::string::npos);

@@ -23,12 +23,12 @@ PanelStore SmallStore() {
     s.lists(SubType::Input)[0] = DisplayList{2, "Mics            ", {0, 4}};
     s.listCount(SubType::Output) = 0;
     s.lists(SubType::Relay)[0] = DisplayList{1, "Lights", {16383}};
-    s.userGroupNames[0] = "Studio A";
-    s.userGroups[0] = UserGroup{2, {0, 0}, {11, 41}};
-    s.templateNames[0] = "Desk";
-    s.buttonTemplates[0].number = 3;
-    s.buttonTemplates[0].buttonCount = 1;
-    s.buttonTemplates[0].buttons[0] = PanelButton{1010, 1, "ON AIR", 2, 7};
+    s.groups.userGroupNames[0] = "Studio A";
+    s.groups.userGroups[0] = UserGroup{2, {0, 0}, {11, 41}};
+    s.templates.templateNames[0] = "Desk";
+    s.templates.buttonTemplates[0].number = 3;
+    s.templates.buttonTemplates[0].buttonCount = 1;
+    s.templates.buttonTemplates[0].buttons[0] = PanelButton{1010, 1, "ON AIR", 2, 7};
     return s;
 }
 
@@ -126,11 +126,11 @@ TEST(JsonDocument, MissingSectionsMeanEmptyAndPairsArePositions) {
         EXPECT_EQ(s.listCount(t), 0);
         EXPECT_EQ(s.lists(t).size(), 1u);
     }
-    EXPECT_EQ(s.userGroupIndex, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.userGroupNumber, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.templateIndex, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.templatePosition, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.buttonTemplates[1].buttons.size(), 1u);
+    EXPECT_EQ(s.groups.userGroupIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.groups.userGroupNumber, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templates.templateIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templates.templatePosition, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templates.buttonTemplates[1].buttons.size(), 1u);
 }
 
 // Characters are counted after mapping to Windows-1252: 16 two-byte
@@ -145,8 +145,8 @@ TEST(JsonDocument, NamesMapThroughWindows1252) {
     in["templates"][0]["name"] = "\u65E5\u00FF";
     PanelStore back;
     ASSERT_TRUE(ReadJsonDocument(in.dump(), back).status.ok());
-    EXPECT_EQ(back.userGroupNames[0], std::string(16, '\xE9'));
-    EXPECT_EQ(back.templateNames[0], "?\xFF");
+    EXPECT_EQ(back.groups.userGroupNames[0], std::string(16, '\xE9'));
+    EXPECT_EQ(back.templates.templateNames[0], "?\xFF");
 }
 
 // Reading must fail with exactly this message and leave the store untouched.
@@ -232,10 +232,10 @@ TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
     PanelStore s;
     s.ResetToDefaults();
     s.lists(SubType::Opto)[0] = DisplayList{3, "T\"\\\x01\n \x81\x9D\xFF      ", {0, 16383, 9}};
-    s.userGroups[0] = UserGroup{1, {-1}, {99}};
-    s.buttonTemplates[0].number = -7;
-    s.buttonTemplates[0].buttonCount = 2;
-    s.buttonTemplates[0].buttons = {PanelButton{-5, 2, "\x80uro    ", 16383, 0},
+    s.groups.userGroups[0] = UserGroup{1, {-1}, {99}};
+    s.templates.buttonTemplates[0].number = -7;
+    s.templates.buttonTemplates[0].buttonCount = 2;
+    s.templates.buttonTemplates[0].buttons = {PanelButton{-5, 2, "\x80uro    ", 16383, 0},
                                     PanelButton::Cleared()};
     const std::string file = EncodePanelData(s);
 

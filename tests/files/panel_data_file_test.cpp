@@ -123,8 +123,8 @@ void ExpectDefaultNames(const PanelStore& s) {
     EXPECT_EQ(s.lists(SubType::Output)[0].name, "First Out List");
     EXPECT_EQ(s.lists(SubType::Opto)[0].name, "First Opto List");
     EXPECT_EQ(s.lists(SubType::Relay)[0].name, "First Relay List");
-    EXPECT_EQ(s.userGroupNames[0], "No Users");
-    EXPECT_EQ(s.templateNames[0], "None");
+    EXPECT_EQ(s.groups.userGroupNames[0], "No Users");
+    EXPECT_EQ(s.templates.templateNames[0], "None");
 }
 
 TEST(PanelDataFile, Version3GoldenLoadsAndEncodesByteExactly) {
@@ -140,18 +140,18 @@ TEST(PanelDataFile, Version3GoldenLoadsAndEncodesByteExactly) {
     EXPECT_EQ(store.lists(SubType::Input)[1].channels.size(), 1u);
     EXPECT_EQ(store.listCount(SubType::Opto), 0);
     EXPECT_EQ(store.lists(SubType::Relay)[0].name, "Lights and Locks");
-    ASSERT_EQ(store.userGroupCount, 2);
-    EXPECT_EQ(store.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
-    EXPECT_EQ(store.userGroupIndex, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(store.userGroupNumber, (std::vector<int16_t>{0, 1}));
-    ASSERT_EQ(store.templateCount, 2);
-    EXPECT_EQ(store.buttonTemplates[1].number, -2);
-    const PanelButton& b0 = store.buttonTemplates[0].buttons[0];
+    ASSERT_EQ(store.groups.userGroupCount, 2);
+    EXPECT_EQ(store.groups.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
+    EXPECT_EQ(store.groups.userGroupIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(store.groups.userGroupNumber, (std::vector<int16_t>{0, 1}));
+    ASSERT_EQ(store.templates.templateCount, 2);
+    EXPECT_EQ(store.templates.buttonTemplates[1].number, -2);
+    const PanelButton& b0 = store.templates.buttonTemplates[0].buttons[0];
     EXPECT_EQ(b0.label, "CD ONE  ");
     EXPECT_EQ(b0.captionOption, 1);
-    EXPECT_EQ(store.buttonTemplates[0].buttons[1].channel2, 9);
+    EXPECT_EQ(store.templates.buttonTemplates[0].buttons[1].channel2, 9);
     // Loading sets the group pair but leaves the template pair as the reset left it.
-    EXPECT_EQ(store.templateIndex.size(), 1u);
+    EXPECT_EQ(store.templates.templateIndex.size(), 1u);
 
     EXPECT_EQ(EncodePanelData(store), g.bytes());
 }
@@ -189,14 +189,14 @@ TEST(PanelDataFile, OlderVersionsFollowTheirLayout) {
         ASSERT_EQ(r.outcome, LoadOutcome::Loaded) << r.status.failure().detail;
         EXPECT_EQ(r.version, version);
         EXPECT_EQ(store.lists(SubType::Output)[0].channels, (std::vector<int16_t>{0, 1}));
-        EXPECT_EQ(store.userGroups[0].listTypes[0], 21);
+        EXPECT_EQ(store.groups.userGroups[0].listTypes[0], 21);
         // Opto and Relay keep their default single list.
         EXPECT_EQ(store.listCount(SubType::Opto), 1);
         EXPECT_EQ(store.lists(SubType::Relay)[0].name, "First Relay List");
-        const PanelButton& b = store.buttonTemplates[0].buttons[0];
+        const PanelButton& b = store.templates.buttonTemplates[0].buttons[0];
         EXPECT_EQ(b.channel, 6);
         EXPECT_EQ(b.label, "TALK    ");
-        EXPECT_EQ(store.buttonTemplates[0].number, version > 1 ? 12 : 0);
+        EXPECT_EQ(store.templates.buttonTemplates[0].number, version > 1 ? 12 : 0);
         EXPECT_EQ(b.captionOption, version > 1 ? 1 : 0);
     }
 }
@@ -206,11 +206,11 @@ TEST(PanelDataFile, NamesAndLabelsAreCutOrPaddedToTheirWidth) {
     store.ResetToDefaults();
     store.lists(SubType::Input)[0].name = "ABCDEFGHIJKLMNOPQRST"; // 20 characters
     store.lists(SubType::Output)[0].name = "Abc";
-    store.templateNames[0] = "";
-    store.buttonTemplates[0].buttonCount = 2;
-    store.buttonTemplates[0].buttons = {PanelButton::Cleared(), PanelButton::Cleared()};
-    store.buttonTemplates[0].buttons[0].label = "0123456789";
-    store.buttonTemplates[0].buttons[1].label = "ab";
+    store.templates.templateNames[0] = "";
+    store.templates.buttonTemplates[0].buttonCount = 2;
+    store.templates.buttonTemplates[0].buttons = {PanelButton::Cleared(), PanelButton::Cleared()};
+    store.templates.buttonTemplates[0].buttons[0].label = "0123456789";
+    store.templates.buttonTemplates[0].buttons[1].label = "ab";
 
     const std::string bytes = EncodePanelData(store);
     // Header (8 bytes), Input count (2), then the name and the channel count.
@@ -220,9 +220,9 @@ TEST(PanelDataFile, NamesAndLabelsAreCutOrPaddedToTheirWidth) {
     ASSERT_EQ(LoadPanelData(bytes, back).outcome, LoadOutcome::Loaded);
     EXPECT_EQ(back.lists(SubType::Input)[0].name, "ABCDEFGHIJKLMNOP");
     EXPECT_EQ(back.lists(SubType::Output)[0].name, "Abc" + std::string(13, ' '));
-    EXPECT_EQ(back.templateNames[0], std::string(16, ' '));
-    EXPECT_EQ(back.buttonTemplates[0].buttons[0].label, "01234567");
-    EXPECT_EQ(back.buttonTemplates[0].buttons[1].label, "ab      ");
+    EXPECT_EQ(back.templates.templateNames[0], std::string(16, ' '));
+    EXPECT_EQ(back.templates.buttonTemplates[0].buttons[0].label, "01234567");
+    EXPECT_EQ(back.templates.buttonTemplates[0].buttons[1].label, "ab      ");
 }
 
 TEST(PanelDataFile, ZeroCountsWriteNoRecordsAndLoadAsOneSpareEntry) {
@@ -231,8 +231,8 @@ TEST(PanelDataFile, ZeroCountsWriteNoRecordsAndLoadAsOneSpareEntry) {
     for (SubType s : kAllSubTypes) {
         store.listCount(s) = 0;
     }
-    store.userGroupCount = 0;
-    store.templateCount = 0;
+    store.groups.userGroupCount = 0;
+    store.templates.templateCount = 0;
     const std::string expected = Golden().I16s({140, 16383, 3, 0, 0, 0, 0, 0, 0, 0}).bytes();
     ASSERT_EQ(EncodePanelData(store), expected);
 
@@ -240,10 +240,10 @@ TEST(PanelDataFile, ZeroCountsWriteNoRecordsAndLoadAsOneSpareEntry) {
     ASSERT_EQ(LoadPanelData(expected, back).outcome, LoadOutcome::Loaded);
     EXPECT_EQ(back.listCount(SubType::Relay), 0);
     EXPECT_EQ(back.lists(SubType::Relay).size(), 1u);
-    EXPECT_EQ(back.userGroupCount, 0);
-    EXPECT_EQ(back.userGroupIndex.size(), 1u);
-    EXPECT_EQ(back.templateCount, 0);
-    EXPECT_EQ(back.buttonTemplates.size(), 1u);
+    EXPECT_EQ(back.groups.userGroupCount, 0);
+    EXPECT_EQ(back.groups.userGroupIndex.size(), 1u);
+    EXPECT_EQ(back.templates.templateCount, 0);
+    EXPECT_EQ(back.templates.buttonTemplates.size(), 1u);
 }
 
 TEST(PanelDataFile, WrongMarkerLeavesTheDefaults) {
@@ -256,7 +256,7 @@ TEST(PanelDataFile, WrongMarkerLeavesTheDefaults) {
     EXPECT_NE(r.status.failure().detail.find(std::to_string(int16_t(0x8C00))), std::string::npos);
     EXPECT_NE(r.status.failure().detail.find("140"), std::string::npos);
     EXPECT_EQ(store.listCount(SubType::Input), 1);
-    EXPECT_EQ(store.templateCount, 1);
+    EXPECT_EQ(store.templates.templateCount, 1);
     ExpectDefaultNames(store);
     EXPECT_EQ(LoadPanelData("", store).outcome, LoadOutcome::NotPanelData);
     EXPECT_EQ(LoadPanelData(std::string(1, '\x8C'), store).outcome, LoadOutcome::NotPanelData);
@@ -283,10 +283,10 @@ TEST(PanelDataFile, FailedLoadKeepsWhatWasReadOnTopOfTheDefaults) {
     ASSERT_EQ(LoadPanelData(std::string_view(g.bytes()).substr(0, cut), store).outcome,
               LoadOutcome::Failed);
     EXPECT_EQ(store.listCount(SubType::Input), 2);
-    EXPECT_EQ(store.userGroupCount, 2);
-    EXPECT_EQ(store.userGroups[0].listCount, 2);
-    EXPECT_EQ(store.userGroupIndex.size(), 2u);
-    EXPECT_EQ(store.templateNames, std::vector<std::string>{"None"}); // never reached
+    EXPECT_EQ(store.groups.userGroupCount, 2);
+    EXPECT_EQ(store.groups.userGroups[0].listCount, 2);
+    EXPECT_EQ(store.groups.userGroupIndex.size(), 2u);
+    EXPECT_EQ(store.templates.templateNames, std::vector<std::string>{"None"}); // never reached
 }
 
 // A negative count is kept as read: one spare entry, no records, and loading
@@ -309,16 +309,16 @@ TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
     EXPECT_EQ(store.lists(SubType::Output)[0].name, Pad("Outs", 16));
     EXPECT_EQ(store.lists(SubType::Output)[0].channelCount, -32768);
     EXPECT_EQ(store.lists(SubType::Output)[0].channels.size(), 1u);
-    EXPECT_EQ(store.userGroupCount, -2);
-    EXPECT_EQ(store.userGroups.size(), 1u);
-    EXPECT_EQ(store.templateNames[0], Pad("T", 16));
-    EXPECT_EQ(store.buttonTemplates[0].number, 7);
-    EXPECT_EQ(store.buttonTemplates[0].buttonCount, -5);
+    EXPECT_EQ(store.groups.userGroupCount, -2);
+    EXPECT_EQ(store.groups.userGroups.size(), 1u);
+    EXPECT_EQ(store.templates.templateNames[0], Pad("T", 16));
+    EXPECT_EQ(store.templates.buttonTemplates[0].number, 7);
+    EXPECT_EQ(store.templates.buttonTemplates[0].buttonCount, -5);
     // Saved again, a negative count is written as 0.
     PanelStore again;
     ASSERT_EQ(LoadPanelData(EncodePanelData(store), again).outcome, LoadOutcome::Loaded);
     EXPECT_EQ(again.listCount(SubType::Input), 0);
-    EXPECT_EQ(again.userGroupCount, 0);
+    EXPECT_EQ(again.groups.userGroupCount, 0);
 
     // The header text length is no count: a negative one cannot be skipped.
     EXPECT_EQ(LoadPanelData(Golden().I16s({140, -3}).bytes(), store).outcome, LoadOutcome::Failed);
@@ -371,9 +371,9 @@ TEST(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouchedAFolderResetsIt) {
     test::TempFolder dir;
     PanelStore store;
     store.ResetToDefaults();
-    store.userGroupNames[0] = "Mine";
+    store.groups.userGroupNames[0] = "Mine";
     EXPECT_EQ(LoadPanelDataFile(dir.file("absent.dat"), store).outcome, LoadOutcome::NoFile);
-    EXPECT_EQ(store.userGroupNames[0], "Mine");
+    EXPECT_EQ(store.groups.userGroupNames[0], "Mine");
 
     EXPECT_EQ(LoadPanelDataFile(dir.path(), store).outcome, LoadOutcome::Failed);
     ExpectDefaultNames(store);

@@ -124,14 +124,14 @@ private:
         QTRY_VERIFY(m_window->isEnabled());
         QVERIFY(!Login()->isVisible());
         QTRY_VERIFY(!m_window->link().AnyPending() &&
-                    Groups()->topLevelItemCount() == Demo().userGroupCount);
+                    Groups()->topLevelItemCount() == Demo().groups.userGroupCount);
     }
 
     void CheckGroupsShown() {
-        QCOMPARE(Groups()->topLevelItemCount(), Demo().userGroupCount);
-        for (int i = 0; i < Demo().userGroupCount; ++i) {
+        QCOMPARE(Groups()->topLevelItemCount(), Demo().groups.userGroupCount);
+        for (int i = 0; i < Demo().groups.userGroupCount; ++i) {
             QCOMPARE(Groups()->topLevelItem(i)->text(0).trimmed(),
-                     Trimmed(Demo().userGroupNames[static_cast<size_t>(i)]));
+                     Trimmed(Demo().groups.userGroupNames[static_cast<size_t>(i)]));
         }
     }
 
@@ -248,11 +248,11 @@ private slots:
         LogIn();
         // A group with lists: its sub type follows its content.
         int g = 0;
-        while (g < Demo().userGroupCount &&
-               Demo().userGroups[static_cast<size_t>(g)].listCount == 0)
+        while (g < Demo().groups.userGroupCount &&
+               Demo().groups.userGroups[static_cast<size_t>(g)].listCount == 0)
             ++g;
-        QVERIFY(g < Demo().userGroupCount);
-        const UserGroup& group = Demo().userGroups[static_cast<size_t>(g)];
+        QVERIFY(g < Demo().groups.userGroupCount);
+        const UserGroup& group = Demo().groups.userGroups[static_cast<size_t>(g)];
         ClickItem(Groups(), g);
         QCOMPARE(m_window->store().currentUserGroup, int16_t(g));
         QCOMPARE(m_window->store().editorListType, kUserGroupListType);
@@ -305,8 +305,8 @@ private slots:
 
         // Lose the groups locally, then load them back from the file.
         PanelStore& store = m_window->store();
-        store.userGroupCount = 1;
-        store.userGroupNames[0] = "Scratch";
+        store.groups.userGroupCount = 1;
+        store.groups.userGroupNames[0] = "Scratch";
         m_window->views().DisplayUserGroups();
         QCOMPARE(Groups()->topLevelItemCount(), 1);
 
@@ -317,10 +317,10 @@ private slots:
         QCOMPARE(Progress(), QString("Unapplied changes"));
 
         // A name that does not exist loads nothing and changes nothing.
-        store.userGroupNames[0] = "Kept";
+        store.groups.userGroupNames[0] = "Kept";
         FileDialog::setNextFileName(Folder() + "missing.dat");
         loadAll->trigger();
-        QCOMPARE(store.userGroupNames[0], std::string("Kept"));
+        QCOMPARE(store.groups.userGroupNames[0], std::string("Kept"));
     }
 
     void applySendsTheEditsToTheEmulatorAndCancelFetchesAgain() {
@@ -328,21 +328,21 @@ private slots:
         LogIn();
         PanelStore& store = m_window->store();
         store.lists(SubType::Input)[0].name = "Renamed On Air";
-        store.userGroupNames[0] = "Morning Show";
+        store.groups.userGroupNames[0] = "Morning Show";
         m_window->setUnappliedChanges(true);
         QCOMPARE(Progress(), QString("Unapplied changes"));
 
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
         QTRY_COMPARE(Trimmed(m_sim.state.store().lists(SubType::Input)[0].name),
                      QString("Renamed On Air"));
-        QTRY_COMPARE(Trimmed(m_sim.state.store().userGroupNames[0]), QString("Morning Show"));
+        QTRY_COMPARE(Trimmed(m_sim.state.store().groups.userGroupNames[0]), QString("Morning Show"));
         QCOMPARE(Progress(), QString());
 
         // Cancel throws local edits away by downloading everything again.
-        store.userGroupNames[0] = "Local Only";
+        store.groups.userGroupNames[0] = "Local Only";
         m_window->setUnappliedChanges(true);
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdCancel"), Qt::LeftButton);
-        QTRY_COMPARE(Trimmed(store.userGroupNames[0]), QString("Morning Show"));
+        QTRY_COMPARE(Trimmed(store.groups.userGroupNames[0]), QString("Morning Show"));
         QTRY_COMPARE(Groups()->topLevelItem(0)->text(0).trimmed(), QString("Morning Show"));
         QCOMPARE(Progress(), QString());
     }

@@ -54,11 +54,11 @@ PanelStore MakeStore(int templates) {
             table.channelNames.push_back(
                 QStringLiteral("%1%2").arg(prefixes[int(s)]).arg(n + 1).toStdString());
     }
-    store.templateCount = static_cast<int16_t>(templates);
-    store.ResizeTemplates(templates);
+    store.templates.templateCount = static_cast<int16_t>(templates);
+    store.templates.Resize(templates);
     for (int t = 0; t < templates; ++t) {
-        store.templateNames[size_t(t)] = QStringLiteral("Template %1").arg(t + 1).toStdString();
-        ButtonTemplate& tpl = store.buttonTemplates[size_t(t)];
+        store.templates.templateNames[size_t(t)] = QStringLiteral("Template %1").arg(t + 1).toStdString();
+        ButtonTemplate& tpl = store.templates.buttonTemplates[size_t(t)];
         tpl.buttonCount = kTemplateButtons;
         tpl.buttons.assign(kTemplateButtons, PanelButton::Cleared());
         for (int b = 0; b < kTemplateButtons; ++b) {
@@ -108,7 +108,7 @@ private:
     QComboBox* Channel(int i) { return Get<QComboBox>(QStringLiteral("cmbChannel_%1").arg(i)); }
     QLineEdit* Number() { return Get<QLineEdit>("txtTemplateNumber"); }
     const ButtonTemplate& Current() {
-        return m_store.buttonTemplates[size_t(m_editor->currentTemplate())];
+        return m_store.templates.buttonTemplates[size_t(m_editor->currentTemplate())];
     }
     const PanelButton& Button(int b) { return Current().buttons[size_t(b)]; }
     // On the option's circle: only the circle and the caption take clicks.
@@ -124,11 +124,11 @@ private slots:
 
     void openingWithNoTemplateAddsOne() {
         PanelStore empty = MakeStore(0);
-        empty.templateCount = 0;
+        empty.templates.templateCount = 0;
         Open(std::move(empty));
         QCOMPARE(m_editor->windowTitle(), QString("Program Buttons"));
-        QCOMPARE(m_store.templateCount, int16_t(1));
-        QCOMPARE(m_store.templateNames[0], std::string("Btn Tmplate 001"));
+        QCOMPARE(m_store.templates.templateCount, int16_t(1));
+        QCOMPARE(m_store.templates.templateNames[0], std::string("Btn Tmplate 001"));
         QCOMPARE(Current().buttonCount, int16_t(32));
         for (int b = 0; b < 32; ++b) {
             QCOMPARE(Button(b).type, int16_t(40));
@@ -141,14 +141,14 @@ private slots:
         QCOMPARE(Number()->text(), QString("01"));
         QCOMPARE(Get<QLineEdit>("txtTemplateName")->text(), QString("Btn Tmplate 001"));
         QCOMPARE(Get<QComboBox>("cmbType")->count(), 16);
-        QCOMPARE(m_store.templateIndex[0], int16_t(0));
+        QCOMPARE(m_store.templates.templateIndex[0], int16_t(0));
     }
 
     void aShortTemplateGrowsTo32WhenShown() {
         PanelStore store = MakeStore(2);
-        store.buttonTemplates[0].buttonCount = 3;
-        store.buttonTemplates[0].buttons.resize(3);
-        store.buttonTemplates[0].buttons[0].channel = 99;      // no such Input channel
+        store.templates.buttonTemplates[0].buttonCount = 3;
+        store.templates.buttonTemplates[0].buttons.resize(3);
+        store.templates.buttonTemplates[0].buttons[0].channel = 99;      // no such Input channel
         store.alpha(SubType::Input).channelNames[1] += "    "; // padded as received
         Open(std::move(store));
         QCOMPARE(m_reported.size(), size_t(1));
@@ -327,27 +327,27 @@ private slots:
         QCOMPARE(name->text(), QString("Studio A Morning"));
         QFocusEvent leave(QEvent::FocusOut); // leaving the box stores it
         QApplication::sendEvent(name, &leave);
-        QCOMPARE(m_store.templateNames[0], std::string("Studio A Morning"));
+        QCOMPARE(m_store.templates.templateNames[0], std::string("Studio A Morning"));
     }
 
     void addAndClear() {
         PanelStore store = MakeStore(5);
-        store.buttonTemplates[4].buttons[6].channel2 = 9;
-        store.buttonTemplates[4].buttons[6].channel = 2;
-        store.buttonTemplates[4].buttons[6].type = 1100;
-        store.buttonTemplates[4].buttons[6].captionOption = 1;
+        store.templates.buttonTemplates[4].buttons[6].channel2 = 9;
+        store.templates.buttonTemplates[4].buttons[6].channel = 2;
+        store.templates.buttonTemplates[4].buttons[6].type = 1100;
+        store.templates.buttonTemplates[4].buttons[6].captionOption = 1;
         Open(std::move(store));
         Click("CmdAdd");
-        QCOMPARE(m_store.templateCount, int16_t(6));
+        QCOMPARE(m_store.templates.templateCount, int16_t(6));
         QCOMPARE(m_editor->currentTemplate(), 5);
-        QCOMPARE(m_store.templateNames[5], std::string("Btn Tmplate 006"));
-        QCOMPARE(m_store.templatePosition[5], int16_t(5));
+        QCOMPARE(m_store.templates.templateNames[5], std::string("Btn Tmplate 006"));
+        QCOMPARE(m_store.templates.templatePosition[5], int16_t(5));
         QCOMPARE(Button(31).label, std::string("Button 31"));
         QCOMPARE(Number()->text(), QString("06"));
 
         Click("cmdNav_2");
         Click("cmdClear");
-        QCOMPARE(m_store.templateNames[4], std::string("Unused 05"));
+        QCOMPARE(m_store.templates.templateNames[4], std::string("Unused 05"));
         QCOMPARE(Button(6).type, int16_t(1100));
         QCOMPARE(Button(6).channel2, int16_t(9));
         QCOMPARE(Button(6).channel, kNoChannel);
@@ -359,8 +359,8 @@ private slots:
 
     void duplicateOntoNewAndExistingTemplates() {
         PanelStore store = MakeStore(10);
-        store.buttonTemplates[3].buttons[15].captionOption = 1;
-        store.buttonTemplates[3].buttons[15].channel2 = 4;
+        store.templates.buttonTemplates[3].buttons[15].captionOption = 1;
+        store.templates.buttonTemplates[3].buttons[15].channel2 = 4;
         Open(std::move(store));
         const PanelStore before = m_store;
         DuplicateTemplateDialog dialog(m_store, Recorder(), m_editor.get());
@@ -373,13 +373,13 @@ private slots:
         from->setCurrentIndex(3);
         to->setCurrentIndex(10);
         QTest::mouseClick(Child<QPushButton>(&dialog, "cmdCopy"), Qt::LeftButton);
-        QCOMPARE(m_store.templateCount, int16_t(11));
-        QCOMPARE(m_store.templateNames[10], before.templateNames[3]);
-        QCOMPARE(m_store.templateIndex[10], int16_t(10));
-        const ButtonTemplate& copy = m_store.buttonTemplates[10];
+        QCOMPARE(m_store.templates.templateCount, int16_t(11));
+        QCOMPARE(m_store.templates.templateNames[10], before.templates.templateNames[3]);
+        QCOMPARE(m_store.templates.templateIndex[10], int16_t(10));
+        const ButtonTemplate& copy = m_store.templates.buttonTemplates[10];
         QCOMPARE(copy.buttonCount, int16_t(16));
         for (int b = 0; b < 16; ++b) {
-            const PanelButton& want = before.buttonTemplates[3].buttons[size_t(b)];
+            const PanelButton& want = before.templates.buttonTemplates[3].buttons[size_t(b)];
             const PanelButton& got = copy.buttons[size_t(b)];
             QVERIFY(got.type == want.type && got.captionOption == want.captionOption &&
                     got.label == want.label && got.channel == want.channel &&
@@ -393,9 +393,9 @@ private slots:
         from->setCurrentIndex(3);
         to->setCurrentIndex(5);
         QTest::mouseClick(Child<QPushButton>(&dialog, "cmdCopy"), Qt::LeftButton);
-        QCOMPARE(m_store.templateNames[5], before.templateNames[3]);
-        QCOMPARE(m_store.buttonTemplates[5].buttons[0].channel, int16_t(5));
-        QCOMPARE(to->itemText(5), ToQt(before.templateNames[3]));
+        QCOMPARE(m_store.templates.templateNames[5], before.templates.templateNames[3]);
+        QCOMPARE(m_store.templates.buttonTemplates[5].buttons[0].channel, int16_t(5));
+        QCOMPARE(to->itemText(5), ToQt(before.templates.templateNames[3]));
         // Onto itself: nothing changes.
         const std::string bytes = EncodePanelData(m_store);
         from->setCurrentIndex(2);
@@ -413,11 +413,11 @@ private slots:
 
         // A source short of 16 buttons: the appended template stays, and the
         // failure is reported.
-        m_store.buttonTemplates[2].buttons.resize(3);
+        m_store.templates.buttonTemplates[2].buttons.resize(3);
         from->setCurrentIndex(2);
         to->setCurrentIndex(11);
         QTest::mouseClick(Child<QPushButton>(&dialog, "cmdCopy"), Qt::LeftButton);
-        QCOMPARE(m_store.templateCount, int16_t(12));
+        QCOMPARE(m_store.templates.templateCount, int16_t(12));
         QCOMPARE(to->count(), 13);
         QCOMPARE(m_reported.size(), size_t(1));
         QCOMPARE(m_reported[0].location, std::string("Error Copying Template"));
@@ -433,7 +433,7 @@ private slots:
             QTest::mouseClick(Child<QPushButton>(dialog, "cmdCancel"), Qt::LeftButton);
         });
         Child<QAction>(m_editor.get(), "mnuCopy")->trigger();
-        QCOMPARE(m_store.templateNames[0], std::string("Template 2"));
+        QCOMPARE(m_store.templates.templateNames[0], std::string("Template 2"));
         QCOMPARE(Get<QLineEdit>("txtTemplateName")->text(), QString("Template 2"));
     }
 
@@ -464,7 +464,7 @@ private slots:
 
     void labelSheetExport() {
         PanelStore store = MakeStore(3);
-        store.buttonTemplates[1].buttons[0].captionOption = 1;
+        store.templates.buttonTemplates[1].buttons[0].captionOption = 1;
         Open(std::move(store));
         const LabelSheetPage page = LabelSheetPageFor(m_store, 1);
         QCOMPARE(page.keys[0].face, std::string("L0"));
@@ -494,12 +494,12 @@ private slots:
     void loadingAFileKeepsTheTemplateIndexPair() {
         PanelStore store = MakeStore(5);
         for (int t = 0; t < 5; ++t)
-            store.templateIndex[size_t(t)] = store.templatePosition[size_t(t)] = int16_t(t + 7);
+            store.templates.templateIndex[size_t(t)] = store.templates.templatePosition[size_t(t)] = int16_t(t + 7);
         const std::string file = EncodePanelData(MakeStore(2));
         QCOMPARE(LoadPanelData(file, store).outcome, LoadOutcome::Loaded);
-        QCOMPARE(store.templateCount, int16_t(2));
-        QCOMPARE(store.templateIndex, (std::vector<int16_t>{7, 8, 9, 10, 11}));
-        QCOMPARE(store.templatePosition, (std::vector<int16_t>{7, 8, 9, 10, 11}));
+        QCOMPARE(store.templates.templateCount, int16_t(2));
+        QCOMPARE(store.templates.templateIndex, (std::vector<int16_t>{7, 8, 9, 10, 11}));
+        QCOMPARE(store.templates.templatePosition, (std::vector<int16_t>{7, 8, 9, 10, 11}));
     }
 
     void theMainWindowOpensTheEditorModally() {
@@ -518,7 +518,7 @@ private slots:
             Child<QAction>(editor, "mnuExit")->trigger();
         });
         Child<QAction>(&window, "mnuButtons")->trigger();
-        QCOMPARE(window.store().templateCount, int16_t(3));
+        QCOMPARE(window.store().templates.templateCount, int16_t(3));
         QCOMPARE(progress->text(), QString("Unapplied changes"));
     }
 };

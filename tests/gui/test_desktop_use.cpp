@@ -52,11 +52,11 @@ private slots:
         PanelStore store;
         store.listCount(SubType::Input) = 2;
         store.lists(SubType::Input) = {test::List("Mics", {0}), test::List("Players", {1})};
-        store.userGroupCount = 3;
-        store.userGroupNames = {"Studio A", "Newsroom", "Tally"};
-        store.userGroups = {test::Group({{1, 11}, {0, 11}}), test::Group({{0, 11}}),
+        store.groups.userGroupCount = 3;
+        store.groups.userGroupNames = {"Studio A", "Newsroom", "Tally"};
+        store.groups.userGroups = {test::Group({{1, 11}, {0, 11}}), test::Group({{0, 11}}),
                             test::Group({{1, 11}})};
-        store.userGroupIndex = {0, 1, 2};
+        store.groups.userGroupIndex = {0, 1, 2};
         QWidget host;
         MainViews views(store, {}, &host);
         int16_t& state = view == "lvGroups" ? store.currentUserGroup : store.currentList;

@@ -75,11 +75,11 @@ PanelStore Facility() {
     store.lists(SubType::Opto) = {List("Lights", {})};
     store.listCount(SubType::Relay) = 1;
     store.lists(SubType::Relay) = {List("Tally", {})};
-    store.userGroupCount = 2;
-    store.userGroupNames = {"Studio A", "Newsroom"};
-    store.userGroups = {Group({{0, 11}, {0, 21}, {1, 11}}), Group({{0, 31}})};
-    store.userGroupIndex = {0, 1};
-    store.userGroupNumber = {0, 1};
+    store.groups.userGroupCount = 2;
+    store.groups.userGroupNames = {"Studio A", "Newsroom"};
+    store.groups.userGroups = {Group({{0, 11}, {0, 21}, {1, 11}}), Group({{0, 31}})};
+    store.groups.userGroupIndex = {0, 1};
+    store.groups.userGroupNumber = {0, 1};
     return store;
 }
 
@@ -271,13 +271,13 @@ private slots:
         QCOMPARE(Selected()->model()->rowCount(), 0);
         QVERIFY(m_editor->storeChanged());
         if (type == kUserGroupListType) {
-            QCOMPARE(m_store.userGroupCount, int16_t(count + 1));
-            QCOMPARE(m_store.userGroupNames.size(), size_t(count + 1));
-            QCOMPARE(m_store.userGroupNames.back(), name.toStdString());
-            QCOMPARE(m_store.userGroups.back().listCount, int16_t(0));
-            QCOMPARE(m_store.userGroupIndex.back(), int16_t(count));
-            QCOMPARE(m_store.userGroupNumber.back(), int16_t(count));
-            QCOMPARE(GroupEntriesOfType(m_store.userGroups[0], 11).size(), size_t(0));
+            QCOMPARE(m_store.groups.userGroupCount, int16_t(count + 1));
+            QCOMPARE(m_store.groups.userGroupNames.size(), size_t(count + 1));
+            QCOMPARE(m_store.groups.userGroupNames.back(), name.toStdString());
+            QCOMPARE(m_store.groups.userGroups.back().listCount, int16_t(0));
+            QCOMPARE(m_store.groups.userGroupIndex.back(), int16_t(count));
+            QCOMPARE(m_store.groups.userGroupNumber.back(), int16_t(count));
+            QCOMPARE(GroupEntriesOfType(m_store.groups.userGroups[0], 11).size(), size_t(0));
         } else {
             const SubType subType = *SubTypeFromListCode(type);
             QCOMPARE(m_store.listCount(subType), int16_t(count + 1));
@@ -331,7 +331,7 @@ private slots:
             return;
         }
         const std::string before = startType == 83
-                                       ? m_store.userGroupNames[size_t(startIndex)]
+                                       ? m_store.groups.userGroupNames[size_t(startIndex)]
                                        : m_store.lists(SubType::Input)[size_t(startIndex)].name;
         ListAlpha()->setText("Switched");
         QTest::keyClick(ListAlpha(), Qt::Key_Return);
@@ -344,7 +344,7 @@ private slots:
                  QString(item == 4 ? "Available Lists" : "Available Channels"));
         QCOMPARE(Child<QWidget>(m_editor, "frSubType")->isEnabled(), item == 4);
         // The edited record was committed before the switch.
-        QCOMPARE(startType == 83 ? m_store.userGroupNames[size_t(startIndex)]
+        QCOMPARE(startType == 83 ? m_store.groups.userGroupNames[size_t(startIndex)]
                                  : m_store.lists(SubType::Input)[size_t(startIndex)].name,
                  std::string("Switched"));
         QVERIFY(before != "Switched");
@@ -374,20 +374,20 @@ private slots:
 
         std::string upload = codec::GroupMessage(m_store);
         PanelStore received = Facility();
-        received.userGroupCount = 0;
+        received.groups.userGroupCount = 0;
         LinkState state;
         QuietObserver observer;
         LinkSession session(received, state, observer);
         session.Receive(upload);
         session.DecodeNext();
-        QCOMPARE(received.userGroupCount, int16_t(2));
-        const UserGroup& group = received.userGroups[0];
+        QCOMPARE(received.groups.userGroupCount, int16_t(2));
+        const UserGroup& group = received.groups.userGroups[0];
         QCOMPARE(std::vector<int16_t>(group.listIndexes.begin(), group.listIndexes.begin() + 4),
                  std::vector<int16_t>({1, 0, 2, 3}));
         QCOMPARE(std::vector<int16_t>(group.listTypes.begin(), group.listTypes.begin() + 4),
                  std::vector<int16_t>({11, 21, 11, 11}));
         QCOMPARE(group.listCount, int16_t(4));
-        QCOMPARE(received.userGroups[1].listCount, int16_t(1));
+        QCOMPARE(received.groups.userGroups[1].listCount, int16_t(1));
     }
 
     void duplicateNames_data() {
@@ -454,8 +454,8 @@ private slots:
         QCOMPARE(ListAlphas()->count(), names.size()); // the editor refreshed
         QVERIFY(m_editor->storeChanged());
         if (mode == 83) {
-            QCOMPARE(m_store.userGroups[size_t(copiedTo)].listCount, int16_t(3));
-            QCOMPARE(m_store.userGroupNumber[size_t(copiedTo)], int16_t(copiedTo));
+            QCOMPARE(m_store.groups.userGroups[size_t(copiedTo)].listCount, int16_t(3));
+            QCOMPARE(m_store.groups.userGroupNumber[size_t(copiedTo)], int16_t(copiedTo));
         } else {
             const SubType subType = *SubTypeFromListCode(static_cast<int16_t>(mode));
             QCOMPARE(Channels(m_store.lists(subType)[size_t(copiedTo)]),

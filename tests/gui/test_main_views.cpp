@@ -43,12 +43,12 @@ PanelStore Facility() {
     store.listCount(SubType::Relay) = 1;
     store.lists(SubType::Relay) = {List("Tally", {0, 1, 2})};
 
-    store.userGroupCount = 4;
-    store.userGroupNames = {"Studio A", "Newsroom", "Tally Only", "Empty"};
-    store.userGroups = {Group({{0, 11}, {1, 21}, {2, 11}}), Group({{0, 31}, {0, 21}}),
+    store.groups.userGroupCount = 4;
+    store.groups.userGroupNames = {"Studio A", "Newsroom", "Tally Only", "Empty"};
+    store.groups.userGroups = {Group({{0, 11}, {1, 21}, {2, 11}}), Group({{0, 31}, {0, 21}}),
                         Group({{0, 41}}), Group({})};
-    store.userGroupIndex = {0, 1, 2, 3};
-    store.userGroupNumber = {0, 1, 2, 3};
+    store.groups.userGroupIndex = {0, 1, 2, 3};
+    store.groups.userGroupNumber = {0, 1, 2, 3};
     return store;
 }
 
@@ -142,7 +142,7 @@ private slots:
 
     void faultsAreReportedAndKeepWhatWasBuilt() {
         // More groups counted than stored: the first four stay on show.
-        m_store.userGroupCount = 6;
+        m_store.groups.userGroupCount = 6;
         m_views->DisplayUserGroups();
         QCOMPARE(m_views->groups()->topLevelItemCount(), 4);
         QCOMPARE(m_reports.back().location, std::string("Error Loading Group Alphas"));
@@ -153,7 +153,7 @@ private slots:
 
         // A group entry pointing past the Input lists.
         m_store.currentListType = 11;
-        m_store.userGroups[0] = Group({{1, 11}, {9, 11}});
+        m_store.groups.userGroups[0] = Group({{1, 11}, {9, 11}});
         m_views->ShowGroupData(0);
         QCOMPARE(Column(m_views->displayLists(), 0), QStringList({"Players"}));
         QCOMPARE(m_reports.back().location, std::string("Error Loading Group Items"));

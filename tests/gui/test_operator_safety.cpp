@@ -47,7 +47,7 @@ private:
     QString FirstGroupShown() {
         return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
     }
-    QString DemoGroup() const { return ToQt(m_demo.userGroupNames[0]).trimmed(); }
+    QString DemoGroup() const { return ToQt(m_demo.groups.userGroupNames[0]).trimmed(); }
 
     // Start the emulator (templates answered with a bad checksum when asked)
     // and the window, and log in; returns once the user groups are shown.
@@ -79,7 +79,7 @@ private:
         QTRY_VERIFY(login->isVisible());
         Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
         QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
-        QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() == m_demo.userGroupCount &&
+        QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() == m_demo.groups.userGroupCount &&
                     !(m_window->link().pendingC & ~uint32_t(badTemplates ? 0x08 : 0)) &&
                     !m_window->link().pendingA);
         if (!badTemplates)
@@ -167,7 +167,7 @@ private slots:
         bool undoWhileSending = true;
         QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("After Apply"));
+        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
 
         const QStringList backups = Backups();
@@ -178,8 +178,8 @@ private slots:
         QCOMPARE(
             LoadPanelDataFile((Folder() + "backups/" + backups.last()).toStdString(), held).outcome,
             LoadOutcome::Loaded);
-        QCOMPARE(ToQt(held.userGroupNames[0]).trimmed(), DemoGroup());
-        QCOMPARE(held.templateCount, m_demo.templateCount);
+        QCOMPARE(ToQt(held.groups.userGroupNames[0]).trimmed(), DemoGroup());
+        QCOMPARE(held.templates.templateCount, m_demo.templates.templateCount);
         // What was sent is now what the server module holds.
         QCOMPARE(Progress(), QString());
         QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
@@ -207,7 +207,7 @@ private slots:
         QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
         QCOMPARE(box.defaultButton, QMessageBox::No);
         QTest::qWait(300);
-        QCOMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), DemoGroup());
+        QCOMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), DemoGroup());
         QVERIFY(m_window->hasUnappliedChanges());
         QVERIFY(Backups().isEmpty());
         // Not everything was received, yet the indicator follows undo and redo.
@@ -218,7 +218,7 @@ private slots:
 
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().userGroupNames[0]).trimmed(), QString("Guarded"));
+        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("Guarded"));
     }
 
     void undoAndRedoAcrossAnEditorSessionLoadAllAndCancel() {
@@ -228,7 +228,7 @@ private slots:
         RenameFirstGroup("Edited");
 
         PanelStore file = m_demo;
-        file.userGroupNames[0] = "From File";
+        file.groups.userGroupNames[0] = "From File";
         const QString path = Folder() + "other.dat";
         QVERIFY(SavePanelDataFile(path.toStdString(), file).ok());
         FileDialog::setNextFileName(path);
@@ -278,7 +278,7 @@ private slots:
         });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
         Child<QAction>(m_window, "mnuUndo")->trigger();
-        QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.userGroupCount + 1);
+        QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.groups.userGroupCount + 1);
     }
 };
 

@@ -56,8 +56,8 @@ TEST(CodecUpload, CountsBeyondTheArraysAreNotRead) {
     s.listCount(SubType::Input) = -3;
     EXPECT_BYTES(codec::DisplayListMessage(s, SubType::Input), ListBody(11, 16, {}).Finish());
 
-    s.userGroupCount = 5; // one group array element only
-    s.templateCount = 7;
+    s.groups.userGroupCount = 5; // one group array element only
+    s.templates.templateCount = 7;
     EXPECT_BYTES(codec::GroupMessage(s), GroupBody(16, {{"No Users", {}}}).Finish());
     EXPECT_EQ(static_cast<unsigned char>(codec::ButtonMessage(s)[3]), 1u); // X clamped to 1
 }
@@ -65,11 +65,11 @@ TEST(CodecUpload, CountsBeyondTheArraysAreNotRead) {
 TEST(CodecUpload, GroupsWithMixedSubTypes) {
     PanelStore s;
     s.ResetToDefaults();
-    s.ResizeUserGroups(2);
-    s.userGroupCount = 2;
-    s.userGroupNames = {"Studio A", "Newsroom group 12345"};
-    s.userGroups[0] = UserGroup{2, {0, 130}, {11, 41}};
-    s.userGroups[1] = UserGroup{};
+    s.groups.Resize(2);
+    s.groups.userGroupCount = 2;
+    s.groups.userGroupNames = {"Studio A", "Newsroom group 12345"};
+    s.groups.userGroups[0] = UserGroup{2, {0, 130}, {11, 41}};
+    s.groups.userGroups[1] = UserGroup{};
     EXPECT_BYTES(
         codec::GroupMessage(s),
         GroupBody(16, {{"Studio A", {{0, 11}, {130, 41}}}, {"Newsroom group 1", {}}}).Finish());
@@ -78,15 +78,15 @@ TEST(CodecUpload, GroupsWithMixedSubTypes) {
 TEST(CodecUpload, ButtonTemplates) {
     PanelStore s;
     s.ResetToDefaults();
-    s.ResizeTemplates(2);
-    s.templateCount = 2;
-    s.templateNames = {"Desk", "A very long template name"};
-    s.buttonTemplates[0].number = 300;
-    s.buttonTemplates[0].buttonCount = 2;
-    s.buttonTemplates[0].buttons = {PanelButton{810, 1, "Listen to studio", 12, 7},
+    s.templates.Resize(2);
+    s.templates.templateCount = 2;
+    s.templates.templateNames = {"Desk", "A very long template name"};
+    s.templates.buttonTemplates[0].number = 300;
+    s.templates.buttonTemplates[0].buttonCount = 2;
+    s.templates.buttonTemplates[0].buttons = {PanelButton{810, 1, "Listen to studio", 12, 7},
                                     PanelButton::Cleared()};
-    s.buttonTemplates[1] = ButtonTemplate{};
-    s.buttonTemplates[1].number = 1;
+    s.templates.buttonTemplates[1] = ButtonTemplate{};
+    s.templates.buttonTemplates[1].number = 1;
     EXPECT_BYTES(codec::ButtonMessage(s),
                  ButtonBody(2, 0, 8, 16,
                             {{"Desk", 300, {{810, 1, 12, 7, "Listen t"}, {0, 0, 16383, 16383, ""}}},

@@ -222,19 +222,19 @@ TEST(GroupDownload, ReplacesTheGroupsAndNoGroupsKeepsTheArrays) {
     Downloading h;
     h.Feed(GroupBody(16, {{"Studio", {{0, 11}, {3, 41}}}, {"Empty\x7F", {}}}).Finish());
     const PanelStore& s = h.store;
-    ASSERT_EQ(s.userGroupCount, 2);
-    ASSERT_EQ(s.userGroups.size(), 2u);
-    EXPECT_EQ(s.userGroupNames[0], Pad("Studio", 16));
-    EXPECT_EQ(s.userGroupNames[1], Pad("Empty.", 16));
-    EXPECT_EQ(s.userGroupIndex, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.userGroupNumber, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.userGroups[0].listIndexes, (std::vector<int16_t>{0, 3}));
-    EXPECT_EQ(s.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
-    EXPECT_EQ(s.userGroups[1].listCount, 0);
+    ASSERT_EQ(s.groups.userGroupCount, 2);
+    ASSERT_EQ(s.groups.userGroups.size(), 2u);
+    EXPECT_EQ(s.groups.userGroupNames[0], Pad("Studio", 16));
+    EXPECT_EQ(s.groups.userGroupNames[1], Pad("Empty.", 16));
+    EXPECT_EQ(s.groups.userGroupIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.groups.userGroupNumber, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.groups.userGroups[0].listIndexes, (std::vector<int16_t>{0, 3}));
+    EXPECT_EQ(s.groups.userGroups[0].listTypes, (std::vector<int16_t>{11, 41}));
+    EXPECT_EQ(s.groups.userGroups[1].listCount, 0);
 
     h.Feed(GroupBody(16, {}).Finish());
-    EXPECT_EQ(s.userGroupCount, 0);
-    EXPECT_EQ(s.userGroupNames.size(), 2u);
+    EXPECT_EQ(s.groups.userGroupCount, 0);
+    EXPECT_EQ(s.groups.userGroupNames.size(), 2u);
     EXPECT_TRUE(h.observer.Quiet());
 }
 
@@ -244,8 +244,8 @@ TEST(GroupDownload, DamagedMessagesLeaveTheGroupsWrittenSoFar) {
     const std::string body = GroupBody(8, {{"First", {{1, 21}}}, {"Second", {}}}).Body() + "x";
     h.Feed(Layout::Of(body).Finish());
     EXPECT_EQ(h.observer.logLines, std::vector<std::string>{"Message Length Error|"});
-    EXPECT_EQ(h.store.userGroupCount, 2);
-    EXPECT_EQ(h.store.userGroupNames[1], Pad("Second", 8));
+    EXPECT_EQ(h.store.groups.userGroupCount, 2);
+    EXPECT_EQ(h.store.groups.userGroupNames[1], Pad("Second", 8));
     EXPECT_EQ(h.state.pendingC, request::kUserGroups);
     EXPECT_TRUE(h.observer.changes.empty());
 
@@ -253,7 +253,7 @@ TEST(GroupDownload, DamagedMessagesLeaveTheGroupsWrittenSoFar) {
     shortRead.Feed(Layout(0xCC).Byte(0).U14(2).U14(0).Byte(2).Text("ab").U14(9000).Finish());
     ASSERT_FALSE(shortRead.observer.reports.empty());
     EXPECT_EQ(shortRead.observer.reports.back().location, "Error Receiving Group Data");
-    EXPECT_EQ(shortRead.store.userGroupNames[0], "ab");
+    EXPECT_EQ(shortRead.store.groups.userGroupNames[0], "ab");
 }
 
 TEST(ButtonDownload, FillsTemplatesAndButtons) {
@@ -264,12 +264,12 @@ TEST(ButtonDownload, FillsTemplatesAndButtons) {
                        {"Spare", 6, {}}})
                .Finish());
     const PanelStore& s = h.store;
-    EXPECT_EQ(s.templateCount, 2);
-    ASSERT_EQ(s.buttonTemplates.size(), 2u);
-    EXPECT_EQ(s.templateNames, (std::vector<std::string>{Pad("Desk", 16), Pad("Spare", 16)}));
-    EXPECT_EQ(s.templateIndex, (std::vector<int16_t>{0, 1}));
-    EXPECT_EQ(s.templatePosition, (std::vector<int16_t>{0, 1}));
-    const ButtonTemplate& t = s.buttonTemplates[0];
+    EXPECT_EQ(s.templates.templateCount, 2);
+    ASSERT_EQ(s.templates.buttonTemplates.size(), 2u);
+    EXPECT_EQ(s.templates.templateNames, (std::vector<std::string>{Pad("Desk", 16), Pad("Spare", 16)}));
+    EXPECT_EQ(s.templates.templateIndex, (std::vector<int16_t>{0, 1}));
+    EXPECT_EQ(s.templates.templatePosition, (std::vector<int16_t>{0, 1}));
+    const ButtonTemplate& t = s.templates.buttonTemplates[0];
     EXPECT_EQ(t.number, 5);
     ASSERT_EQ(t.buttonCount, 2);
     EXPECT_EQ(t.buttons[0].type, 810);
@@ -278,8 +278,8 @@ TEST(ButtonDownload, FillsTemplatesAndButtons) {
     EXPECT_EQ(t.buttons[0].channel2, 7);
     EXPECT_EQ(t.buttons[0].label, "Ta.k    ");
     EXPECT_EQ(t.buttons[1].channel2, 16383);
-    EXPECT_EQ(s.buttonTemplates[1].number, 6);
-    EXPECT_EQ(s.buttonTemplates[1].buttonCount, 0);
+    EXPECT_EQ(s.templates.buttonTemplates[1].number, 6);
+    EXPECT_EQ(s.templates.buttonTemplates[1].buttonCount, 0);
 }
 
 TEST(ButtonDownload, PartialTableStartsAtItsFirstPosition) {
@@ -288,37 +288,37 @@ TEST(ButtonDownload, PartialTableStartsAtItsFirstPosition) {
                .Finish());
     EXPECT_TRUE(h.observer.Quiet());
     const PanelStore& s = h.store;
-    EXPECT_EQ(s.templateCount, 2);
-    ASSERT_EQ(s.buttonTemplates.size(), 4u);
-    EXPECT_EQ(s.buttonTemplates[1].number, 0);
-    EXPECT_EQ(s.buttonTemplates[1].buttonCount, 0);
-    EXPECT_EQ(s.buttonTemplates[2].number, 22);
-    EXPECT_EQ(s.buttonTemplates[3].number, 33);
-    EXPECT_EQ(s.templateNames[0], "None"); // kept from before
-    EXPECT_EQ(s.templateNames[3], Pad("Three", 16));
-    EXPECT_EQ(s.templateIndex[3], 3);
+    EXPECT_EQ(s.templates.templateCount, 2);
+    ASSERT_EQ(s.templates.buttonTemplates.size(), 4u);
+    EXPECT_EQ(s.templates.buttonTemplates[1].number, 0);
+    EXPECT_EQ(s.templates.buttonTemplates[1].buttonCount, 0);
+    EXPECT_EQ(s.templates.buttonTemplates[2].number, 22);
+    EXPECT_EQ(s.templates.buttonTemplates[3].number, 33);
+    EXPECT_EQ(s.templates.templateNames[0], "None"); // kept from before
+    EXPECT_EQ(s.templates.templateNames[3], Pad("Three", 16));
+    EXPECT_EQ(s.templates.templateIndex[3], 3);
 }
 
 TEST(ButtonDownload, DamagedMessagesKeepWhatWasWritten) {
     // A table of 3 carrying one template, two bytes too long: the names grow
     // to the table size, the records keep pace but are not filled.
     Downloading h;
-    h.store.buttonTemplates[0].number = 99;
+    h.store.templates.buttonTemplates[0].number = 99;
     h.Feed(Layout::Of(ButtonBody(3, 0, 8, 16, {{"Desk", 5, {}}}).Body() + "zz").Finish());
     EXPECT_EQ(h.observer.logLines,
               std::vector<std::string>{"48QX Message Length Error|Button Info"});
-    EXPECT_EQ(h.store.templateNames[0], Pad("Desk", 16));
-    EXPECT_EQ(h.store.buttonTemplates[0].number, 99);
-    EXPECT_EQ(h.store.templateNames.size(), 3u);
-    EXPECT_EQ(h.store.buttonTemplates.size(), 3u);
-    EXPECT_EQ(h.store.templateIndex.size(), 3u);
+    EXPECT_EQ(h.store.templates.templateNames[0], Pad("Desk", 16));
+    EXPECT_EQ(h.store.templates.buttonTemplates[0].number, 99);
+    EXPECT_EQ(h.store.templates.templateNames.size(), 3u);
+    EXPECT_EQ(h.store.templates.buttonTemplates.size(), 3u);
+    EXPECT_EQ(h.store.templates.templateIndex.size(), 3u);
 
     // A second template in a table of one.
     Downloading beyond;
     beyond.Feed(ButtonBody(1, 0, 8, 16, {{"A", 1, {}}, {"B", 2, {}}}).Finish());
     ASSERT_EQ(beyond.observer.reports.size(), 1u);
     EXPECT_EQ(beyond.observer.reports[0].failure.code, ErrorCode::SubscriptOutOfRange);
-    EXPECT_EQ(beyond.store.templateNames, std::vector<std::string>{Pad("A", 16)});
+    EXPECT_EQ(beyond.store.templates.templateNames, std::vector<std::string>{Pad("A", 16)});
 }
 
 // ---------------------------------------------------------------- split points

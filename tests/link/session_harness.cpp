@@ -32,25 +32,25 @@ std::string Dump(const PanelStore& s) {
         }
     }
     out += "\ngroups ";
-    num(s.userGroupCount);
-    for (size_t g = 0; g < s.userGroups.size(); ++g) {
-        text(s.userGroupNames[g]);
-        num(s.userGroupIndex[g]);
-        num(s.userGroupNumber[g]);
-        num(s.userGroups[g].listCount);
-        for (auto v : s.userGroups[g].listIndexes)
+    num(s.groups.userGroupCount);
+    for (size_t g = 0; g < s.groups.userGroups.size(); ++g) {
+        text(s.groups.userGroupNames[g]);
+        num(s.groups.userGroupIndex[g]);
+        num(s.groups.userGroupNumber[g]);
+        num(s.groups.userGroups[g].listCount);
+        for (auto v : s.groups.userGroups[g].listIndexes)
             num(v);
-        for (auto v : s.userGroups[g].listTypes)
+        for (auto v : s.groups.userGroups[g].listTypes)
             num(v);
         out += ";";
     }
     out += "\ntemplates ";
-    num(s.templateCount);
-    for (size_t t = 0; t < s.buttonTemplates.size(); ++t) {
-        text(t < s.templateNames.size() ? s.templateNames[t] : "?");
-        num(t < s.templateIndex.size() ? s.templateIndex[t] : -1);
-        num(t < s.templatePosition.size() ? s.templatePosition[t] : -1);
-        const ButtonTemplate& bt = s.buttonTemplates[t];
+    num(s.templates.templateCount);
+    for (size_t t = 0; t < s.templates.buttonTemplates.size(); ++t) {
+        text(t < s.templates.templateNames.size() ? s.templates.templateNames[t] : "?");
+        num(t < s.templates.templateIndex.size() ? s.templates.templateIndex[t] : -1);
+        num(t < s.templates.templatePosition.size() ? s.templates.templatePosition[t] : -1);
+        const ButtonTemplate& bt = s.templates.buttonTemplates[t];
         num(bt.number);
         num(bt.buttonCount);
         for (const auto& b : bt.buttons) {

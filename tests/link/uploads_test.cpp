@@ -56,18 +56,18 @@ PanelStore EditedStore() {
         lists[1].channelCount = 2;
         lists[1].channels = {static_cast<int16_t>(int(st)), 9000};
     }
-    s.ResizeUserGroups(2);
-    s.userGroupCount = 2;
-    s.userGroupNames[1] = "Mix";
-    s.userGroupIndex[1] = 1;
-    s.userGroupNumber[1] = 1;
-    s.userGroups[1].listCount = 3;
-    s.userGroups[1].listIndexes = {1, 0, 1};
-    s.userGroups[1].listTypes = {11, 31, 41};
-    s.ResizeTemplates(1);
-    s.buttonTemplates[0].number = 12;
-    s.buttonTemplates[0].buttonCount = 2;
-    s.buttonTemplates[0].buttons = {PanelButton{1012, 1, "Door relay", 3, 4},
+    s.groups.Resize(2);
+    s.groups.userGroupCount = 2;
+    s.groups.userGroupNames[1] = "Mix";
+    s.groups.userGroupIndex[1] = 1;
+    s.groups.userGroupNumber[1] = 1;
+    s.groups.userGroups[1].listCount = 3;
+    s.groups.userGroups[1].listIndexes = {1, 0, 1};
+    s.groups.userGroups[1].listTypes = {11, 31, 41};
+    s.templates.Resize(1);
+    s.templates.buttonTemplates[0].number = 12;
+    s.templates.buttonTemplates[0].buttonCount = 2;
+    s.templates.buttonTemplates[0].buttons = {PanelButton{1012, 1, "Door relay", 3, 4},
                                     PanelButton::Cleared()};
     return s;
 }
@@ -86,10 +86,10 @@ TEST(Apply, ValuesTheWireCannotCarryFailTheirUploadOnly) {
 
     h.store.lists(SubType::Output)[0].channelCount = 1;
     h.store.lists(SubType::Output)[0].channels = {-1};
-    h.store.userGroups[0].listCount = 1;
-    h.store.userGroups[0].listIndexes = {0};
-    h.store.userGroups[0].listTypes = {-21};
-    h.store.buttonTemplates[0].buttons[0].channel2 = 16384;
+    h.store.groups.userGroups[0].listCount = 1;
+    h.store.groups.userGroups[0].listIndexes = {0};
+    h.store.groups.userGroups[0].listTypes = {-21};
+    h.store.templates.buttonTemplates[0].buttons[0].channel2 = 16384;
     steps = h.session.BuildApplySteps();
     const char* const locations[6] = {
         "Error Sending Panel Display Lists", "Error Sending Panel Display Lists",

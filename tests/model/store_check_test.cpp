@@ -15,18 +15,18 @@ TEST(StoreCheck, FindingsNameTheirPathAndSeverity) {
                                    test::List("A name that is too long", {})};
     store.listCount(SubType::Output) = 1;
     store.lists(SubType::Output) = {test::List("Outs", {5})};
-    store.userGroupCount = 2;
-    store.ResizeUserGroups(2);
-    store.userGroupNames = {"Studio", "Empty"};
-    store.userGroups = {test::Group({{1, 11}, {3, 11}, {0, 51}}), test::Group({})};
-    store.templateCount = 1;
-    store.ResizeTemplates(1);
-    store.templateNames[0] = "Desk";
+    store.groups.userGroupCount = 2;
+    store.groups.Resize(2);
+    store.groups.userGroupNames = {"Studio", "Empty"};
+    store.groups.userGroups = {test::Group({{1, 11}, {3, 11}, {0, 51}}), test::Group({})};
+    store.templates.templateCount = 1;
+    store.templates.Resize(1);
+    store.templates.templateNames[0] = "Desk";
     PanelButton select = PanelButton::Cleared();
     select.type = 40; // Source Select needs an Input channel
     select.label = "TOO LONG!";
-    store.buttonTemplates[0].buttonCount = 1;
-    store.buttonTemplates[0].buttons = {select};
+    store.templates.buttonTemplates[0].buttonCount = 1;
+    store.templates.buttonTemplates[0].buttons = {select};
 
     std::vector<std::string> lines;
     for (const CheckFinding& finding : CheckStore(store, true))

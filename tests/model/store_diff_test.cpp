@@ -18,19 +18,19 @@ PanelStore Base() {
     store.lists(SubType::Input) = {test::List("Mics", {0, 1, 2}), test::List("Spare", {})};
     store.listCount(SubType::Output) = 1;
     store.lists(SubType::Output) = {test::List("Outs", {0})};
-    store.userGroupCount = 1;
-    store.ResizeUserGroups(1);
-    store.userGroupNames[0] = "Studio";
-    store.userGroups[0] = test::Group({{0, 11}, {0, 21}});
-    store.templateCount = 1;
-    store.ResizeTemplates(1);
-    store.templateNames[0] = "Desk";
+    store.groups.userGroupCount = 1;
+    store.groups.Resize(1);
+    store.groups.userGroupNames[0] = "Studio";
+    store.groups.userGroups[0] = test::Group({{0, 11}, {0, 21}});
+    store.templates.templateCount = 1;
+    store.templates.Resize(1);
+    store.templates.templateNames[0] = "Desk";
     PanelButton select = PanelButton::Cleared();
     select.type = 40; // Source Select, an Input channel
     select.channel = 0;
     select.label = "MIC";
-    store.buttonTemplates[0].buttonCount = 2;
-    store.buttonTemplates[0].buttons = {select, PanelButton::Cleared()};
+    store.templates.buttonTemplates[0].buttonCount = 2;
+    store.templates.buttonTemplates[0].buttons = {select, PanelButton::Cleared()};
     return store;
 }
 
@@ -48,13 +48,13 @@ TEST(StoreDiff, EachEditGivesItsLines) {
         {"names padded with blanks, as a file load keeps them",
          [&](PanelStore& s) {
              inputs(s)[0].name = "Mics            ";
-             s.userGroupNames[0] = "Studio          ";
+             s.groups.userGroupNames[0] = "Studio          ";
          },
          {}},
         {"a template grown to 32 cleared buttons",
          [](PanelStore& s) {
-             s.buttonTemplates[0].buttonCount = 32;
-             s.buttonTemplates[0].buttons.resize(32, PanelButton::Cleared());
+             s.templates.buttonTemplates[0].buttonCount = 32;
+             s.templates.buttonTemplates[0].buttons.resize(32, PanelButton::Cleared());
          },
          {}},
         {"rename",
@@ -81,22 +81,22 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {"Input list \"Spare\" removed", "Output list \"Cue\" added (2 channels)"}},
         {"group entries and name",
          [](PanelStore& s) {
-             s.userGroupNames[0] = "Studio B";
-             s.userGroups[0] = test::Group({{0, 11}, {1, 11}});
+             s.groups.userGroupNames[0] = "Studio B";
+             s.groups.userGroups[0] = test::Group({{0, 11}, {1, 11}});
          },
          {"Group \"Studio\" renamed to \"Studio B\"",
           "Group \"Studio B\": removed Output list \"Outs\"",
           "Group \"Studio B\": added Input list \"Spare\""}},
         {"group entries in another order, one named twice",
          [](PanelStore& s) {
-             s.userGroups[0] = test::Group({{0, 21}, {0, 11}, {0, 11}});
+             s.groups.userGroups[0] = test::Group({{0, 21}, {0, 11}, {0, 11}});
          },
          {"Group \"Studio\": added Input list \"Mics\"",
           "Group \"Studio\": moved Output list \"Outs\""}},
         {"a button's label and channel",
          [](PanelStore& s) {
-             s.buttonTemplates[0].buttons[0].label = "VOX";
-             s.buttonTemplates[0].buttons[0].channel = kNoChannel;
+             s.templates.buttonTemplates[0].buttons[0].label = "VOX";
+             s.templates.buttonTemplates[0].buttons[0].channel = kNoChannel;
          },
          {"Template \"Desk\" button 1: Source Select, \"MIC 1\", label \"MIC\" changed to Source "
           "Select, no channel, label \"VOX\""}},

@@ -155,9 +155,9 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
     PanelStore edited = demoState.store();
     edited.lists(SubType::Input)[0].name = "Edited List";
-    edited.userGroupNames[0] = "Edited Group";
-    edited.templateNames[0] = "Edited Tpl";
-    edited.buttonTemplates[0].number = 42;
+    edited.groups.userGroupNames[0] = "Edited Group";
+    edited.templates.templateNames[0] = "Edited Tpl";
+    edited.templates.buttonTemplates[0].number = 42;
     QFile doc(File("edited.json"));
     ASSERT_TRUE(doc.open(QIODevice::WriteOnly));
     doc.write(QByteArray::fromStdString(WriteJsonDocument(edited)));
@@ -203,7 +203,7 @@ TEST_F(CliAgainstSim, ApplyToAServerThatStopsAnsweringSaysItsStateIsUnknown) {
     SimProcess sim;
     ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
     PanelStore edited = demoState.store();
-    edited.templateNames[0] = "Edited Tpl";
+    edited.templates.templateNames[0] = "Edited Tpl";
     QFile doc(File("edited.json"));
     ASSERT_TRUE(doc.open(QIODevice::WriteOnly));
     doc.write(QByteArray::fromStdString(WriteJsonDocument(edited)));

@@ -34,7 +34,7 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
 
     // A valid upload to spoil in several ways.
     PanelStore edited = sim::MakeDemo("demo").store;
-    edited.userGroupNames[0] = "Spoiled";
+    edited.groups.userGroupNames[0] = "Spoiled";
     LinkState link;
     ClientRecorder recorder;
     LinkSession session(edited, link, recorder);

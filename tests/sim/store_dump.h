@@ -36,19 +36,19 @@ inline std::string DumpStore(const PanelStore& store, bool withAlphas = true) {
         }
         out += '\n';
     }
-    out += "groups " + std::to_string(store.userGroupCount);
-    for (int g = 0; g < store.userGroupCount; ++g) {
-        const UserGroup& group = store.userGroups[size_t(g)];
-        out += "\n " + bracket(store.userGroupNames[size_t(g)]);
+    out += "groups " + std::to_string(store.groups.userGroupCount);
+    for (int g = 0; g < store.groups.userGroupCount; ++g) {
+        const UserGroup& group = store.groups.userGroups[size_t(g)];
+        out += "\n " + bracket(store.groups.userGroupNames[size_t(g)]);
         for (int k = 0; k < group.listCount; ++k) {
             out += ' ' + std::to_string(group.listIndexes[size_t(k)]) + '/' +
                    std::to_string(group.listTypes[size_t(k)]);
         }
     }
-    out += "\ntemplates " + std::to_string(store.templateCount);
-    for (int t = 0; t < store.templateCount; ++t) {
-        const ButtonTemplate& tpl = store.buttonTemplates[size_t(t)];
-        out += "\n " + bracket(store.templateNames[size_t(t)]) + " #" + std::to_string(tpl.number);
+    out += "\ntemplates " + std::to_string(store.templates.templateCount);
+    for (int t = 0; t < store.templates.templateCount; ++t) {
+        const ButtonTemplate& tpl = store.templates.buttonTemplates[size_t(t)];
+        out += "\n " + bracket(store.templates.templateNames[size_t(t)]) + " #" + std::to_string(tpl.number);
         for (int b = 0; b < tpl.buttonCount; ++b) {
             const PanelButton& button = tpl.buttons[size_t(b)];
             out += "\n    " + std::to_string(button.type) + " " +

@@ -124,8 +124,8 @@ int RunApply(const std::vector<std::string>& args) {
     }
     const PanelStore& store = client.store();
     std::cout << "applied " << path << " to " << options.host << ":" << options.port << ": "
-              << DisplayListTotal(store) << " display lists, " << store.userGroupCount
-              << " user groups, " << store.templateCount << " button templates"
+              << DisplayListTotal(store) << " display lists, " << store.groups.userGroupCount
+              << " user groups, " << store.templates.templateCount << " button templates"
               << (verify ? ", read back and identical\n" : " (not read back)\n");
     return ToInt(ExitCode::Ok);
 }

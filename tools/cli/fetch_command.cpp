@@ -57,7 +57,7 @@ int RunFetch(const std::vector<std::string>& args) {
         std::cout << store.alpha(subType).count << " " << SubTypeName(subType) << ", ";
     }
     std::cout << "channel names; " << DisplayListTotal(store) << " display lists, "
-              << store.userGroupCount << " user groups, " << store.templateCount
+              << store.groups.userGroupCount << " user groups, " << store.templates.templateCount
               << " button templates\n";
     return ToInt(ExitCode::Ok);
 }

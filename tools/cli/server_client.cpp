@@ -53,11 +53,10 @@ void CopyPart(size_t row, const PanelStore& from, PanelStore& to) {
     if (row >= 1 && row <= 4) {
         to.alphas[row - 1] = from.alphas[row - 1];
     } else if (row == 5) {
-        to.AssignUserGroups(from);
+        to.groups = from.groups;
     } else if (row == 6) {
-        to.AssignTemplates(from);
+        to.templates = from.templates;
     } else if (row >= 7) {
-        to.displayListCount[row - 7] = from.displayListCount[row - 7];
         to.displayLists[row - 7] = from.displayLists[row - 7];
     }
 }

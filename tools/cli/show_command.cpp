@@ -73,10 +73,10 @@ void ShowDisplayLists(const Document& doc, std::ostream& out) {
 
 void ShowUserGroups(const Document& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
-    out << "User groups: " << store.userGroupCount << "\n";
-    for (int i = 0; i < store.userGroupCount; ++i) {
-        const UserGroup* group = Entry(store.userGroups, i, store.userGroupCount);
-        const std::string* name = Entry(store.userGroupNames, i, store.userGroupCount);
+    out << "User groups: " << store.groups.userGroupCount << "\n";
+    for (int i = 0; i < store.groups.userGroupCount; ++i) {
+        const UserGroup* group = Entry(store.groups.userGroups, i, store.groups.userGroupCount);
+        const std::string* name = Entry(store.groups.userGroupNames, i, store.groups.userGroupCount);
         if (group == nullptr || name == nullptr) {
             break;
         }
@@ -102,10 +102,10 @@ void ShowUserGroups(const Document& doc, std::ostream& out) {
 
 void ShowTemplates(const Document& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
-    out << "Button templates: " << store.templateCount << "\n";
-    for (int i = 0; i < store.templateCount; ++i) {
-        const ButtonTemplate* tmpl = Entry(store.buttonTemplates, i, store.templateCount);
-        const std::string* name = Entry(store.templateNames, i, store.templateCount);
+    out << "Button templates: " << store.templates.templateCount << "\n";
+    for (int i = 0; i < store.templates.templateCount; ++i) {
+        const ButtonTemplate* tmpl = Entry(store.templates.buttonTemplates, i, store.templates.templateCount);
+        const std::string* name = Entry(store.templates.templateNames, i, store.templates.templateCount);
         if (tmpl == nullptr || name == nullptr) {
             break;
         }

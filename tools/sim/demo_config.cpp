@@ -68,14 +68,14 @@ void FillLargePanelData(PanelStore& store, int channelCount) {
 
     constexpr int kGroups = 200;
     constexpr int kGroupLists = 40;
-    store.userGroupCount = kGroups;
-    store.ResizeUserGroups(kGroups);
+    store.groups.userGroupCount = kGroups;
+    store.groups.Resize(kGroups);
     for (int g = 0; g < kGroups; ++g) {
         const auto i = static_cast<size_t>(g);
-        store.userGroupNames[i] = Numbered("GROUP %03d", g + 1);
-        store.userGroupIndex[i] = static_cast<int16_t>(g);
-        store.userGroupNumber[i] = static_cast<int16_t>(g);
-        UserGroup& group = store.userGroups[i];
+        store.groups.userGroupNames[i] = Numbered("GROUP %03d", g + 1);
+        store.groups.userGroupIndex[i] = static_cast<int16_t>(g);
+        store.groups.userGroupNumber[i] = static_cast<int16_t>(g);
+        UserGroup& group = store.groups.userGroups[i];
         group.listCount = kGroupLists;
         group.listIndexes.resize(kGroupLists);
         group.listTypes.resize(kGroupLists);
@@ -92,14 +92,14 @@ void FillLargePanelData(PanelStore& store, int channelCount) {
                                      1010,  1012, 1100, 1102, 1105, 1107, 1110, 1112};
     constexpr int kTemplates = 500;
     constexpr int kButtons = 32;
-    store.templateCount = kTemplates;
-    store.ResizeTemplates(kTemplates);
+    store.templates.templateCount = kTemplates;
+    store.templates.Resize(kTemplates);
     for (int t = 0; t < kTemplates; ++t) {
         const auto i = static_cast<size_t>(t);
-        store.templateNames[i] = Numbered("TEMPLATE %03d", t + 1);
-        store.templateIndex[i] = static_cast<int16_t>(t);
-        store.templatePosition[i] = static_cast<int16_t>(t);
-        ButtonTemplate& tpl = store.buttonTemplates[i];
+        store.templates.templateNames[i] = Numbered("TEMPLATE %03d", t + 1);
+        store.templates.templateIndex[i] = static_cast<int16_t>(t);
+        store.templates.templatePosition[i] = static_cast<int16_t>(t);
+        ButtonTemplate& tpl = store.templates.buttonTemplates[i];
         tpl.number = static_cast<int16_t>(t + 1);
         tpl.buttonCount = kButtons;
         tpl.buttons.assign(kButtons, PanelButton::Cleared());

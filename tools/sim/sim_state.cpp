@@ -86,28 +86,19 @@ void SimState::ReplacePassword(std::string password) {
 }
 
 void SimState::ReplaceDisplayLists(SubType subType, PanelStore& from) {
-    m_store.lists(subType) = std::move(from.lists(subType));
-    m_store.listCount(subType) = from.listCount(subType);
+    m_store.listTable(subType) = std::move(from.listTable(subType));
     m_answers[static_cast<size_t>(AnswerKind::InputLists) + static_cast<size_t>(subType)].reset();
     Changed();
 }
 
 void SimState::ReplaceUserGroups(PanelStore& from) {
-    m_store.userGroupCount = from.userGroupCount;
-    m_store.userGroupNames = std::move(from.userGroupNames);
-    m_store.userGroups = std::move(from.userGroups);
-    m_store.userGroupIndex = std::move(from.userGroupIndex);
-    m_store.userGroupNumber = std::move(from.userGroupNumber);
+    m_store.groups = std::move(from.groups);
     m_answers[static_cast<size_t>(AnswerKind::UserGroups)].reset();
     Changed();
 }
 
 void SimState::ReplaceTemplates(PanelStore& from) {
-    m_store.templateCount = from.templateCount;
-    m_store.templateNames = std::move(from.templateNames);
-    m_store.buttonTemplates = std::move(from.buttonTemplates);
-    m_store.templateIndex = std::move(from.templateIndex);
-    m_store.templatePosition = std::move(from.templatePosition);
+    m_store.templates = std::move(from.templates);
     m_answers[static_cast<size_t>(AnswerKind::Templates)].reset();
     Changed();
 }
@@ -115,12 +106,11 @@ void SimState::ReplaceTemplates(PanelStore& from) {
 PanelStore SimState::ScratchFor(uint8_t command) const {
     PanelStore copy;
     if (command == 0xDF) {
-        copy.displayListCount = m_store.displayListCount;
         copy.displayLists = m_store.displayLists;
     } else if (command == 0xCC) {
-        copy.AssignUserGroups(m_store);
+        copy.groups = m_store.groups;
     } else if (command == 0xFD) {
-        copy.AssignTemplates(m_store);
+        copy.templates = m_store.templates;
     }
     return copy;
 }
