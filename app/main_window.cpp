@@ -125,7 +125,7 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     BuildLayout();
 
     connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
-    connect(m_connection, &Connection::storeChanged, this, &MainWindow::OnStoreChanged);
+    connect(m_connection, &Connection::partReceived, this, &MainWindow::OnPartReceived);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
     m_stepBase = TakeSnapshot(m_store);
     m_serverParts = m_stepBase;
@@ -367,21 +367,22 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
     m_log.ReportError(location, category, failure);
 }
 
-void MainWindow::OnStoreChanged(StoreChange change, SubType subType) {
-    NoteReceived(change, subType);
-    switch (change) {
-    case StoreChange::UserGroups:
+void MainWindow::OnPartReceived(Part part) {
+    NoteReceived(part);
+    const PartInfo& info = Info(part);
+    switch (info.kind) {
+    case PartKind::UserGroups:
         m_views->DisplayUserGroups();
         m_views->ShowGroupData(m_store.currentUserGroup);
         break;
-    case StoreChange::DisplayLists:
+    case PartKind::DisplayLists:
         m_views->ShowDisplayListData(m_store.currentList);
         break;
-    case StoreChange::Alphas:
-        m_channelModels->Rebuild(m_store, subType);
+    case PartKind::Alphas:
+        m_channelModels->Rebuild(m_store, *info.subType);
         break;
-    case StoreChange::Password:
-    case StoreChange::Templates:
+    case PartKind::Password:
+    case PartKind::Templates:
         break;
     }
     RefreshProgress();
@@ -593,7 +594,7 @@ void MainWindow::LoadAll() {
         break;
     }
     // Redrawn as a group download is: the groups, then the current group's lists.
-    OnStoreChanged(StoreChange::UserGroups, SubType::Input);
+    OnPartReceived(Part::UserGroups);
     setUnappliedChanges(true);
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
 }
@@ -613,24 +614,7 @@ void MainWindow::OnLinkConnected() {
     m_heldParts = {};
 }
 
-void MainWindow::NoteReceived(StoreChange change, SubType subType) {
-    Part part = Part::Password;
-    switch (change) {
-    case StoreChange::Password:
-        break;
-    case StoreChange::Alphas:
-        part = AlphasPart(subType);
-        break;
-    case StoreChange::DisplayLists:
-        part = ListsPart(subType);
-        break;
-    case StoreChange::UserGroups:
-        part = Part::UserGroups;
-        break;
-    case StoreChange::Templates:
-        part = Part::Templates;
-        break;
-    }
+void MainWindow::NoteReceived(Part part) {
     m_receivedParts.add(part);
     const PartSet held = PartSet{part} & kUploadParts;
     m_heldParts |= held;

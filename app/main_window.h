@@ -94,7 +94,7 @@ protected:
 private:
     void BuildMenus();
     void BuildLayout();
-    void OnStoreChanged(StoreChange change, SubType subType);
+    void OnPartReceived(Part part);
     void OnLoginFinished();
     void RefreshProgress();
     void RefreshAfterPopup();
@@ -102,7 +102,7 @@ private:
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
     ErrorReporter Reporter();
     void OnLinkConnected();
-    void NoteReceived(StoreChange change, SubType subType);
+    void NoteReceived(Part part);
     // Apply's safeguards: ask before replacing parts never received, and
     // keep what the server module held as a backup.
     bool ConfirmUnreceivedParts();

@@ -18,7 +18,7 @@ namespace {
 
 class NullObserver : public SessionObserver {
 public:
-    void StoreChanged(StoreChange, SubType) override { ++changes; }
+    void PartReceived(Part) override { ++changes; }
     void WriteErrorLog(std::string_view, std::string_view) override { ++errors; }
     void ReportError(std::string_view, std::string_view, const Failure&) override { ++errors; }
     void LogActivity(std::string_view, std::string_view) override {}

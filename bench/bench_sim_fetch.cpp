@@ -74,7 +74,7 @@ void BM_SimFetch(benchmark::State& st, const char* demoName) {
         lumeth::Connection connection(store, link, log);
         int answers = 0;
         QEventLoop loop;
-        QObject::connect(&connection, &lumeth::Connection::storeChanged, &loop, [&] {
+        QObject::connect(&connection, &lumeth::Connection::partReceived, &loop, [&] {
             if (++answers == kAnswers) {
                 loop.quit();
             }

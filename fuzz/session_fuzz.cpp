@@ -15,7 +15,7 @@ namespace {
 
 class QuietObserver : public lumeth::SessionObserver {
 public:
-    void StoreChanged(lumeth::StoreChange, lumeth::SubType) override {}
+    void PartReceived(lumeth::Part) override {}
     void WriteErrorLog(std::string_view, std::string_view) override {}
     void ReportError(std::string_view, std::string_view, const lumeth::Failure&) override {}
     void LogActivity(std::string_view, std::string_view) override {}

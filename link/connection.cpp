@@ -297,8 +297,8 @@ void Connection::OnPollTick() {
     }
 }
 
-void Connection::StoreChanged(StoreChange change, SubType subType) {
-    emit storeChanged(change, subType);
+void Connection::PartReceived(Part part) {
+    emit partReceived(part);
 }
 
 void Connection::WriteErrorLog(std::string_view message, std::string_view location) {

@@ -86,7 +86,7 @@ public:
 
 signals:
     void statusTextChanged(const QString& text); // "Server Module Connected" / "... Not Connected"
-    void storeChanged(lumeth::StoreChange change, lumeth::SubType subType);
+    void partReceived(lumeth::Part part);
     void linkConnected();
     void linkDisconnected();
     // A connect attempt failed or the socket reported an error (text from the socket).
@@ -103,7 +103,7 @@ private:
     bool WritePiece(std::string_view piece, bool isLast);
 
     // SessionObserver
-    void StoreChanged(StoreChange change, SubType subType) override;
+    void PartReceived(Part part) override;
     void WriteErrorLog(std::string_view message, std::string_view location) override;
     void ReportError(std::string_view location, std::string_view category,
                      const Failure& failure) override;

@@ -122,7 +122,7 @@ void Password(LinkSession& session, SessionObserver& observer, std::string_view 
         state.serverPassword = std::string(message.substr(3, length));
         state.passwordReceived = true;
         state.pendingA &= ~request::kPassword;
-        observer.StoreChanged(StoreChange::Password, SubType::Input);
+        observer.PartReceived(Part::Password);
     });
 }
 
@@ -192,7 +192,7 @@ void AlphaTable(LinkSession& session, SessionObserver& observer, std::string_vie
         const AlphaKind kind = AlphaKindOf(*subType);
         session.state().pendingA &= ~kind.pendingBit;
         observer.LogActivity(kind.text, kActivityLocation);
-        observer.StoreChanged(StoreChange::Alphas, *subType);
+        observer.PartReceived(AlphasPart(*subType));
     });
 }
 
@@ -250,7 +250,7 @@ void DisplayLists(LinkSession& session, SessionObserver& observer, std::string_v
         session.store().lists(*subType) = std::move(lists);
         session.store().listCount(*subType) = static_cast<int16_t>(n);
         session.state().pendingC &= ~kind.pendingBit;
-        observer.StoreChanged(StoreChange::DisplayLists, *subType);
+        observer.PartReceived(ListsPart(*subType));
     });
 }
 
@@ -307,7 +307,7 @@ void UserGroups(LinkSession& session, SessionObserver& observer, std::string_vie
         }
         observer.LogActivity("Group Data", kActivityLocation);
         session.state().pendingC &= ~request::kUserGroups;
-        observer.StoreChanged(StoreChange::UserGroups, SubType::Input);
+        observer.PartReceived(Part::UserGroups);
     });
 }
 
@@ -398,7 +398,7 @@ void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
         store.templates.buttonTemplates = std::move(fresh);
         session.state().pendingC &= ~request::kTemplates;
         observer.LogActivity("Button Templates", kActivityLocation);
-        observer.StoreChanged(StoreChange::Templates, SubType::Input);
+        observer.PartReceived(Part::Templates);
     });
 }
 

@@ -8,24 +8,18 @@
 #include "link/link_state.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
-
-// What a handled message changed, so the window can redraw.
-enum class StoreChange {
-    Password,
-    Alphas,       // `subType` says which
-    DisplayLists, // `subType` says which
-    UserGroups,
-    Templates,
-};
 
 // How the session reports to its owner. The owner writes log lines to the
 // error log and redraws views; the session never does I/O itself.
 class SessionObserver {
 public:
     virtual ~SessionObserver() = default;
-    virtual void StoreChanged(StoreChange change, SubType subType) = 0;
+    // A part arrived intact and replaced its part of the store (or the
+    // server's password), so the window can redraw.
+    virtual void PartReceived(Part part) = 0;
     // A fixed protocol line ("Message Length Error", "Invalid Data 2 bytes").
     virtual void WriteErrorLog(std::string_view message, std::string_view location) = 0;
     // A failure under the error-report convention ("Error # N - description").

@@ -103,7 +103,7 @@ std::vector<int16_t> Channels(const DisplayList& list) {
 
 // Decodes the groups of an upload as the download does.
 struct QuietObserver : SessionObserver {
-    void StoreChanged(StoreChange, SubType) override {}
+    void PartReceived(Part) override {}
     void WriteErrorLog(std::string_view, std::string_view) override {}
     void ReportError(std::string_view, std::string_view, const Failure&) override {}
     void LogActivity(std::string_view, std::string_view) override {}

@@ -109,9 +109,9 @@ TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
 
     // What the session stores is announced as a store change.
     int passwordChanges = 0;
-    QObject::connect(m_connection.get(), &Connection::storeChanged,
-                     [&](StoreChange change, SubType) {
-                         passwordChanges += change == StoreChange::Password ? 1 : 0;
+    QObject::connect(m_connection.get(), &Connection::partReceived,
+                     [&](Part part) {
+                         passwordChanges += part == Part::Password ? 1 : 0;
                      });
     peer.Send(testing::PasswordAnswer("abc"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return m_state.passwordReceived; }, 2000));

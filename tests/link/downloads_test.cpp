@@ -32,40 +32,40 @@ TEST(Download, AcceptedMessagesClearTheirBitAndSayWhatChanged) {
         std::string message;
         uint32_t bitA, bitC;
         std::vector<std::string> activities;
-        std::pair<StoreChange, SubType> change;
+        Part change;
     };
     const Case cases[] = {
-        {PasswordAnswer("abc"), request::kPassword, 0, {}, {StoreChange::Password, SubType::Input}},
+        {PasswordAnswer("abc"), request::kPassword, 0, {}, Part::Password},
         {AlphaBody(20, 5, {"beta"}, {0}).Finish(),
          request::kOutputAlphas,
          0,
          {"Output Alphas"},
-         {StoreChange::Alphas, SubType::Output}},
+         Part::OutputAlphas},
         {AlphaBody(40, 5, {"beta"}, {0}).Finish(),
          request::kRelayAlphas,
          0,
          {"Relay Alphas"},
-         {StoreChange::Alphas, SubType::Relay}},
+         Part::RelayAlphas},
         {ListBody(11, 16, {{"Mix", {1}}}).Finish(),
          0,
          request::kInputLists,
          {"Source Display Lists"},
-         {StoreChange::DisplayLists, SubType::Input}},
+         Part::InputLists},
         {ListBody(21, 16, {{"Mix", {1}}}).Finish(),
          0,
          request::kOutputLists,
          {"Destination Display Lists"},
-         {StoreChange::DisplayLists, SubType::Output}},
+         Part::OutputLists},
         {GroupBody(16, {{"Studio", {}}}).Finish(),
          0,
          request::kUserGroups,
          {"Group Data"},
-         {StoreChange::UserGroups, SubType::Input}},
+         Part::UserGroups},
         {ButtonBody(1, 0, 8, 16, {{"Desk", 5, {}}}).Finish(),
          0,
          request::kTemplates,
          {"Button Templates"},
-         {StoreChange::Templates, SubType::Input}},
+         Part::Templates},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(Hex(c.message));
@@ -76,7 +76,7 @@ TEST(Download, AcceptedMessagesClearTheirBitAndSayWhatChanged) {
         EXPECT_EQ(h.state.pendingA, request::kEverythingA & ~c.bitA);
         EXPECT_EQ(h.state.pendingC, request::kEverythingC & ~c.bitC);
         EXPECT_EQ(h.observer.activities, c.activities);
-        EXPECT_EQ(h.observer.changes, (std::vector<std::pair<StoreChange, SubType>>{c.change}));
+        EXPECT_EQ(h.observer.changes, std::vector<Part>{c.change});
     }
 }
 

@@ -19,8 +19,8 @@ public:
         Failure failure;
     };
 
-    void StoreChanged(StoreChange change, SubType subType) override {
-        changes.emplace_back(change, subType);
+    void PartReceived(Part part) override {
+        changes.push_back(part);
     }
     void WriteErrorLog(std::string_view message, std::string_view location) override {
         logLines.push_back(std::string(message) + "|" + std::string(location));
@@ -35,7 +35,7 @@ public:
 
     bool Quiet() const { return logLines.empty() && reports.empty(); }
 
-    std::vector<std::pair<StoreChange, SubType>> changes;
+    std::vector<Part> changes;
     std::vector<std::string> logLines; // "message|location"
     std::vector<Report> reports;
     std::vector<std::string> activities;

@@ -13,7 +13,7 @@ class ClientRecorder : public SessionObserver {
 public:
     std::vector<std::string> errors;
 
-    void StoreChanged(StoreChange, SubType) override {}
+    void PartReceived(Part) override {}
     void WriteErrorLog(std::string_view message, std::string_view) override {
         errors.emplace_back(message);
     }

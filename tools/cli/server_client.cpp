@@ -162,8 +162,8 @@ ServerClient::ServerClient(const ServerOptions& options)
                      [this] { m_wasConnected = true; });
     QObject::connect(m_connection.get(), &Connection::linkDisconnected, m_connection.get(),
                      [this] { m_linkLost = true; });
-    QObject::connect(m_connection.get(), &Connection::storeChanged, m_connection.get(),
-                     [this](StoreChange change, SubType subType) { PartArrived(change, subType); });
+    QObject::connect(m_connection.get(), &Connection::partReceived, m_connection.get(),
+                     [this](Part part) { PartArrived(part); });
     QObject::connect(m_connection.get(), &Connection::linkError, m_connection.get(),
                      [this](const QString& reason) {
                          m_linkError = reason.toStdString();
@@ -194,24 +194,25 @@ ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done
     }
 }
 
-void ServerClient::PartArrived(StoreChange change, SubType subType) {
+void ServerClient::PartArrived(Part p) {
     // Its row in kPendingBits.
-    const auto index = static_cast<size_t>(subType);
+    const PartInfo& info = Info(p);
+    const size_t index = info.subType ? Index(*info.subType) : 0;
     size_t row = 0;
-    switch (change) {
-    case StoreChange::Password:
+    switch (info.kind) {
+    case PartKind::Password:
         row = 0;
         break;
-    case StoreChange::Alphas:
+    case PartKind::Alphas:
         row = 1 + index;
         break;
-    case StoreChange::UserGroups:
+    case PartKind::UserGroups:
         row = 5;
         break;
-    case StoreChange::Templates:
+    case PartKind::Templates:
         row = 6;
         break;
-    case StoreChange::DisplayLists:
+    case PartKind::DisplayLists:
         row = 7 + index;
         break;
     }

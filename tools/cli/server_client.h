@@ -86,7 +86,7 @@ private:
     WaitResult WaitForParts(uint32_t needA, uint32_t needC);
     // Forget what has arrived and ask for everything.
     void RequestEverything();
-    void PartArrived(StoreChange change, SubType subType);
+    void PartArrived(Part part);
     // Put every part received since the last request for everything back
     // into the store as it was when it arrived.
     void RestoreKeptParts();

@@ -20,14 +20,12 @@ std::string HexByte(uint8_t b) {
 class UploadCheck : public SessionObserver {
 public:
     bool changed = false;
-    StoreChange change = StoreChange::Password;
-    SubType subType = SubType::Input;
+    Part part = Part::Password;
     std::string problems;
 
-    void StoreChanged(StoreChange c, SubType s) override {
+    void PartReceived(Part p) override {
         changed = true;
-        change = c;
-        subType = s;
+        part = p;
     }
     void WriteErrorLog(std::string_view message, std::string_view location) override {
         Add(std::string(message) + (location.empty() ? "" : " (" + std::string(location) + ")"));
@@ -207,32 +205,33 @@ void SimSession::HandleUpload(const std::string& frame) {
     const std::string name = "upload " + HexByte(command);
     bool accepted = false;
     if (check.changed) {
-        switch (check.change) {
-        case StoreChange::Password:
+        const PartInfo& info = Info(check.part);
+        switch (info.kind) {
+        case PartKind::Password:
             accepted = command == 0x80;
             if (accepted) {
                 m_state.ReplacePassword(link.serverPassword);
             }
             break;
-        case StoreChange::DisplayLists:
+        case PartKind::DisplayLists:
             accepted = command == 0xDF;
             if (accepted) {
-                m_state.ReplaceDisplayLists(check.subType, scratch);
+                m_state.ReplaceDisplayLists(*info.subType, scratch);
             }
             break;
-        case StoreChange::UserGroups:
+        case PartKind::UserGroups:
             accepted = command == 0xCC;
             if (accepted) {
                 m_state.ReplaceUserGroups(scratch);
             }
             break;
-        case StoreChange::Templates:
+        case PartKind::Templates:
             accepted = command == 0xFD;
             if (accepted) {
                 m_state.ReplaceTemplates(scratch);
             }
             break;
-        case StoreChange::Alphas:
+        case PartKind::Alphas:
             break;
         }
     }
