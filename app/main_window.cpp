@@ -419,7 +419,6 @@ void MainWindow::ShowListEditor() {
         m_listEditor = new DisplayListEditor(m_store, m_folder, Reporter(), this);
         m_listEditor->setStepHook([this] { RecordStep(); });
     }
-    m_listEditor->Open();
     m_listEditor->exec();
     RecordStep();
     if (m_listEditor->storeChanged())

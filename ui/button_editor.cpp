@@ -29,30 +29,32 @@
 #include "files/settings.h"
 #include "model/button_catalogue.h"
 #include "model/button_templates.h"
+#include "model/limits.h"
+#include "ui/busy_flag.h"
 #include "ui/channel_list_models.h"
 #include "ui/control_array.h"
 #include "ui/duplicate_template_dialog.h"
 #include "ui/file_dialog.h"
 #include "ui/label_sheet_pdf.h"
+#include "ui/named_widgets.h"
 #include "ui/qt_text.h"
+#include "ui/typed_key.h"
 
 namespace lumeth {
 
 namespace {
 
-constexpr int kLabelLength = 8;
-constexpr int kNameLength = 16;
 constexpr int kNumberDigits = 3;
+constexpr std::string_view kButtonError = "Button Error";
 
 // Puts `text` on a key face, in a smaller font when the dialog's font would
 // cut it: a system alpha can be wider than the key, and a panel operator
 // reads the whole name or nothing. Channel names come blank-padded to their
 // table's width; the padding is left off, or it would push the name off the
 // key's centre and make it look wider than it is.
-void SetFaceText(QPushButton* key, QString text) {
-    while (text.endsWith(QLatin1Char(' ')))
-        text.chop(1);
-    key->setText(text);
+void SetFaceText(QPushButton* key, std::string_view text) {
+    const QString shown = ToQt(TrimTrailingBlanks(text));
+    key->setText(shown);
     QFont font = key->parentWidget()->font();
     const int room = (key->isVisible() ? key->width() : key->minimumWidth()) - 10;
     constexpr qreal kSmallestPoints = 6.5;
@@ -60,59 +62,44 @@ void SetFaceText(QPushButton* key, QString text) {
     QFont measured = font;
     measured.setBold(true);
     while (measured.pointSizeF() > kSmallestPoints &&
-           QFontMetricsF(measured).horizontalAdvance(text) > room)
+           QFontMetricsF(measured).horizontalAdvance(shown) > room)
         measured.setPointSizeF(measured.pointSizeF() - 0.5);
     font.setPointSizeF(measured.pointSizeF());
     key->setFont(font);
 }
 
-QPushButton* MakeButton(QWidget* parent, const QString& caption, const QString& tip = {}) {
-    auto* button = new QPushButton(caption, parent);
-    // Enter belongs to the text boxes and the channel search, never to a button.
-    button->setAutoDefault(false);
-    if (!tip.isEmpty())
-        button->setToolTip(tip);
-    return button;
+// The face of the selected key: the start of its channel's entry, as much as
+// a label holds, or "None" without a channel.
+std::string FaceOf(int channel, const QString& entry) {
+    return channel == kNoChannel ? std::string("None") : FromQt(entry.left(int(kLabelWidth)));
 }
 
 QString TwoDigits(int n) {
     return QStringLiteral("%1").arg(n, 2, 10, QLatin1Char('0'));
 }
 
-// A character typed into a text box, as opposed to Enter, Tab, arrows and
-// shortcuts; nullopt for those.
-std::optional<QChar> TypedCharacter(const QKeyEvent* key) {
-    const QString text = key->text();
-    if (text.isEmpty() || key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
-        return std::nullopt;
-    const QChar ch = text.front();
-    if (ch.unicode() < 32 || ch.unicode() == 127)
-        return std::nullopt;
-    return ch;
-}
-
-bool IsEnter(const QKeyEvent* key) {
-    return key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+// Enter on text typed into a channel list takes the first entry holding it,
+// the one on top of the search list, as when that entry is chosen from the list.
+void ChooseFirstMatch(QComboBox* combo) {
+    const QString typed = combo->currentText();
+    if (typed.isEmpty() || typed == combo->itemText(combo->currentIndex()))
+        return;
+    QCompleter* completer = combo->completer();
+    completer->setCompletionPrefix(typed);
+    auto* matches = qobject_cast<QAbstractProxyModel*>(completer->completionModel());
+    if (matches == nullptr || !completer->setCurrentRow(0))
+        return;
+    const QModelIndex entry = matches->mapToSource(completer->currentIndex());
+    if (entry.isValid())
+        combo->setCurrentIndex(entry.row());
 }
 
 // The length rule of the label and name boxes: once full, only Backspace or
 // typing over a selection gets through.
-bool RefusedWhenFull(const QLineEdit* box, const QKeyEvent* key, int limit) {
-    return key->key() != Qt::Key_Backspace && TypedCharacter(key) && box->text().size() >= limit &&
-           !box->hasSelectedText();
+bool RefusedWhenFull(const QLineEdit* box, const QKeyEvent* key, size_t limit) {
+    return key->key() != Qt::Key_Backspace && TypedCharacter(key) &&
+           static_cast<size_t>(box->text().size()) >= limit && !box->hasSelectedText();
 }
-
-class UpdatingScope {
-public:
-    explicit UpdatingScope(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
-    ~UpdatingScope() { m_flag = m_was; }
-    UpdatingScope(const UpdatingScope&) = delete;
-    UpdatingScope& operator=(const UpdatingScope&) = delete;
-
-private:
-    bool& m_flag;
-    bool m_was;
-};
 
 } // namespace
 
@@ -127,20 +114,22 @@ ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorRe
     setStyleSheet("QPushButton[controlArray=\"cmdButton\"]:checked {"
                   " background: #ffe3a3; border: 2px solid #d98c1f; border-radius: 3px;"
                   " font-weight: bold; }");
-    BuildLayout();
-    BuildMenu();
+    createLayout();
+    createMenu();
 
     // A download of channel names rebuilds the shared lists under the open
     // window: keep the handlers quiet meanwhile and show the button again.
-    connect(&m_models, &ChannelListModels::aboutToRebuild, this, [this] { m_updating = true; });
+    connect(&m_models, &ChannelListModels::aboutToRebuild, this,
+            [this] { m_rebuilding.emplace(); });
     connect(&m_models, &ChannelListModels::rebuilt, this, [this] {
-        m_updating = false;
+        m_rebuilding.reset();
         if (isVisible())
-            Guarded("Error Displaying Buttons", [this] { DisplayCurrentButton(); });
+            Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+                    [this] { DisplayCurrentButton(); });
     });
 }
 
-void ButtonEditor::BuildMenu() {
+void ButtonEditor::createMenu() {
     auto* bar = new QMenuBar(this);
     bar->setObjectName("mnuBar");
     QMenu* file = bar->addMenu("&File");
@@ -162,51 +151,81 @@ void ButtonEditor::BuildMenu() {
     layout()->setMenuBar(bar);
 }
 
-void ButtonEditor::BuildLayout() {
-    // The 16 keys of a page, two rows of eight as on the panel: number above,
-    // the key between its two colour strips, the function's short label below.
+void ButtonEditor::createLayout() {
+    // Built in tab order: the keys, the page switch, the selected button,
+    // the templates, the commands.
+    QGroupBox* keys = createKeysGroup();
+    m_more =
+        MakeButton(this, "cmdMore", "Buttons 17-32", "Show the other 16 buttons of the template");
+    connect(m_more, &QPushButton::clicked, this, &ButtonEditor::ChangePage);
+    QGroupBox* edit = createButtonGroup();
+    QGroupBox* navigation = createNavigationGroup();
+    QVBoxLayout* commands = createCommands();
+
+    auto* pageRow = new QHBoxLayout;
+    pageRow->addWidget(m_more);
+    pageRow->addStretch(1);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(navigation, 1);
+    bottom->addLayout(commands);
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(keys, 0, 0);
+    grid->addLayout(pageRow, 1, 0);
+    grid->addWidget(edit, 0, 1, 2, 1);
+    grid->addLayout(bottom, 2, 0, 1, 2);
+    grid->setColumnStretch(0, 3);
+    grid->setColumnStretch(1, 2);
+}
+
+QGroupBox* ButtonEditor::createKeysGroup() {
+    // The 16 keys of a page, two rows of eight as on the panel.
     auto* keys = new QGroupBox(this);
     keys->setObjectName("frButtons");
-    auto* keyGrid = new QGridLayout(keys);
-    keyGrid->setHorizontalSpacing(10);
-    keyGrid->setVerticalSpacing(2);
-    auto* keyGroup = new QButtonGroup(this);
-    keyGroup->setExclusive(true);
+    auto* grid = new QGridLayout(keys);
+    grid->setHorizontalSpacing(10);
+    grid->setVerticalSpacing(2);
+    auto* group = new QButtonGroup(this);
+    group->setExclusive(true);
     for (int p = 0; p < 16; ++p) {
-        const int row = (p / 8) * 6;
-        const int column = p % 8;
-        m_buttonLabels[p] =
-            ArrayMember(new QLabel(QStringLiteral("Btn %1").arg(p + 1), keys), "lblButton", p);
-        m_buttonLabels[p]->setAlignment(Qt::AlignCenter);
-        m_buttons[p] = ArrayMember(
-            MakeButton(keys, "None", "Click to Edit Current Button for Current Template"),
-            "cmdButton", p);
-        m_buttons[p]->setCheckable(true);
-        m_buttons[p]->setMinimumSize(70, 44);
-        keyGroup->addButton(m_buttons[p], p);
-        m_typeLabels[p] = ArrayMember(new QLabel("SrcSel", keys), "lblType", p);
-        m_typeLabels[p]->setAlignment(Qt::AlignCenter);
-        QLabel* strips[2];
-        for (int k = 0; k < 2; ++k) {
-            strips[k] = ArrayMember(new QLabel(keys), "lblColor", 2 * p + k);
-            strips[k]->setFixedHeight(4);
-            strips[k]->setAutoFillBackground(true);
-            QPalette palette = strips[k]->palette();
-            palette.setColor(QPalette::Window, QColor(0xd9, 0x8c, 0x1f));
-            strips[k]->setPalette(palette);
-        }
-        keyGrid->addWidget(m_buttonLabels[p], row, column);
-        keyGrid->addWidget(strips[0], row + 1, column);
-        keyGrid->addWidget(m_buttons[p], row + 2, column);
-        keyGrid->addWidget(strips[1], row + 3, column);
-        keyGrid->addWidget(m_typeLabels[p], row + 4, column);
-        connect(m_buttons[p], &QPushButton::clicked, this, [this, p] { ButtonClicked(p); });
+        createKey(keys, grid, p);
+        group->addButton(m_buttons[p], p);
     }
-    keyGrid->setRowMinimumHeight(5, 14);
-    m_more = MakeButton(this, "Buttons 17-32", "Show the other 16 buttons of the template");
-    m_more->setObjectName("cmdMore");
-    connect(m_more, &QPushButton::clicked, this, &ButtonEditor::ChangePage);
+    grid->setRowMinimumHeight(5, 14);
+    return keys;
+}
 
+void ButtonEditor::createKey(QGroupBox* keys, QGridLayout* grid, int p) {
+    // Number above, the key between its two colour strips, the function's
+    // short label below.
+    const int row = (p / 8) * 6;
+    const int column = p % 8;
+    m_buttonLabels[p] =
+        ArrayMember(new QLabel(QStringLiteral("Btn %1").arg(p + 1), keys), "lblButton", p);
+    m_buttonLabels[p]->setAlignment(Qt::AlignCenter);
+    m_buttons[p] = ArrayMember(
+        MakeButton(keys, nullptr, "None", "Click to Edit Current Button for Current Template"),
+        "cmdButton", p);
+    m_buttons[p]->setCheckable(true);
+    m_buttons[p]->setMinimumSize(70, 44);
+    m_typeLabels[p] = ArrayMember(new QLabel("SrcSel", keys), "lblType", p);
+    m_typeLabels[p]->setAlignment(Qt::AlignCenter);
+    grid->addWidget(m_buttonLabels[p], row, column);
+    for (int k = 0; k < 2; ++k) {
+        auto* strip = ArrayMember(new QLabel(keys), "lblColor", 2 * p + k);
+        strip->setFixedHeight(4);
+        strip->setAutoFillBackground(true);
+        QPalette palette = strip->palette();
+        palette.setColor(QPalette::Window, QColor(0xd9, 0x8c, 0x1f));
+        strip->setPalette(palette);
+        grid->addWidget(strip, row + 1 + 2 * k, column);
+    }
+    grid->addWidget(m_buttons[p], row + 2, column);
+    grid->addWidget(m_typeLabels[p], row + 4, column);
+    connect(m_buttons[p], &QPushButton::clicked, this, [this, p] { ButtonClicked(p); });
+}
+
+QGroupBox* ButtonEditor::createButtonGroup() {
     // The selected button's function, channels and label.
     auto* edit = new QGroupBox(this);
     edit->setObjectName("frButton");
@@ -219,53 +238,59 @@ void ButtonEditor::BuildLayout() {
     m_type->setObjectName("cmbType");
     m_type->setToolTip("The button's function");
     connect(m_type, &QComboBox::currentIndexChanged, this, &ButtonEditor::TypeChanged);
-    const char* channelTips[2] = {
+    for (int i = 0; i < 2; ++i)
+        m_channels[i] = createChannelList(edit, i);
+
+    auto* grid = new QGridLayout(edit);
+    grid->addWidget(m_buttonLabels[16], 0, 0, 1, 2);
+    grid->addWidget(new QLabel("Function", edit), 1, 0);
+    grid->addWidget(m_type, 1, 1);
+    grid->addWidget(new QLabel("Channel", edit), 2, 0);
+    grid->addWidget(m_channels[0], 2, 1);
+    grid->addWidget(new QLabel("Tally / Listen", edit), 3, 0);
+    grid->addWidget(m_channels[1], 3, 1);
+    grid->addWidget(createCaptionGroup(edit), 4, 0, 1, 2);
+    grid->setRowStretch(5, 1);
+    grid->setColumnStretch(1, 1);
+    return edit;
+}
+
+QComboBox* ButtonEditor::createChannelList(QWidget* parent, int list) {
+    static const char* const kTips[2] = {
         "The button's channel. Type part of a name to find it.",
         "The tally or listen channel, for functions that have one. Type part of a name to "
         "find it."};
-    for (int i = 0; i < 2; ++i) {
-        auto* combo = ArrayMember(new QComboBox(edit), "cmbChannel", i);
-        combo->setToolTip(channelTips[i]);
-        combo->setEditable(true);
-        combo->setInsertPolicy(QComboBox::NoInsert);
-        combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        combo->setMinimumContentsLength(18);
-        combo->setMaxVisibleItems(20);
-        if (auto* list = qobject_cast<QListView*>(combo->view()))
-            list->setUniformItemSizes(true);
-        // Find a channel by any part of its entry, ignoring case.
-        auto* completer = new QCompleter(combo);
-        completer->setCaseSensitivity(Qt::CaseInsensitive);
-        completer->setFilterMode(Qt::MatchContains);
-        completer->setCompletionMode(QCompleter::PopupCompletion);
-        completer->setMaxVisibleItems(14);
-        combo->setCompleter(completer);
-        combo->setModel(m_models.model(std::nullopt));
-        connect(combo, &QComboBox::currentIndexChanged, this,
-                [this, i](int position) { ChannelChanged(i, position); });
-        // Enter on typed text takes the first entry holding it, the one on top
-        // of the search list, as when that entry is chosen from the list.
-        connect(combo->lineEdit(), &QLineEdit::returnPressed, combo, [combo] {
-            const QString typed = combo->currentText();
-            if (typed.isEmpty() || typed == combo->itemText(combo->currentIndex()))
-                return;
-            QCompleter* completer = combo->completer();
-            completer->setCompletionPrefix(typed);
-            auto* matches = qobject_cast<QAbstractProxyModel*>(completer->completionModel());
-            if (matches == nullptr || !completer->setCurrentRow(0))
-                return;
-            const QModelIndex entry = matches->mapToSource(completer->currentIndex());
-            if (entry.isValid())
-                combo->setCurrentIndex(entry.row());
-        });
-        // Text that names no entry leaves the button as it is: show its entry again.
-        connect(combo->lineEdit(), &QLineEdit::editingFinished, combo, [combo] {
-            if (combo->currentText() != combo->itemText(combo->currentIndex()))
-                combo->setEditText(combo->itemText(combo->currentIndex()));
-        });
-        m_channels[i] = combo;
-    }
-    auto* frCaption = new QGroupBox("Button Label", edit);
+    auto* combo = ArrayMember(new QComboBox(parent), "cmbChannel", list);
+    combo->setToolTip(kTips[list]);
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(18);
+    combo->setMaxVisibleItems(20);
+    if (auto* view = qobject_cast<QListView*>(combo->view()))
+        view->setUniformItemSizes(true);
+    // Find a channel by any part of its entry, ignoring case.
+    auto* completer = new QCompleter(combo);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->setFilterMode(Qt::MatchContains);
+    completer->setCompletionMode(QCompleter::PopupCompletion);
+    completer->setMaxVisibleItems(14);
+    combo->setCompleter(completer);
+    combo->setModel(m_models.model(std::nullopt));
+    connect(combo, &QComboBox::currentIndexChanged, this,
+            [this, list](int position) { ChannelChanged(list, position); });
+    connect(combo->lineEdit(), &QLineEdit::returnPressed, combo,
+            [combo] { ChooseFirstMatch(combo); });
+    // Text that names no entry leaves the button as it is: show its entry again.
+    connect(combo->lineEdit(), &QLineEdit::editingFinished, combo, [combo] {
+        if (combo->currentText() != combo->itemText(combo->currentIndex()))
+            combo->setEditText(combo->itemText(combo->currentIndex()));
+    });
+    return combo;
+}
+
+QGroupBox* ButtonEditor::createCaptionGroup(QWidget* parent) {
+    auto* frCaption = new QGroupBox("Button Label", parent);
     frCaption->setObjectName("frCaption");
     m_captionOptions[1] =
         ArrayMember(new QRadioButton("Use Custom Button Label", frCaption), "OptCaption", 1);
@@ -283,48 +308,18 @@ void ButtonEditor::BuildLayout() {
     m_caption->setToolTip("The button's own label, at most 8 characters. Enter stores it.");
     m_caption->setReadOnly(true);
     m_caption->installEventFilter(this);
-    auto* captionLayout = new QVBoxLayout(frCaption);
-    captionLayout->addWidget(m_captionOptions[1]);
-    captionLayout->addWidget(m_captionOptions[0]);
-    captionLayout->addWidget(m_caption);
+    auto* layout = new QVBoxLayout(frCaption);
+    layout->addWidget(m_captionOptions[1]);
+    layout->addWidget(m_captionOptions[0]);
+    layout->addWidget(m_caption);
+    return frCaption;
+}
 
-    auto* editGrid = new QGridLayout(edit);
-    editGrid->addWidget(m_buttonLabels[16], 0, 0, 1, 2);
-    editGrid->addWidget(new QLabel("Function", edit), 1, 0);
-    editGrid->addWidget(m_type, 1, 1);
-    editGrid->addWidget(new QLabel("Channel", edit), 2, 0);
-    editGrid->addWidget(m_channels[0], 2, 1);
-    editGrid->addWidget(new QLabel("Tally / Listen", edit), 3, 0);
-    editGrid->addWidget(m_channels[1], 3, 1);
-    editGrid->addWidget(frCaption, 4, 0, 1, 2);
-    editGrid->setRowStretch(5, 1);
-    editGrid->setColumnStretch(1, 1);
-
+QGroupBox* ButtonEditor::createNavigationGroup() {
     // Stepping through the templates, and the template's number and name.
     auto* frNavigation = new QGroupBox("Templates", this);
     frNavigation->setObjectName("frNavigation");
-    const char* captions[6] = {"|<", "<<", "<", ">", ">>", ">|"};
-    const char* tips[6] = {"Move to first Template",        "Move back 10 Templates",
-                           "Move to the previous Template", "Advance to the next Template",
-                           "Advance 10 Templates",          "Advance to last Template"};
-    auto* navRow = new QHBoxLayout;
-    for (int k = 0; k < 6; ++k) {
-        m_nav[k] = ArrayMember(MakeButton(frNavigation, captions[k], tips[k]), "cmdNav", k);
-        m_nav[k]->setFixedWidth(40);
-        connect(m_nav[k], &QPushButton::clicked, this, [this, k] { Navigate(k); });
-        navRow->addWidget(m_nav[k]);
-        if (k == 2) {
-            m_templateNumber = new QLineEdit(frNavigation);
-            m_templateNumber->setObjectName("txtTemplateNumber");
-            m_templateNumber->setToolTip(
-                "Current Template number.  Enter template number to jump to that template.");
-            m_templateNumber->setFixedWidth(52);
-            m_templateNumber->setAlignment(Qt::AlignCenter);
-            m_templateNumber->installEventFilter(this);
-            navRow->addWidget(m_templateNumber);
-        }
-    }
-    navRow->addStretch(1);
+    QHBoxLayout* navRow = createNavigationRow(frNavigation);
     m_templateName = new QLineEdit("Template 1", frNavigation);
     m_templateName->setObjectName("txtTemplateName");
     m_templateName->setToolTip("The template's name, at most 16 characters. Enter stores it.");
@@ -335,74 +330,76 @@ void ButtonEditor::BuildLayout() {
     auto* lblName = ArrayMember(new QLabel("Template Label", frNavigation), "lblButtonForm", 1);
     lblNumber->setBuddy(m_templateNumber);
     lblName->setBuddy(m_templateName);
-    auto* navGrid = new QGridLayout(frNavigation);
-    navGrid->addWidget(lblNumber, 0, 0);
-    navGrid->addLayout(navRow, 0, 1);
-    navGrid->addWidget(lblName, 1, 0);
-    navGrid->addWidget(m_templateName, 1, 1, Qt::AlignLeft);
+    auto* grid = new QGridLayout(frNavigation);
+    grid->addWidget(lblNumber, 0, 0);
+    grid->addLayout(navRow, 0, 1);
+    grid->addWidget(lblName, 1, 0);
+    grid->addWidget(m_templateName, 1, 1, Qt::AlignLeft);
+    return frNavigation;
+}
 
-    auto* clear = MakeButton(this, "Clear", "Clear the channels and labels of this template");
-    clear->setObjectName("cmdClear");
-    auto* add = MakeButton(this, "Add", "Add a new template");
-    add->setObjectName("CmdAdd");
-    auto* ok = MakeButton(this, "OK", "Close the window");
-    ok->setObjectName("cmdOk");
+QHBoxLayout* ButtonEditor::createNavigationRow(QWidget* parent) {
+    static const char* const kCaptions[6] = {"|<", "<<", "<", ">", ">>", ">|"};
+    static const char* const kTips[6] = {
+        "Move to first Template",       "Move back 10 Templates", "Move to the previous Template",
+        "Advance to the next Template", "Advance 10 Templates",   "Advance to last Template"};
+    auto* row = new QHBoxLayout;
+    for (int k = 0; k < 6; ++k) {
+        m_nav[k] = ArrayMember(MakeButton(parent, nullptr, kCaptions[k], kTips[k]), "cmdNav", k);
+        m_nav[k]->setFixedWidth(40);
+        connect(m_nav[k], &QPushButton::clicked, this, [this, k] { Navigate(k); });
+        row->addWidget(m_nav[k]);
+        // The number stands between stepping back and stepping on.
+        if (k == 2)
+            row->addWidget(createTemplateNumber(parent));
+    }
+    row->addStretch(1);
+    return row;
+}
+
+QLineEdit* ButtonEditor::createTemplateNumber(QWidget* parent) {
+    m_templateNumber = new QLineEdit(parent);
+    m_templateNumber->setObjectName("txtTemplateNumber");
+    m_templateNumber->setToolTip(
+        "Current Template number.  Enter template number to jump to that template.");
+    m_templateNumber->setFixedWidth(52);
+    m_templateNumber->setAlignment(Qt::AlignCenter);
+    m_templateNumber->installEventFilter(this);
+    return m_templateNumber;
+}
+
+QVBoxLayout* ButtonEditor::createCommands() {
+    auto* clear =
+        MakeButton(this, "cmdClear", "Clear", "Clear the channels and labels of this template");
+    auto* add = MakeButton(this, "CmdAdd", "Add", "Add a new template");
+    auto* ok = MakeButton(this, "cmdOk", "OK", "Close the window");
     connect(clear, &QPushButton::clicked, this, &ButtonEditor::ClearTemplate);
     connect(add, &QPushButton::clicked, this, &ButtonEditor::AddTemplate);
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);
-
     auto* commands = new QVBoxLayout;
     commands->addStretch(1);
     commands->addWidget(clear);
     commands->addWidget(add);
     commands->addWidget(ok);
-
-    auto* pageRow = new QHBoxLayout;
-    pageRow->addWidget(m_more);
-    pageRow->addStretch(1);
-
-    auto* bottom = new QHBoxLayout;
-    bottom->addWidget(frNavigation, 1);
-    bottom->addLayout(commands);
-
-    auto* grid = new QGridLayout(this);
-    grid->addWidget(keys, 0, 0);
-    grid->addLayout(pageRow, 1, 0);
-    grid->addWidget(edit, 0, 1, 2, 1);
-    grid->addLayout(bottom, 2, 0, 1, 2);
-    grid->setColumnStretch(0, 3);
-    grid->setColumnStretch(1, 2);
-}
-
-template <typename Step> void ButtonEditor::Guarded(std::string_view location, Step&& step) {
-    try {
-        step();
-    } catch (const std::exception& error) {
-        if (!m_reporter)
-            return;
-        const bool memory = dynamic_cast<const std::bad_alloc*>(&error) != nullptr;
-        m_reporter(location, "Button Error",
-                   Failure{memory ? ErrorCode::OutOfMemory : ErrorCode::SubscriptOutOfRange,
-                           error.what()});
-    }
+    return commands;
 }
 
 void ButtonEditor::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous())
-        Load();
+        Open();
 }
 
-void ButtonEditor::Load() {
-    Guarded("Error Displaying Buttons", [this] {
+void ButtonEditor::Open() {
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError, [this] {
         LoadTypeCombo();
         DisplayCurrentTemplate();
     });
 }
 
 void ButtonEditor::LoadTypeCombo() {
-    Guarded("Error Loading Type Combo Box", [this] {
-        UpdatingScope updating(m_updating);
+    Guarded(m_reporter, "Error Loading Type Combo Box", kButtonError, [this] {
+        const BusyFlag::Scope busy;
         QStringList names;
         for (const ButtonFunction& function : ButtonCatalogue())
             names << ToQt(function.longName);
@@ -434,14 +431,16 @@ void ButtonEditor::DisplayCurrentTemplate() {
         const std::string label = GetButtonLabel(m_store, m_current, b, &status);
         if (!status && unnamed)
             unnamed = status;
-        SetFaceText(m_buttons[p], ToQt(label));
+        SetFaceText(m_buttons[p], label);
         const PanelButton& button =
-            m_store.templates.buttonTemplates[static_cast<size_t>(m_current)].buttons[static_cast<size_t>(b)];
+            m_store.templates.buttonTemplates[static_cast<size_t>(m_current)]
+                .buttons[static_cast<size_t>(b)];
         m_typeLabels[p]->setText(ToQt(ButtonFunctionOf(button.type).shortLabel));
         m_buttonLabels[p]->setText(QStringLiteral("Btn %1").arg(b + 1));
     }
     m_templateNumber->setText(TwoDigits(m_current + 1));
-    m_templateName->setText(ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
+    m_templateName->setText(
+        ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
     m_templateName->setCursorPosition(0);
     DisplayCurrentButton();
     if (!unnamed)
@@ -470,14 +469,11 @@ void ButtonEditor::SelectChannel(int list, int channel) {
 }
 
 QString ButtonEditor::InputAlpha(int channel) const {
-    const std::vector<std::string>& names = m_store.alpha(SubType::Input).channelNames;
-    if (channel < 0 || static_cast<size_t>(channel) >= names.size())
-        return {};
-    return ToQt(names[static_cast<size_t>(channel)]);
+    return ToQt(RefAt(m_store.alpha(SubType::Input).channelNames, channel));
 }
 
 void ButtonEditor::DisplayCurrentButton() {
-    UpdatingScope updating(m_updating);
+    const BusyFlag::Scope busy;
     const int b = m_offset + m_button;
     m_buttonLabels[16]->setText(QStringLiteral("Button %1").arg(b + 1));
     const PanelButton& button = CurrentButtonRecord();
@@ -487,9 +483,7 @@ void ButtonEditor::DisplayCurrentButton() {
     SelectChannel(0, button.channel);
     SelectChannel(1, button.channel2);
 
-    SetFaceText(m_buttons[m_button], button.channel == kNoChannel
-                                         ? QStringLiteral("None")
-                                         : m_channels[0]->currentText().left(kLabelLength));
+    SetFaceText(m_buttons[m_button], FaceOf(button.channel, m_channels[0]->currentText()));
     m_buttons[m_button]->setChecked(true);
 
     const bool custom = (button.captionOption & 1) != 0;
@@ -500,13 +494,14 @@ void ButtonEditor::DisplayCurrentButton() {
 
 void ButtonEditor::ButtonClicked(int position) {
     m_button = position;
-    Guarded("Error Displaying Buttons", [this] { DisplayCurrentButton(); });
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+            [this] { DisplayCurrentButton(); });
 }
 
 void ButtonEditor::TypeChanged(int index) {
-    if (m_updating || index < 0)
+    if (BusyFlag::IsSet() || index < 0)
         return;
-    Guarded("Error Changing Templates", [this, index] {
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this, index] {
         const int16_t code = GetButtonTypeFromIndex(index);
         // The channels stay as they were; only the lists change.
         CurrentButtonRecord().type = code;
@@ -516,26 +511,25 @@ void ButtonEditor::TypeChanged(int index) {
 }
 
 void ButtonEditor::ChannelChanged(int list, int position) {
-    if (m_updating)
+    if (BusyFlag::IsSet())
         return;
-    Guarded("Error Changing Templates", [this, list, position] {
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this, list, position] {
         const int16_t channel = ChannelFromListPosition(position);
         PanelButton& button = CurrentButtonRecord();
         (list == 0 ? button.channel : button.channel2) = channel;
         if (list != 0)
             return;
         const QString text = m_channels[0]->currentText();
-        SetFaceText(m_buttons[m_button],
-                    channel == kNoChannel ? QStringLiteral("None") : text.left(kLabelLength));
+        SetFaceText(m_buttons[m_button], FaceOf(channel, text));
         if (m_captionOptions[0]->isChecked())
             m_caption->setText(text);
     });
 }
 
 void ButtonEditor::CaptionOptionChosen(int option) {
-    if (m_updating)
+    if (BusyFlag::IsSet())
         return;
-    Guarded("Error Changing Templates", [this, option] {
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this, option] {
         PanelButton& button = CurrentButtonRecord();
         if (option == 1) {
             m_caption->setText(ToQt(button.label));
@@ -552,7 +546,7 @@ void ButtonEditor::CaptionOptionChosen(int option) {
 }
 
 void ButtonEditor::Navigate(int index) {
-    Guarded("Error Changing Templates", [this, index] {
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this, index] {
         const int count = m_store.templates.templateCount;
         int& current = m_current;
         switch (index) {
@@ -584,7 +578,7 @@ void ButtonEditor::Navigate(int index) {
 }
 
 void ButtonEditor::ChangePage() {
-    Guarded("Error Changing Templates", [this] {
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this] {
         // The caption names the page that is not shown.
         m_offset = m_offset == 0 ? 16 : 0;
         m_more->setText(m_offset == 0 ? "Buttons 17-32" : "Buttons 1-16");
@@ -595,12 +589,14 @@ void ButtonEditor::ChangePage() {
 
 void ButtonEditor::AddTemplate() {
     m_current = AddButtonTemplate(m_store);
-    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+            [this] { DisplayCurrentTemplate(); });
 }
 
 void ButtonEditor::ClearTemplate() {
     ClearButtonTemplate(m_store, m_current);
-    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+            [this] { DisplayCurrentTemplate(); });
 }
 
 void ButtonEditor::CopyTemplate() {
@@ -614,7 +610,8 @@ void ButtonEditor::CopyTemplate() {
     dialog.exec();
     if (m_stepHook)
         m_stepHook();
-    Guarded("Error Displaying Buttons", [this] { DisplayCurrentTemplate(); });
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+            [this] { DisplayCurrentTemplate(); });
 }
 
 void ButtonEditor::ExportLabelSheet() {
@@ -636,13 +633,14 @@ void ButtonEditor::StoreCaption() {
     // the button's own, so there is nothing to store.
     if (m_caption->isReadOnly())
         return;
-    Guarded("Error Changing Templates",
+    Guarded(m_reporter, "Error Changing Templates", kButtonError,
             [this] { CurrentButtonRecord().label = FromQt(m_caption->text()); });
 }
 
 void ButtonEditor::StoreTemplateName() {
-    Guarded("Error Changing Templates", [this] {
-        m_store.templates.templateNames.at(static_cast<size_t>(m_current)) = FromQt(m_templateName->text());
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this] {
+        m_store.templates.templateNames.at(static_cast<size_t>(m_current)) =
+            FromQt(m_templateName->text());
     });
 }
 
@@ -653,11 +651,11 @@ bool ButtonEditor::CaptionKey(QKeyEvent* key) {
     }
     if (key->key() == Qt::Key_Escape) {
         if (!m_caption->isReadOnly())
-            Guarded("Error Changing Templates",
+            Guarded(m_reporter, "Error Changing Templates", kButtonError,
                     [this] { m_caption->setText(ToQt(CurrentButtonRecord().label)); });
         return true;
     }
-    return RefusedWhenFull(m_caption, key, kLabelLength);
+    return RefusedWhenFull(m_caption, key, kLabelWidth);
 }
 
 bool ButtonEditor::TemplateNameKey(QKeyEvent* key) {
@@ -666,12 +664,13 @@ bool ButtonEditor::TemplateNameKey(QKeyEvent* key) {
         return true;
     }
     if (key->key() == Qt::Key_Escape) {
-        Guarded("Error Changing Templates", [this] {
-            m_templateName->setText(ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
+        Guarded(m_reporter, "Error Changing Templates", kButtonError, [this] {
+            m_templateName->setText(
+                ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
         });
         return true;
     }
-    return RefusedWhenFull(m_templateName, key, kNameLength);
+    return RefusedWhenFull(m_templateName, key, kNameWidth);
 }
 
 bool ButtonEditor::TemplateNumberKey(QKeyEvent* key) {
@@ -679,7 +678,8 @@ bool ButtonEditor::TemplateNumberKey(QKeyEvent* key) {
         const int n = LeadingNumber(m_templateNumber->text().toStdString());
         if (n >= 1 && n <= m_store.templates.templateCount) {
             m_current = n - 1;
-            Guarded("Error Changing Templates", [this] { DisplayCurrentTemplate(); });
+            Guarded(m_reporter, "Error Changing Templates", kButtonError,
+                    [this] { DisplayCurrentTemplate(); });
         } else {
             m_templateNumber->setText(QString::number(m_current + 1));
         }

@@ -4,19 +4,23 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
-#include <string_view>
 
-#include "model/failure.h"
 #include "model/panel_store.h"
+#include "ui/busy_flag.h"
 #include "ui/error_reporter.h"
 
 class QComboBox;
+class QGridLayout;
+class QGroupBox;
+class QHBoxLayout;
 class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
+class QVBoxLayout;
 
 namespace lumeth {
 
@@ -34,8 +38,9 @@ public:
     ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorReporter reporter,
                  std::string folder, QWidget* parent = nullptr);
 
-    // Form load: the type list, then the current template. Runs on every open.
-    void Load();
+    // Form load: the type list, then the current template. Runs each time the
+    // window is shown.
+    void Open();
     void LoadTypeCombo();
     void DisplayCurrentTemplate();
     void DisplayCurrentButton();
@@ -64,8 +69,19 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void BuildMenu();
-    void BuildLayout();
+    // The window's parts, built once by the constructor.
+    void createMenu();
+    void createLayout();
+    QGroupBox* createKeysGroup();
+    void createKey(QGroupBox* keys, QGridLayout* grid, int position);
+    QGroupBox* createButtonGroup();
+    QComboBox* createChannelList(QWidget* parent, int list);
+    QGroupBox* createCaptionGroup(QWidget* parent);
+    QGroupBox* createNavigationGroup();
+    QHBoxLayout* createNavigationRow(QWidget* parent);
+    QLineEdit* createTemplateNumber(QWidget* parent);
+    QVBoxLayout* createCommands();
+
     void LoadChannelCombos(int code);
     void SelectChannel(int list, int channel);
     PanelButton& CurrentButtonRecord();
@@ -75,9 +91,6 @@ private:
     bool TemplateNumberKey(QKeyEvent* key);
     void StoreCaption();
     void StoreTemplateName();
-    // Run `step`, reporting a failure under `location` with the title
-    // "Button Error"; the store keeps what was stored before the failure.
-    template <typename Step> void Guarded(std::string_view location, Step&& step);
 
     PanelStore& m_store;
     std::function<void()> m_stepHook;
@@ -88,9 +101,8 @@ private:
     int m_current = 0; // template position
     int m_button = 0;  // visible position 0..15
     int m_offset = 0;  // 0: buttons 1-16, 16: buttons 17-32
-    // Set while the window fills its own lists, so that their change
-    // handlers do nothing.
-    bool m_updating = false;
+    // The busy flag, held while a download rebuilds the shared channel lists.
+    std::optional<BusyFlag::Scope> m_rebuilding;
 
     std::array<QPushButton*, 16> m_buttons{};
     std::array<QLabel*, 17> m_buttonLabels{};

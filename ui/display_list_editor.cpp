@@ -17,6 +17,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShowEvent>
 #include <QSignalBlocker>
 #include <QSortFilterProxyModel>
 #include <QTreeView>
@@ -28,6 +29,7 @@
 
 #include "files/crosspoint_map.h"
 #include "model/channel_alpha.h"
+#include "model/limits.h"
 #include "model/list_records.h"
 #include "model/view_keys.h"
 #include "ui/busy_flag.h"
@@ -37,7 +39,9 @@
 #include "ui/fixed_pitch_font.h"
 #include "ui/list_item_model.h"
 #include "ui/message_box.h"
+#include "ui/named_widgets.h"
 #include "ui/qt_text.h"
+#include "ui/typed_key.h"
 
 namespace lumeth {
 
@@ -52,31 +56,6 @@ const char* const kListTypeItems[5] = {"Input Display Lists", "Output Display Li
 int ListTypeItem(int16_t listType) {
     const auto item = std::find(kListTypes.begin(), kListTypes.end(), listType);
     return item == kListTypes.end() ? -1 : static_cast<int>(item - kListTypes.begin());
-}
-
-// The longest name cmbListAlphas and txtListAlpha take: 16 characters.
-constexpr int kNameLength = 16;
-
-size_t Position(int index) {
-    if (index < 0)
-        throw std::out_of_range("position " + std::to_string(index));
-    return static_cast<size_t>(index);
-}
-
-QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
-                        const QString& tip = {}) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    button->setToolTip(tip);
-    // Enter belongs to the name box and the views, never to a default button.
-    button->setAutoDefault(false);
-    return button;
-}
-
-QLabel* MakeLabel(QWidget* parent, const char* name, const QString& caption) {
-    auto* label = new QLabel(caption, parent);
-    label->setObjectName(name);
-    return label;
 }
 
 QTreeView* MakeView(QWidget* parent, const char* name, QAbstractItemModel* model) {
@@ -112,14 +91,14 @@ QList<int> SelectedRows(const QTreeView* view) {
 }
 
 bool SameList(const DisplayList& a, const DisplayList& b) {
-    const auto n = static_cast<size_t>(std::max<int>(a.channelCount, 0));
+    const auto n = static_cast<size_t>(ValidCount(a.channelCount));
     return a.name == b.name && a.channelCount == b.channelCount && b.channels.size() >= n &&
            std::equal(a.channels.begin(), a.channels.begin() + static_cast<std::ptrdiff_t>(n),
                       b.channels.begin());
 }
 
 bool SameGroup(const UserGroup& a, const UserGroup& b) {
-    const auto n = static_cast<std::ptrdiff_t>(std::max<int>(a.listCount, 0));
+    const auto n = static_cast<std::ptrdiff_t>(ValidCount(a.listCount));
     return a.listCount == b.listCount && b.listIndexes.size() >= size_t(n) &&
            b.listTypes.size() >= size_t(n) &&
            std::equal(a.listIndexes.begin(), a.listIndexes.begin() + n, b.listIndexes.begin()) &&
@@ -135,12 +114,12 @@ DisplayListEditor::DisplayListEditor(PanelStore& store, std::string folder, Erro
     setObjectName("frmDisplayListView");
     setWindowTitle("Edit Views");
     setModal(true);
-    BuildControls();
+    createLayout();
 }
 
 DisplayListEditor::~DisplayListEditor() = default;
 
-void DisplayListEditor::BuildControls() {
+void DisplayListEditor::createMenu() {
     m_menu = new QMenuBar(this);
     m_menu->setObjectName("mnuDisplayListView");
     QMenu* file = m_menu->addMenu("&File");
@@ -158,59 +137,113 @@ void DisplayListEditor::BuildControls() {
             &DisplayListEditor::ExportCrosspointMap);
     file->addSeparator()->setObjectName("mnuSep");
     connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &DisplayListEditor::CloseEditor);
+}
 
-    // Which records are edited, which one, and its name.
-    auto* listTypeFrame = new QGroupBox("List Type", this);
-    listTypeFrame->setObjectName("frListType");
-    m_listTypes = new QComboBox(listTypeFrame);
+void DisplayListEditor::createLayout() {
+    // Built in tab order: which records are edited and which one, the sub
+    // type of a group's lists, the two views with the buttons between, Close.
+    createMenu();
+    QGroupBox* listTypeFrame = createListTypeGroup();
+    QGridLayout* nameGrid = createNameGrid();
+    createSubTypeGroup();
+    QGridLayout* lists = createListsGrid();
+    auto* close = MakeButton(this, "cmdClose", "&Close");
+    connect(close, &QPushButton::clicked, this, &DisplayListEditor::CloseEditor);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(listTypeFrame);
+    top->addLayout(nameGrid, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->setMenuBar(m_menu);
+    layout->addLayout(top);
+    layout->addWidget(m_subTypeFrame);
+    layout->addLayout(lists, 1);
+    layout->addLayout(ButtonRow({close}));
+    resize(880, 620);
+}
+
+QGroupBox* DisplayListEditor::createListTypeGroup() {
+    auto* frame = new QGroupBox("List Type", this);
+    frame->setObjectName("frListType");
+    m_listTypes = new QComboBox(frame);
     m_listTypes->setObjectName("cmbListType");
-    auto* listTypeRow = new QHBoxLayout(listTypeFrame);
-    listTypeRow->addWidget(m_listTypes);
+    for (const char* item : kListTypeItems)
+        m_listTypes->addItem(item);
+    auto* row = new QHBoxLayout(frame);
+    row->addWidget(m_listTypes);
+    connect(m_listTypes, &QComboBox::currentIndexChanged, this,
+            &DisplayListEditor::ListTypeClicked);
+    return frame;
+}
 
+QGridLayout* DisplayListEditor::createNameGrid() {
+    // The edited list (group) and its name.
     m_listLabel = MakeLabel(this, "lblList", "Current List");
     m_listAlphas = new QComboBox(this);
     m_listAlphas->setObjectName("cmbListAlphas");
     m_listAlphas->setToolTip("Current Display List to Edit");
-    m_listAlphas->setMinimumContentsLength(kNameLength);
+    m_listAlphas->setMinimumContentsLength(int(kNameWidth));
     m_listAlphas->setMaxVisibleItems(20);
     m_listLabel->setBuddy(m_listAlphas);
     m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
     m_listAlpha = new QLineEdit("Text1", this);
     m_listAlpha->setObjectName("txtListAlpha");
-    // The key filter below refuses a typed 17th character; this also cuts a
-    // pasted or dropped text to the 16 characters a name holds.
-    m_listAlpha->setMaxLength(kNameLength);
+    // The key filter refuses a typed 17th character; this also cuts a pasted
+    // or dropped text to the 16 characters a name holds.
+    m_listAlpha->setMaxLength(int(kNameWidth));
     m_listAlpha->installEventFilter(this);
     m_listAlphaLabel->setBuddy(m_listAlpha);
     m_new = MakeButton(this, "cmndNew", "New List");
+    connect(m_listAlphas, &QComboBox::currentIndexChanged, this,
+            &DisplayListEditor::ListAlphasClicked);
+    connect(m_new, &QPushButton::clicked, this, &DisplayListEditor::NewList);
 
-    auto* nameGrid = new QGridLayout;
-    nameGrid->addWidget(m_listLabel, 0, 0);
-    nameGrid->addWidget(m_listAlphas, 0, 1);
-    nameGrid->addWidget(m_new, 0, 2);
-    nameGrid->addWidget(m_listAlphaLabel, 1, 0);
-    nameGrid->addWidget(m_listAlpha, 1, 1);
-    nameGrid->setColumnStretch(1, 1);
+    auto* grid = new QGridLayout;
+    grid->addWidget(m_listLabel, 0, 0);
+    grid->addWidget(m_listAlphas, 0, 1);
+    grid->addWidget(m_new, 0, 2);
+    grid->addWidget(m_listAlphaLabel, 1, 0);
+    grid->addWidget(m_listAlpha, 1, 1);
+    grid->setColumnStretch(1, 1);
+    return grid;
+}
 
+void DisplayListEditor::createSubTypeGroup() {
     // The sub type of the lists a group shows (group mode only).
     m_subTypeFrame = new QGroupBox("Display List Type", this);
     m_subTypeFrame->setObjectName("frSubType");
-    auto* subTypeRow = new QHBoxLayout(m_subTypeFrame);
+    auto* row = new QHBoxLayout(m_subTypeFrame);
     for (size_t i = 0; i < 4; ++i) {
         const int code = kListTypes[i];
         auto* button = ArrayMember(new QRadioButton(SubTypeName(kAllSubTypes[i]), m_subTypeFrame),
                                    "optSubType", code);
-        subTypeRow->addWidget(button);
+        row->addWidget(button);
         m_subTypeButtons[i] = button;
         connect(button, &QRadioButton::clicked, this, [this, code] { SubTypeClicked(code); });
     }
-    subTypeRow->addStretch(1);
+    row->addStretch(1);
+}
 
-    auto* top = new QHBoxLayout;
-    top->addWidget(listTypeFrame);
-    top->addLayout(nameGrid, 1);
+QGridLayout* DisplayListEditor::createListsGrid() {
+    createChannelView();
+    createListView();
+    // One grid, so that the two views start on the same line although the
+    // filter box stands over the available items only.
+    auto* grid = new QGridLayout;
+    grid->addWidget(m_masterListLabel, 0, 0);
+    grid->addWidget(m_currentListLabel, 0, 2);
+    grid->addWidget(m_filter, 1, 0);
+    grid->addWidget(m_channelView, 2, 0);
+    grid->addLayout(createMoveButtons(), 2, 1);
+    grid->addWidget(m_listView, 2, 2);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(2, 1);
+    grid->setRowStretch(2, 1);
+    return grid;
+}
 
-    // Available items, the buttons between, the edited list's items.
+void DisplayListEditor::createChannelView() {
+    // The available items, narrowed by the filter box.
     m_channels = new ListItemModel("Channel Alpha", false, this);
     m_channelFilter = new QSortFilterProxyModel(this);
     m_channelFilter->setSourceModel(m_channels);
@@ -224,7 +257,13 @@ void DisplayListEditor::BuildControls() {
     m_filter->setPlaceholderText("Filter");
     m_filter->setClearButtonEnabled(true);
     m_filter->setToolTip("Show only the available items whose text contains this");
+    connect(m_channelView, &QTreeView::doubleClicked, this, &DisplayListEditor::Add);
+    connect(m_filter, &QLineEdit::textChanged, m_channelFilter,
+            &QSortFilterProxyModel::setFilterFixedString);
+}
 
+void DisplayListEditor::createListView() {
+    // The edited list's items, in order; dragging rows reorders them.
     m_listItems = new ListItemModel("Channel", true, this);
     m_listView = MakeView(this, "lvList", m_listItems);
     m_listView->setToolTip("Current Display List");
@@ -236,82 +275,46 @@ void DisplayListEditor::BuildControls() {
     m_listView->installEventFilter(this);
     m_listView->viewport()->installEventFilter(this);
     m_currentListLabel = MakeLabel(this, "lblCurrentList", "Selected Channels");
+    connect(m_listView, &QTreeView::doubleClicked, this, &DisplayListEditor::Remove);
+}
 
-    auto* add =
-        MakeButton(this, "cmdAdd", "&Add >>", "Add Selected Items to Current Display Listy");
-    auto* addAll =
-        MakeButton(this, "cmdAddAll", "Add All >>", "Add Selected Items to Current Display Listy");
-    auto* remove = MakeButton(this, "cmdRemove", "<< &Remove",
-                              "Remove Selected Items from Current Display List");
-    auto* removeAll = MakeButton(this, "cmdRemoveAll", "<< Remove All",
-                                 "Remove Selected Items from Current Display List");
+QVBoxLayout* DisplayListEditor::createMoveButtons() {
+    const QString addTip = "Add Selected Items to Current Display Listy";
+    const QString removeTip = "Remove Selected Items from Current Display List";
+    auto* add = MakeButton(this, "cmdAdd", "&Add >>", addTip);
+    auto* addAll = MakeButton(this, "cmdAddAll", "Add All >>", addTip);
+    auto* remove = MakeButton(this, "cmdRemove", "<< &Remove", removeTip);
+    auto* removeAll = MakeButton(this, "cmdRemoveAll", "<< Remove All", removeTip);
     auto* up = MakeButton(this, "cmdUp", "Move &Up",
                           "Move the selected items of the current list up one place (Ctrl+Up)");
     auto* down =
         MakeButton(this, "cmdDown", "Move &Down",
                    "Move the selected items of the current list down one place (Ctrl+Down)");
-    auto* close = MakeButton(this, "cmdClose", "&Close");
-
-    auto* buttons = new QVBoxLayout;
-    buttons->addStretch(1);
-    for (QPushButton* button : {add, addAll})
-        buttons->addWidget(button);
-    buttons->addSpacing(16);
-    for (QPushButton* button : {remove, removeAll})
-        buttons->addWidget(button);
-    buttons->addSpacing(16);
-    for (QPushButton* button : {up, down})
-        buttons->addWidget(button);
-    buttons->addStretch(2);
-
-    // One grid, so that the two views start on the same line although the
-    // filter box stands over the available items only.
-    auto* lists = new QGridLayout;
-    lists->addWidget(m_masterListLabel, 0, 0);
-    lists->addWidget(m_currentListLabel, 0, 2);
-    lists->addWidget(m_filter, 1, 0);
-    lists->addWidget(m_channelView, 2, 0);
-    lists->addLayout(buttons, 2, 1);
-    lists->addWidget(m_listView, 2, 2);
-    lists->setColumnStretch(0, 1);
-    lists->setColumnStretch(2, 1);
-    lists->setRowStretch(2, 1);
-
-    auto* bottom = new QHBoxLayout;
-    bottom->addStretch(1);
-    bottom->addWidget(close);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->setMenuBar(m_menu);
-    layout->addLayout(top);
-    layout->addWidget(m_subTypeFrame);
-    layout->addLayout(lists, 1);
-    layout->addLayout(bottom);
-
-    connect(m_listTypes, &QComboBox::currentIndexChanged, this,
-            &DisplayListEditor::ListTypeClicked);
-    connect(m_listAlphas, &QComboBox::currentIndexChanged, this,
-            &DisplayListEditor::ListAlphasClicked);
-    connect(m_new, &QPushButton::clicked, this, &DisplayListEditor::NewList);
     connect(add, &QPushButton::clicked, this, &DisplayListEditor::Add);
     connect(addAll, &QPushButton::clicked, this, &DisplayListEditor::AddAll);
     connect(remove, &QPushButton::clicked, this, &DisplayListEditor::Remove);
     connect(removeAll, &QPushButton::clicked, this, &DisplayListEditor::RemoveAll);
     connect(up, &QPushButton::clicked, this, [this] { MoveSelection(-1); });
     connect(down, &QPushButton::clicked, this, [this] { MoveSelection(1); });
-    connect(close, &QPushButton::clicked, this, &DisplayListEditor::CloseEditor);
-    connect(m_channelView, &QTreeView::doubleClicked, this, &DisplayListEditor::Add);
-    connect(m_listView, &QTreeView::doubleClicked, this, &DisplayListEditor::Remove);
-    connect(m_filter, &QLineEdit::textChanged, m_channelFilter,
-            &QSortFilterProxyModel::setFilterFixedString);
 
-    resize(880, 620);
+    auto* column = new QVBoxLayout;
+    column->addStretch(1);
+    for (QPushButton* button : {add, addAll})
+        column->addWidget(button);
+    column->addSpacing(16);
+    for (QPushButton* button : {remove, removeAll})
+        column->addWidget(button);
+    column->addSpacing(16);
+    for (QPushButton* button : {up, down})
+        column->addWidget(button);
+    column->addStretch(2);
+    return column;
 }
 
-void DisplayListEditor::Report(std::string_view location, std::string_view category,
-                               const std::exception& error) {
-    if (m_reporter)
-        m_reporter(location, category, FailureFromException(error));
+void DisplayListEditor::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        Open();
 }
 
 void DisplayListEditor::Open() {
@@ -319,13 +322,7 @@ void DisplayListEditor::Open() {
     m_storeChanged = false;
     // The editor is reused: a filter typed last time would hide channels.
     m_filter->clear();
-    try {
-        {
-            const QSignalBlocker block(m_listTypes);
-            m_listTypes->clear();
-            for (const char* item : kListTypeItems)
-                m_listTypes->addItem(item);
-        }
+    Guarded(m_reporter, "Error Loading List Form", "List Error", [this] {
         m_listType = m_store.editorListType;
         if (m_listType == kUserGroupListType) {
             m_currentIndex = m_store.currentUserGroup;
@@ -342,45 +339,33 @@ void DisplayListEditor::Open() {
         if (m_currentIndex < 0 || m_currentIndex > m_itemCount)
             m_currentIndex = 0;
         UpdateDisplays();
-        const BusyFlag::Scope busy;
-        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
-    } catch (const std::exception& error) {
-        Report("Error Loading List Form", "List Error", error);
-        // The box shows the mode the editor is in, even when the display
-        // could not be filled.
-        const BusyFlag::Scope busy;
-        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
-    }
+    });
+    // The box shows the mode the editor is in, also when the display could
+    // not be filled.
+    ShowListType();
+}
+
+// cmbListType selects the item of the editor's mode, quietly.
+void DisplayListEditor::ShowListType() {
+    const BusyFlag::Scope busy;
+    m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
 }
 
 void DisplayListEditor::UpdateDisplays() {
-    try {
-        LoadWorkingCopy();
-    } catch (const std::exception& error) {
-        Report("Error Loading Display Lists", "Database Error", error);
-    }
-    try {
-        FillChannels();
-    } catch (const std::exception& error) {
-        Report("Error Loading master List", "List Error", error);
-    }
-    try {
-        FillListAlphas();
-    } catch (const std::exception& error) {
-        Report("Error Loading Display Alphas", "File Error", error);
-    }
+    Guarded(m_reporter, "Error Loading Display Lists", "Database Error",
+            [&] { LoadWorkingCopy(); });
+    Guarded(m_reporter, "Error Loading master List", "List Error", [&] { FillChannels(); });
+    Guarded(m_reporter, "Error Loading Display Alphas", "File Error", [&] { FillListAlphas(); });
     SetModeCaptions();
     FillList();
 }
 
 void DisplayListEditor::UpdateDisplayLists() {
-    try {
+    Guarded(m_reporter, "Error Updating Display Lists", "File Error", [&] {
         LoadWorkingCopy();
         FillListAlphas();
         FillList();
-    } catch (const std::exception& error) {
-        Report("Error Updating Display Lists", "File Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::LoadWorkingCopy() {
@@ -404,15 +389,15 @@ void DisplayListEditor::FillChannels() {
             const auto& lists = m_store.lists(subType);
             for (int p = 0; p < m_store.listCount(subType); ++p) {
                 std::string key = GroupEntryKey(subType, p);
-                rows.emplace_back(key, ItemText(lists.at(Position(p)).name, key));
+                rows.emplace_back(key, ItemText(lists.at(size_t(p)).name, key));
             }
         } else {
             // Every channel of the sub type, in the order of their names.
             const AlphaTable& table = m_store.alpha(ListSubType(m_listType));
-            rows.reserve(Position(table.count));
+            rows.reserve(size_t(ValidCount(table.count)));
             for (int i = 0; i < table.count; ++i) {
-                std::string key = ChannelKey(table.numbers.at(Position(i)));
-                rows.emplace_back(key, ItemText(table.names.at(Position(i)), key));
+                std::string key = ChannelKey(table.numbers.at(size_t(i)));
+                rows.emplace_back(key, ItemText(table.names.at(size_t(i)), key));
             }
         }
     } catch (...) {
@@ -427,8 +412,8 @@ void DisplayListEditor::FillListAlphas() {
     m_listAlphas->clear();
     QStringList names;
     for (int i = 0; i < m_itemCount; ++i) {
-        names << ToQt(m_listType == kUserGroupListType ? m_groupNames.at(Position(i))
-                                                       : m_lists.at(Position(i)).name);
+        names << ToQt(m_listType == kUserGroupListType ? m_groupNames.at(size_t(i))
+                                                       : m_lists.at(size_t(i)).name);
     }
     m_listAlphas->addItems(names);
     if (m_currentIndex < 0 || m_currentIndex >= m_listAlphas->count())
@@ -440,7 +425,7 @@ void DisplayListEditor::FillListAlphas() {
 void DisplayListEditor::FillList() {
     std::vector<std::pair<std::string, std::string>> rows;
     if (m_listType == kUserGroupListType) {
-        const UserGroup& group = m_groups.at(Position(m_currentIndex));
+        const UserGroup& group = m_groups.at(size_t(m_currentIndex));
         const SubType subType = ListSubType(m_store.currentListType);
         const auto& lists = m_store.lists(subType);
         for (const int16_t p : GroupEntriesOfType(group, m_store.currentListType)) {
@@ -449,11 +434,11 @@ void DisplayListEditor::FillList() {
             rows.emplace_back(key, ItemText(known ? lists[size_t(p)].name : "*Invalid*", key));
         }
     } else {
-        const DisplayList& list = m_lists.at(Position(m_currentIndex));
+        const DisplayList& list = m_lists.at(size_t(m_currentIndex));
         const SubType subType = ListSubType(m_listType);
-        rows.reserve(Position(list.channelCount));
+        rows.reserve(size_t(ValidCount(list.channelCount)));
         for (int k = 0; k < list.channelCount; ++k) {
-            const int channel = list.channels.at(Position(k));
+            const int channel = list.channels.at(size_t(k));
             std::string key = ChannelKey(channel);
             rows.emplace_back(key, ItemText(ChannelAlpha(m_store, subType, channel), key));
         }
@@ -487,7 +472,7 @@ void DisplayListEditor::CommitEditedList() {
         m_changed = false;
         throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
     }
-    const size_t at = Position(m_currentIndex);
+    const auto at = size_t(m_currentIndex);
     std::vector<int16_t> numbers;
     numbers.reserve(static_cast<size_t>(m_listItems->items().size()));
     for (const ListItemModel::Item& item : m_listItems->items()) {
@@ -519,44 +504,42 @@ void DisplayListEditor::CommitEditedList() {
     m_changed = false;
 }
 
+void DisplayListEditor::CommitIfChanged() {
+    if (m_changed)
+        CommitEditedList();
+}
+
 void DisplayListEditor::ListTypeClicked(int item) {
     if (BusyFlag::IsSet() || item < 0 || item >= static_cast<int>(kListTypes.size()))
         return;
     // A rename still in the name box belongs to the list being left (the box
     // keeps the focus when the wheel turns a drop-down).
     ApplyListAlpha();
-    try {
-        if (m_changed)
-            CommitEditedList();
-        const BusyFlag::Scope busy;
-        m_listType = kListTypes[static_cast<size_t>(item)];
-        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
-        if (m_listType == kUserGroupListType)
-            m_store.currentListType = 11;
-        if (m_currentIndex > m_itemCount - 1)
-            m_currentIndex = 0;
-        UpdateDisplays();
-    } catch (const std::exception& error) {
-        Report("Error Changing List Type", "List Error", error);
-        // The box shows the mode the editor is in.
-        const BusyFlag::Scope busy;
-        m_listTypes->setCurrentIndex(ListTypeItem(m_listType));
-    }
+    if (!Guarded(m_reporter, "Error Changing List Type", "List Error", [&] {
+            CommitIfChanged();
+            const BusyFlag::Scope busy;
+            m_listType = kListTypes[static_cast<size_t>(item)];
+            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+            if (m_listType == kUserGroupListType)
+                m_store.currentListType = 11;
+            if (m_currentIndex > m_itemCount - 1)
+                m_currentIndex = 0;
+            UpdateDisplays();
+        }))
+        ShowListType();
 }
 
 void DisplayListEditor::ListAlphasClicked(int item) {
     if (BusyFlag::IsSet() || item < 0)
         return;
     ApplyListAlpha();
-    try {
-        const BusyFlag::Scope busy;
-        if (m_changed)
-            CommitEditedList();
-        m_currentIndex = static_cast<int16_t>(item);
-        m_listAlpha->setText(m_listAlphas->itemText(item));
-        FillList();
-    } catch (const std::exception& error) {
-        Report("Error Changing Current List", "List Error", error);
+    if (!Guarded(m_reporter, "Error Changing Current List", "List Error", [&] {
+            const BusyFlag::Scope busy;
+            CommitIfChanged();
+            m_currentIndex = static_cast<int16_t>(item);
+            m_listAlpha->setText(m_listAlphas->itemText(item));
+            FillList();
+        })) {
         // The box shows the list being edited.
         const BusyFlag::Scope busy;
         m_listAlphas->setCurrentIndex(m_currentIndex);
@@ -567,15 +550,12 @@ void DisplayListEditor::SubTypeClicked(int listTypeCode) {
     if (BusyFlag::IsSet())
         return;
     ApplyListAlpha();
-    try {
-        if (m_changed)
-            CommitEditedList();
+    Guarded(m_reporter, "Error Changing Sub Type", "List Error", [&] {
+        CommitIfChanged();
         const BusyFlag::Scope busy;
         m_store.currentListType = static_cast<int16_t>(listTypeCode);
         UpdateDisplays();
-    } catch (const std::exception& error) {
-        Report("Error Changing Sub Type", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::Add() {
@@ -587,7 +567,7 @@ void DisplayListEditor::AddAll() {
 }
 
 void DisplayListEditor::AddItems(bool all) {
-    try {
+    Guarded(m_reporter, all ? "Error Adding All Items" : "Error Adding item", "List Error", [&] {
         // The shown items (all of them unless a filter narrows them), in item order.
         QList<int> rows;
         if (all) {
@@ -608,27 +588,21 @@ void DisplayListEditor::AddItems(bool all) {
         if (!added.isEmpty())
             m_listView->scrollToBottom(); // where the added items are
         m_changed = true;
-    } catch (const std::exception& error) {
-        Report(all ? "Error Adding All Items" : "Error Adding item", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::Remove() {
-    try {
+    Guarded(m_reporter, "Error Removing Item", "List Error", [&] {
         m_listItems->removeItemsAt(SelectedRows(m_listView));
         m_changed = true;
-    } catch (const std::exception& error) {
-        Report("Error Removing Item", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::RemoveAll() {
-    try {
+    Guarded(m_reporter, "Error Removing All Items", "List Error", [&] {
         m_listItems->clear();
         m_changed = true;
-    } catch (const std::exception& error) {
-        Report("Error Removing All Items", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::MoveSelection(int delta) {
@@ -653,9 +627,8 @@ void DisplayListEditor::SelectRows(QTreeView* view, const QList<int>& rows) {
 
 void DisplayListEditor::NewList() {
     ApplyListAlpha();
-    try {
-        if (m_changed)
-            CommitEditedList();
+    Guarded(m_reporter, "Error Adding New List", "List Error", [&] {
+        CommitIfChanged();
         const bool groups = m_listType == kUserGroupListType;
         // A group name fills the 16 characters: two trailing blanks.
         m_currentIndex = static_cast<int16_t>(
@@ -663,18 +636,16 @@ void DisplayListEditor::NewList() {
         m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
         m_storeChanged = true;
         UpdateDisplays();
-    } catch (const std::exception& error) {
-        Report("Error Adding New List", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::ApplyListAlpha() {
-    try {
+    Guarded(m_reporter, "Error processing List Alpha", "File Error", [&] {
         if (m_currentIndex < 0 || m_currentIndex >= m_itemCount)
             return; // no record to take the name
         std::string& name = m_listType == kUserGroupListType
-                                ? m_groupNames.at(Position(m_currentIndex))
-                                : m_lists.at(Position(m_currentIndex)).name;
+                                ? m_groupNames.at(size_t(m_currentIndex))
+                                : m_lists.at(size_t(m_currentIndex)).name;
         std::string text = FromQt(m_listAlpha->text());
         if (text == name)
             return;
@@ -683,9 +654,7 @@ void DisplayListEditor::ApplyListAlpha() {
         m_changed = true;
         const QSignalBlocker block(m_listAlphas);
         m_listAlphas->setItemText(m_currentIndex, m_listAlpha->text());
-    } catch (const std::exception& error) {
-        Report("Error processing List Alpha", "File Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::CopyList() {
@@ -693,10 +662,9 @@ void DisplayListEditor::CopyList() {
     // a rename typed there is applied first, or the refresh after the copy
     // would put the stored name back.
     ApplyListAlpha();
-    try {
+    Guarded(m_reporter, "Error Copying List", "List Error", [&] {
         // The copy works on the store: pending changes go there first.
-        if (m_changed)
-            CommitEditedList();
+        CommitIfChanged();
         if (!m_duplicate) {
             m_duplicate = new DuplicateDisplayListDialog(m_store, m_reporter, this);
             connect(m_duplicate, &DuplicateDisplayListDialog::copied, this, [this] {
@@ -714,21 +682,16 @@ void DisplayListEditor::CopyList() {
         m_storeChanged = m_storeChanged || m_duplicate->copies() > 0;
         m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
         UpdateDisplayLists();
-    } catch (const std::exception& error) {
-        Report("Error Copying List", "List Error", error);
-    }
+    });
 }
 
 void DisplayListEditor::ExportCrosspointMap() {
     ApplyListAlpha();
-    try {
-        // The map is written from the store: pending changes go there first.
-        if (m_changed)
-            CommitEditedList();
-    } catch (const std::exception& error) {
-        Report("Error Exporting Display Lists", "File Error", error);
+    if (!Guarded(m_reporter, "Error Exporting Display Lists", "File Error", [&] {
+            // The map is written from the store: pending changes go there first.
+            CommitIfChanged();
+        }))
         return;
-    }
     const QString title = QStringLiteral("Save Crosspoint Map");
     FileDialog::Request request;
     request.title = title;
@@ -750,13 +713,8 @@ void DisplayListEditor::ExportCrosspointMap() {
 
 void DisplayListEditor::CloseEditor() {
     ApplyListAlpha(); // as if the name box were left
-    try {
-        if (m_changed)
-            CommitEditedList();
-    } catch (const std::exception& error) {
-        Report("Error Closing List Form", "List Error", error);
+    if (!Guarded(m_reporter, "Error Closing List Form", "List Error", [&] { CommitIfChanged(); }))
         return;
-    }
     m_channels->clear();
     m_listItems->clear();
     done(QDialog::Accepted);
@@ -801,7 +759,7 @@ bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
         return QDialog::eventFilter(watched, event);
 
     const auto* key = static_cast<QKeyEvent*>(event);
-    const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    const bool enter = IsEnter(key);
     if (watched == m_listAlpha) {
         if (enter) {
             ApplyListAlpha();
@@ -809,11 +767,7 @@ bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
         }
         // Names are at most 16 characters: a typed character is refused once
         // the box holds 16. Backspace, Escape and editing keys pass.
-        const QString text = key->text();
-        const bool typed = !text.isEmpty() && text.front().unicode() >= 32 &&
-                           text.front().unicode() != 127 &&
-                           !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
-        return typed && m_listAlpha->text().size() > kNameLength - 1;
+        return TypedCharacter(key) && size_t(m_listAlpha->text().size()) >= kNameWidth;
     }
     if (watched == m_channelView && enter) {
         Add();

@@ -12,6 +12,7 @@
 #include "ui/error_reporter.h"
 
 class QComboBox;
+class QGridLayout;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -21,6 +22,7 @@ class QPushButton;
 class QRadioButton;
 class QSortFilterProxyModel;
 class QTreeView;
+class QVBoxLayout;
 
 namespace lumeth {
 
@@ -42,13 +44,16 @@ public:
     ~DisplayListEditor() override;
 
     // Form load: the mode and position from the main window's state, then the
-    // whole display. Call before showing.
+    // whole display. Runs each time the editor is shown.
     void Open();
 
     void UpdateDisplays();
     void UpdateDisplayLists();
     bool KeyExists(const QString& key) const;
     void CommitEditedList();
+    // CommitEditedList when the edited list has pending changes: run before
+    // the edited list is left.
+    void CommitIfChanged();
 
     // The handlers, as the controls call them.
     void ListTypeClicked(int item);
@@ -81,11 +86,22 @@ public:
     bool storeChanged() const { return m_storeChanged; }
 
 protected:
+    void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void reject() override;
 
 private:
-    void BuildControls();
+    // The editor's parts, built once by the constructor.
+    void createMenu();
+    void createLayout();
+    QGroupBox* createListTypeGroup();
+    QGridLayout* createNameGrid();
+    void createSubTypeGroup();
+    QGridLayout* createListsGrid();
+    void createChannelView();
+    void createListView();
+    QVBoxLayout* createMoveButtons();
+    void ShowListType();
     void LoadWorkingCopy();
     void FillChannels();
     void FillListAlphas();
@@ -93,7 +109,6 @@ private:
     void SetModeCaptions();
     void SelectRows(QTreeView* view, const QList<int>& rows);
     void AddItems(bool all);
-    void Report(std::string_view location, std::string_view category, const std::exception& error);
 
     PanelStore& m_store;
     std::function<void()> m_stepHook;

@@ -4,14 +4,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include "model/list_records.h"
-#include "ui/busy_flag.h"
 #include "ui/control_array.h"
 #include "ui/natural_size.h"
 #include "ui/qt_text.h"
@@ -20,62 +17,37 @@ namespace lumeth {
 
 DuplicateDisplayListDialog::DuplicateDisplayListDialog(PanelStore& store, ErrorReporter reporter,
                                                        QWidget* parent)
-    : QDialog(parent), m_store(store), m_reporter(std::move(reporter)) {
+    : QDialog(parent), m_store(store), m_reporter(std::move(reporter)), m_controls(this) {
     setObjectName("frmDuplicateDisplayList");
     setWindowTitle("Duplicate Display List");
     setModal(true);
-
-    auto* grid = new QGridLayout;
-    const char* captions[2] = {"From List", "To List"};
-    for (int i = 0; i < 2; ++i) {
-        auto* label = ArrayMember(new QLabel(captions[i], this), "lblList", i);
-        auto* list = ArrayMember(new QComboBox(this), "cmbListAlphas", i);
-        list->setMinimumContentsLength(20);
-        list->setMaxVisibleItems(20);
-        label->setBuddy(list);
-        grid->addWidget(label, i, 0);
-        grid->addWidget(list, i, 1);
-        m_lists[static_cast<size_t>(i)] = list;
-    }
-    grid->setColumnStretch(1, 1);
-
-    // Shows the kind of list being copied; it has no handler of its own and
-    // is hidden while groups are copied.
-    m_subTypeFrame = new QGroupBox("Display List Type", this);
-    QGroupBox* frame = m_subTypeFrame;
-    frame->setObjectName("frSubType");
-    frame->setEnabled(false);
-    auto* row = new QHBoxLayout(frame);
-    for (int i = 0; i < 4; ++i) {
-        auto* button =
-            ArrayMember(new QRadioButton(SubTypeName(kAllSubTypes[static_cast<size_t>(i)]), frame),
-                        "optSubType", i);
-        row->addWidget(button);
-        m_subTypeButtons[static_cast<size_t>(i)] = button;
-    }
-
-    auto* copy = new QPushButton("C&opy", this);
-    copy->setObjectName("cmdCopy");
-    copy->setAutoDefault(false);
-    auto* cancel = new QPushButton("&Cancel", this);
-    cancel->setObjectName("cmdCancel");
-    cancel->setAutoDefault(false);
-    connect(copy, &QPushButton::clicked, this, &DuplicateDisplayListDialog::Copy);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(copy);
-    buttons->addWidget(cancel);
+    connect(m_controls.copyButton(), &QPushButton::clicked, this,
+            &DuplicateDisplayListDialog::Copy);
 
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addWidget(frame);
-    layout->addLayout(buttons);
+    layout->addLayout(m_controls.listGrid());
+    layout->addWidget(createSubTypeGroup());
+    layout->addLayout(m_controls.buttonRow());
     // Natural size: it shrinks when the sub type frame is hidden for groups.
     KeepNaturalSize(this);
 }
 
+QGroupBox* DuplicateDisplayListDialog::createSubTypeGroup() {
+    // Shows the kind of list being copied; it has no handler of its own and
+    // is hidden while groups are copied.
+    m_subTypeFrame = new QGroupBox("Display List Type", this);
+    m_subTypeFrame->setObjectName("frSubType");
+    m_subTypeFrame->setEnabled(false);
+    auto* row = new QHBoxLayout(m_subTypeFrame);
+    for (int i = 0; i < 4; ++i) {
+        auto* button = ArrayMember(
+            new QRadioButton(SubTypeName(kAllSubTypes[static_cast<size_t>(i)]), m_subTypeFrame),
+            "optSubType", i);
+        row->addWidget(button);
+        m_subTypeButtons[static_cast<size_t>(i)] = button;
+    }
+    return m_subTypeFrame;
+}
 void DuplicateDisplayListDialog::setMode(int16_t mode) {
     m_mode = mode;
     m_copies = 0;
@@ -90,42 +62,26 @@ void DuplicateDisplayListDialog::setMode(int16_t mode) {
 }
 
 void DuplicateDisplayListDialog::LoadDisplayLists() {
-    try {
-        {
-            const BusyFlag::Scope busy;
-            for (QComboBox* list : m_lists) {
-                const QSignalBlocker block(list);
-                list->clear();
-            }
-            const int count = RecordCount(m_store, m_mode);
-            for (int i = 0; i < count; ++i) {
-                const QString name = ToQt(RecordName(m_store, m_mode, i));
-                m_lists[0]->addItem(name);
-                m_lists[1]->addItem(name);
-            }
-            m_lists[1]->addItem(m_mode == kUserGroupListType ? "New Group" : "New List");
-        }
-        for (QComboBox* list : m_lists)
-            list->setCurrentIndex(0);
-    } catch (const std::exception& error) {
-        if (m_reporter)
-            m_reporter("Error Loading Display Alphas", "File Error", FailureFromException(error));
-    }
+    Guarded(m_reporter, "Error Loading Display Alphas", "File Error", [this] {
+        QStringList names;
+        const int count = RecordCount(m_store, m_mode);
+        for (int i = 0; i < count; ++i)
+            names << ToQt(RecordName(m_store, m_mode, i));
+        m_controls.ShowNames(std::move(names),
+                             m_mode == kUserGroupListType ? "New Group" : "New List");
+    });
 }
 
 void DuplicateDisplayListDialog::Copy() {
-    const int from = m_lists[0]->currentIndex();
-    const int to = m_lists[1]->currentIndex();
+    const int from = m_controls.from();
+    const int to = m_controls.to();
     if (from < 0 || to < 0)
         return;
-    try {
+    Guarded(m_reporter, "Error Copying Display List", "List Error", [&] {
         DuplicateRecord(m_store, m_mode, from, to);
         ++m_copies;
         emit copied();
-    } catch (const std::exception& error) {
-        if (m_reporter)
-            m_reporter("Error Copying Display List", "List Error", FailureFromException(error));
-    }
+    });
     LoadDisplayLists();
 }
 

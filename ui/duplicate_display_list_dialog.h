@@ -6,9 +6,9 @@
 #include <cstdint>
 
 #include "model/panel_store.h"
+#include "ui/duplicate_controls.h"
 #include "ui/error_reporter.h"
 
-class QComboBox;
 class QGroupBox;
 class QRadioButton;
 
@@ -41,11 +41,13 @@ signals:
     void copied();
 
 private:
+    QGroupBox* createSubTypeGroup();
+
     PanelStore& m_store;
     ErrorReporter m_reporter;
     int16_t m_mode = 11;
     int m_copies = 0;
-    std::array<QComboBox*, 2> m_lists{};
+    DuplicateControls m_controls;
     QGroupBox* m_subTypeFrame = nullptr;
     std::array<QRadioButton*, 4> m_subTypeButtons{};
 };

@@ -2,15 +2,9 @@
 
 #include <QDialog>
 
-#include <array>
-#include <string_view>
-
-#include "model/failure.h"
 #include "model/panel_store.h"
+#include "ui/duplicate_controls.h"
 #include "ui/error_reporter.h"
-
-class QComboBox;
-class QStringListModel;
 
 namespace lumeth {
 
@@ -34,8 +28,7 @@ signals:
 private:
     PanelStore& m_store;
     ErrorReporter m_reporter;
-    std::array<QComboBox*, 2> m_lists{};
-    std::array<QStringListModel*, 2> m_models{};
+    DuplicateControls m_controls;
 };
 
 } // namespace lumeth

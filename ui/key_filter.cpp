@@ -3,6 +3,8 @@
 #include <QKeyEvent>
 #include <QWidget>
 
+#include "ui/typed_key.h"
+
 namespace lumeth {
 
 KeyFilter::KeyFilter(Predicate accepts, QObject* parent) : QObject(parent), m_accepts(accepts) {}
@@ -17,13 +19,9 @@ bool KeyFilter::eventFilter(QObject* watched, QEvent* event) {
     auto* key = static_cast<QKeyEvent*>(event);
     if (key->key() == Qt::Key_Backspace)
         return !m_accepts(8);
-    const QString text = key->text();
-    if (text.isEmpty() || key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
-        return false;
-    const char16_t ch = text.front().unicode();
-    if (ch < 32 || ch == 127)
-        return false; // Enter, Tab, Escape and the like are not typed characters
-    return !m_accepts(static_cast<int>(ch));
+    // Enter, Tab, Escape, navigation and shortcuts pass untouched.
+    const std::optional<QChar> ch = TypedCharacter(key);
+    return ch && !m_accepts(static_cast<int>(ch->unicode()));
 }
 
 } // namespace lumeth

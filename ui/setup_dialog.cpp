@@ -14,6 +14,7 @@
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "ui/key_filter.h"
+#include "ui/named_widgets.h"
 #include "ui/natural_size.h"
 #include "ui/normalise_address.h"
 #include "ui/password_validator.h"
@@ -40,10 +41,38 @@ QCheckBox* MakeCheck(QWidget* parent, const char* name, const QString& caption,
     return check;
 }
 
-QLabel* MakeLabel(QWidget* parent, const char* name, const QString& caption) {
-    auto* label = new QLabel(caption, parent);
-    label->setObjectName(name);
-    return label;
+// A log's size limit and archiving: the activity log and the error log each
+// have a frame of these, with their own names and the same tips.
+struct LogSizeFrame {
+    QGroupBox* frame;
+    QLabel* label;
+    QLineEdit* size;
+    QCheckBox* archive;
+};
+
+struct LogSizeNames {
+    const char* frame;
+    const char* label;
+    const char* caption;
+    const char* size;
+    const char* archive;
+};
+
+LogSizeFrame MakeLogSizeFrame(QWidget* parent, const LogSizeNames& names) {
+    LogSizeFrame f{};
+    f.frame = new QGroupBox(parent);
+    f.frame->setObjectName(names.frame);
+    f.label = MakeLabel(f.frame, names.label, names.caption);
+    f.size = MakeEdit(f.frame, names.size, "Maximum Log File Size - 0 means no limit.");
+    KeyFilter::Install(f.size, AcceptsNumberKey);
+    f.label->setBuddy(f.size);
+    f.archive = MakeCheck(f.frame, names.archive, "Archive Log Files",
+                          "When maximum size of a log file is reached, archive the file.");
+    auto* grid = new QGridLayout(f.frame);
+    grid->addWidget(f.label, 0, 0);
+    grid->addWidget(f.size, 0, 1);
+    grid->addWidget(f.archive, 1, 0, 1, 2);
+    return f;
 }
 
 } // namespace
@@ -56,9 +85,46 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     setWindowTitle("Setup");
     setModal(true);
 
-    const QString archiveTip = "When maximum size of a log file is reached, archive the file.";
-    const QString sizeTip = "Maximum Log File Size - 0 means no limit.";
+    QGroupBox* frServer = createServerGroup();
+    QGroupBox* frmCheckBox = createLogChoiceGroup();
+    const LogSizeFrame log = MakeLogSizeFrame(
+        this, {"frLogFile", "lblMax", "Maximum Log File Size", "txtMaxSize", "chkArchive"});
+    const LogSizeFrame errorLog =
+        MakeLogSizeFrame(this, {"frMaxErrorLog", "lblMaxErr", "Maximum Error Log Size",
+                                "txtMaxErrorLog", "chkArchiveError"});
+    m_maxSize = log.size;
+    m_archive = log.archive;
+    m_maxErrorLog = errorLog.size;
+    m_archiveError = errorLog.archive;
 
+    // The size boxes and the address line up although their labels differ
+    // in length.
+    const int labelWidth =
+        std::max(log.label->sizeHint().width(), errorLog.label->sizeHint().width());
+    log.label->setMinimumWidth(labelWidth);
+    errorLog.label->setMinimumWidth(labelWidth);
+    frServer->findChild<QLabel*>("lblIP_0")->setMinimumWidth(labelWidth);
+
+    auto* ok = new QPushButton("OK", this);
+    ok->setObjectName("cmdOk");
+    ok->setDefault(true);
+    auto* cancel = new QPushButton("&Cancel", this);
+    cancel->setObjectName("cmdCancel");
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(frServer);
+    layout->addWidget(frmCheckBox);
+    layout->addWidget(log.frame);
+    layout->addWidget(errorLog.frame);
+    layout->addLayout(ButtonRow({ok, cancel}));
+    KeepNaturalSize(this);
+
+    connect(ok, &QPushButton::clicked, this, &SetupDialog::Ok);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    LoadFromSettings();
+}
+
+QGroupBox* SetupDialog::createServerGroup() {
     // Server module: address, port and the panel setup password.
     auto* frServer = new QGroupBox("Server Module", this);
     frServer->setObjectName("frServer");
@@ -83,15 +149,18 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
     auto* lblPassword =
         MakeLabel(frServer, "LblPassword", "Password required for client panel setup.");
     lblPassword->setBuddy(m_password);
-    auto* serverGrid = new QGridLayout(frServer);
-    serverGrid->addWidget(lblIP0, 0, 0);
-    serverGrid->addWidget(m_address, 0, 1);
-    serverGrid->addWidget(lblIP1, 1, 0);
-    serverGrid->addWidget(m_port, 1, 1);
-    serverGrid->addWidget(lblPassword, 2, 0, 1, 2);
-    serverGrid->addWidget(m_password, 3, 0, 1, 2);
-    serverGrid->setColumnStretch(1, 1);
+    auto* grid = new QGridLayout(frServer);
+    grid->addWidget(lblIP0, 0, 0);
+    grid->addWidget(m_address, 0, 1);
+    grid->addWidget(lblIP1, 1, 0);
+    grid->addWidget(m_port, 1, 1);
+    grid->addWidget(lblPassword, 2, 0, 1, 2);
+    grid->addWidget(m_password, 3, 0, 1, 2);
+    grid->setColumnStretch(1, 1);
+    return frServer;
+}
 
+QGroupBox* SetupDialog::createLogChoiceGroup() {
     // Which logs are kept.
     auto* frmCheckBox = new QGroupBox(this);
     frmCheckBox->setObjectName("frmCheckBox");
@@ -99,64 +168,11 @@ SetupDialog::SetupDialog(Settings& settings, LinkState& state, Connection& conne
                           "The Log File maintains a time stamped history of all message activity");
     m_errorFile = MakeCheck(frmCheckBox, "chkError", "Error File",
                             "The Error Log File maintains a time stamped history of all Errors");
-    auto* checkRow = new QHBoxLayout(frmCheckBox);
-    checkRow->addWidget(m_logFile);
-    checkRow->addWidget(m_errorFile);
-    checkRow->addStretch(1);
-
-    // Activity log size and archiving.
-    auto* frLogFile = new QGroupBox(this);
-    frLogFile->setObjectName("frLogFile");
-    auto* lblMax = MakeLabel(frLogFile, "lblMax", "Maximum Log File Size");
-    m_maxSize = MakeEdit(frLogFile, "txtMaxSize", sizeTip);
-    KeyFilter::Install(m_maxSize, AcceptsNumberKey);
-    lblMax->setBuddy(m_maxSize);
-    m_archive = MakeCheck(frLogFile, "chkArchive", "Archive Log Files", archiveTip);
-    auto* logGrid = new QGridLayout(frLogFile);
-    logGrid->addWidget(lblMax, 0, 0);
-    logGrid->addWidget(m_maxSize, 0, 1);
-    logGrid->addWidget(m_archive, 1, 0, 1, 2);
-
-    // Error log size and archiving: the same texts as the activity log's.
-    auto* frMaxErrorLog = new QGroupBox(this);
-    frMaxErrorLog->setObjectName("frMaxErrorLog");
-    auto* lblMaxErr = MakeLabel(frMaxErrorLog, "lblMaxErr", "Maximum Error Log Size");
-    m_maxErrorLog = MakeEdit(frMaxErrorLog, "txtMaxErrorLog", sizeTip);
-    KeyFilter::Install(m_maxErrorLog, AcceptsNumberKey);
-    lblMaxErr->setBuddy(m_maxErrorLog);
-    m_archiveError = MakeCheck(frMaxErrorLog, "chkArchiveError", "Archive Log Files", archiveTip);
-    auto* errGrid = new QGridLayout(frMaxErrorLog);
-    errGrid->addWidget(lblMaxErr, 0, 0);
-    errGrid->addWidget(m_maxErrorLog, 0, 1);
-    errGrid->addWidget(m_archiveError, 1, 0, 1, 2);
-
-    // The two size boxes line up although their labels differ in length.
-    const int labelWidth = std::max(lblMax->sizeHint().width(), lblMaxErr->sizeHint().width());
-    lblMax->setMinimumWidth(labelWidth);
-    lblMaxErr->setMinimumWidth(labelWidth);
-    lblIP0->setMinimumWidth(labelWidth);
-
-    auto* ok = new QPushButton("OK", this);
-    ok->setObjectName("cmdOk");
-    ok->setDefault(true);
-    auto* cancel = new QPushButton("&Cancel", this);
-    cancel->setObjectName("cmdCancel");
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(frServer);
-    layout->addWidget(frmCheckBox);
-    layout->addWidget(frLogFile);
-    layout->addWidget(frMaxErrorLog);
-    layout->addLayout(buttons);
-    KeepNaturalSize(this);
-
-    connect(ok, &QPushButton::clicked, this, &SetupDialog::Ok);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    LoadFromSettings();
+    auto* row = new QHBoxLayout(frmCheckBox);
+    row->addWidget(m_logFile);
+    row->addWidget(m_errorFile);
+    row->addStretch(1);
+    return frmCheckBox;
 }
 
 void SetupDialog::LoadFromSettings() {

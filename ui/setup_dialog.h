@@ -5,6 +5,7 @@
 #include <string>
 
 class QCheckBox;
+class QGroupBox;
 class QLineEdit;
 
 namespace lumeth {
@@ -28,6 +29,9 @@ public:
     void Ok();
 
 private:
+    QGroupBox* createServerGroup();
+    QGroupBox* createLogChoiceGroup();
+
     Settings& m_settings;
     LinkState& m_state;
     Connection& m_connection;

@@ -133,8 +133,7 @@ private:
         m_store.editorListType = listType;
         m_store.currentListType = currentListType;
         (listType == kUserGroupListType ? m_store.currentUserGroup : m_store.currentList) = index;
-        m_editor->Open();
-        m_editor->show();
+        m_editor->show(); // loads the editor
         m_editor->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_editor));
     }
