@@ -8,6 +8,7 @@
 
 #include "files/file_io.h"
 #include "model/button_templates.h"
+#include "model/limits.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -51,6 +52,65 @@ void DrawKey(QPainter& painter, const QRectF& box, int number, const LabelSheetK
     text(row(5, 1), small, ToQt(key.number), Qt::AlignHCenter);
 }
 
+struct SheetFonts {
+    QFont heading;
+    QFont caption;
+    QFont small;
+    QFont face;
+};
+
+SheetFonts MakeSheetFonts() {
+    SheetFonts fonts{QFont("Sans Serif"), QFont("Sans Serif"), QFont("Sans Serif"),
+                     QFont("Sans Serif")};
+    fonts.heading.setPointSizeF(16);
+    fonts.heading.setBold(true);
+    fonts.caption.setPointSizeF(9);
+    fonts.small.setPointSizeF(5.5);
+    fonts.face.setPointSizeF(6.5);
+    fonts.face.setBold(true);
+    return fonts;
+}
+
+// One template's page: its number and name, its 32 keys in two rows of 16,
+// and a footer that says what each line of a key means and where the page
+// belongs.
+void DrawPage(QPainter& painter, const QRectF& page, const LabelSheetPage& sheet, int pageNumber,
+              int pageCount, const SheetFonts& fonts) {
+    const double width = page.width();
+    const double gap = Mm(1.2);
+    const double keyWidth = (width - gap * (kKeysPerRow - 1)) / kKeysPerRow;
+    const double keyHeight = Mm(34);
+    painter.setPen(Qt::black);
+    painter.setFont(fonts.heading);
+    painter.drawText(QRectF(0, 0, width, Mm(10)), Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("Template %1  %2")
+                         .arg(sheet.number, 2, 10, QLatin1Char('0'))
+                         .arg(ToQt(sheet.name).trimmed()));
+    double top = Mm(16);
+    for (int r = 0; r < 2; ++r) {
+        painter.setFont(fonts.caption);
+        painter.setPen(Qt::black);
+        painter.drawText(QRectF(0, top, width, Mm(6)), Qt::AlignLeft | Qt::AlignVCenter,
+                         r == 0 ? QStringLiteral("Buttons 1-16") : QStringLiteral("Buttons 17-32"));
+        top += Mm(7);
+        for (int k = 0; k < kKeysPerRow; ++k) {
+            const int b = r * kKeysPerRow + k;
+            const QRectF box(k * (keyWidth + gap), top, keyWidth, keyHeight);
+            DrawKey(painter, box, b + 1, sheet.keys[static_cast<size_t>(b)], fonts.small,
+                    fonts.face);
+        }
+        top += keyHeight + Mm(10);
+    }
+    painter.setFont(fonts.caption);
+    painter.setPen(Qt::darkGray);
+    const QRectF footer(0, page.height() - Mm(8), width, Mm(8));
+    painter.drawText(footer, Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("Each key: button number, face text, function, "
+                                    "channel name, channel number"));
+    painter.drawText(footer, Qt::AlignRight | Qt::AlignVCenter,
+                     QStringLiteral("Page %1 of %2").arg(pageNumber).arg(pageCount));
+}
+
 } // namespace
 
 QByteArray RenderLabelSheet(const PanelStore& store) {
@@ -65,59 +125,13 @@ QByteArray RenderLabelSheet(const PanelStore& store) {
                                      QMarginsF(10, 10, 10, 10), QPageLayout::Millimeter));
 
     QPainter painter(&writer);
-    QFont heading("Sans Serif");
-    heading.setPointSizeF(16);
-    heading.setBold(true);
-    QFont caption("Sans Serif");
-    caption.setPointSizeF(9);
-    QFont small("Sans Serif");
-    small.setPointSizeF(5.5);
-    QFont face("Sans Serif");
-    face.setPointSizeF(6.5);
-    face.setBold(true);
-
+    const SheetFonts fonts = MakeSheetFonts();
     const QRectF page = writer.pageLayout().paintRectPixels(kResolution);
-    const double width = page.width();
-    const double gap = Mm(1.2);
-    const double keyWidth = (width - gap * (kKeysPerRow - 1)) / kKeysPerRow;
-    const double keyHeight = Mm(34);
-
-    const int count = std::max<int>(store.templates.templateCount, 0);
+    const int count = ValidCount(store.templates.templateCount);
     for (int t = 0; t < count; ++t) {
         if (t > 0)
             writer.newPage();
-        const LabelSheetPage sheet = LabelSheetPageFor(store, t);
-        painter.setPen(Qt::black);
-        painter.setFont(heading);
-        painter.drawText(QRectF(0, 0, width, Mm(10)), Qt::AlignLeft | Qt::AlignVCenter,
-                         QStringLiteral("Template %1  %2")
-                             .arg(sheet.number, 2, 10, QLatin1Char('0'))
-                             .arg(ToQt(sheet.name).trimmed()));
-        double top = Mm(16);
-        for (int r = 0; r < 2; ++r) {
-            painter.setFont(caption);
-            painter.setPen(Qt::black);
-            painter.drawText(QRectF(0, top, width, Mm(6)), Qt::AlignLeft | Qt::AlignVCenter,
-                             r == 0 ? QStringLiteral("Buttons 1-16")
-                                    : QStringLiteral("Buttons 17-32"));
-            top += Mm(7);
-            for (int k = 0; k < kKeysPerRow; ++k) {
-                const int b = r * kKeysPerRow + k;
-                const QRectF box(k * (keyWidth + gap), top, keyWidth, keyHeight);
-                DrawKey(painter, box, b + 1, sheet.keys[static_cast<size_t>(b)], small, face);
-            }
-            top += keyHeight + Mm(10);
-        }
-        // What each line of a key means, and where the page belongs.
-        painter.setFont(caption);
-        painter.setPen(Qt::darkGray);
-        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
-                         Qt::AlignLeft | Qt::AlignVCenter,
-                         QStringLiteral("Each key: button number, face text, function, "
-                                        "channel name, channel number"));
-        painter.drawText(QRectF(0, page.height() - Mm(8), width, Mm(8)),
-                         Qt::AlignRight | Qt::AlignVCenter,
-                         QStringLiteral("Page %1 of %2").arg(t + 1).arg(count));
+        DrawPage(painter, page, LabelSheetPageFor(store, t), t + 1, count, fonts);
     }
     painter.end();
     return bytes;

@@ -13,6 +13,7 @@
 #include "link/link_state.h"
 #include "ui/key_filter.h"
 #include "ui/message_box.h"
+#include "ui/named_widgets.h"
 #include "ui/natural_size.h"
 #include "ui/normalise_address.h"
 #include "ui/password_star_style.h"
@@ -30,20 +31,35 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     setWindowTitle("KOV Admin Panel Login");
     setModal(true);
 
-    auto* lblAddress = new QLabel("IP Address", this);
-    lblAddress->setObjectName("lblAddress");
+    QGridLayout* fields = createFields();
+    m_ok = new QPushButton("&Ok", this);
+    m_ok->setObjectName("cmdOk");
+    m_ok->setDefault(true);
+    m_cancel = new QPushButton("&Cancel", this);
+    m_cancel->setObjectName("cmdCancel");
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addSpacing(6);
+    layout->addLayout(ButtonRow({m_ok, m_cancel}));
+    KeepNaturalSize(this);
+
+    connect(m_ok, &QPushButton::clicked, this, &LoginDialog::Ok);
+    connect(m_cancel, &QPushButton::clicked, this, &LoginDialog::Cancel);
+}
+
+QGridLayout* LoginDialog::createFields() {
+    auto* lblAddress = MakeLabel(this, "lblAddress", "IP Address");
     m_address = new QLineEdit(this);
     m_address->setObjectName("txtAddress");
     KeyFilter::Install(m_address, AcceptsAddressKey);
 
-    auto* lblPort = new QLabel("IP Port", this);
-    lblPort->setObjectName("lblPort");
+    auto* lblPort = MakeLabel(this, "lblPort", "IP Port");
     m_port = new QLineEdit(this);
     m_port->setObjectName("txtPort");
     KeyFilter::Install(m_port, AcceptsNumberKey);
 
-    auto* lblPassword = new QLabel("Password", this);
-    lblPassword->setObjectName("lblPassword");
+    auto* lblPassword = MakeLabel(this, "lblPassword", "Password");
     m_password = new QLineEdit(this);
     m_password->setObjectName("txtPassword");
     m_password->setEchoMode(QLineEdit::Password);
@@ -54,12 +70,6 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     lblPort->setBuddy(m_port);
     lblPassword->setBuddy(m_password);
 
-    m_ok = new QPushButton("&Ok", this);
-    m_ok->setObjectName("cmdOk");
-    m_ok->setDefault(true);
-    m_cancel = new QPushButton("&Cancel", this);
-    m_cancel->setObjectName("cmdCancel");
-
     auto* grid = new QGridLayout;
     grid->addWidget(lblAddress, 0, 0);
     grid->addWidget(m_address, 0, 1);
@@ -68,20 +78,7 @@ LoginDialog::LoginDialog(LinkState& state, Connection& connection, std::string& 
     grid->addWidget(lblPassword, 2, 0);
     grid->addWidget(m_password, 2, 1);
     grid->setColumnStretch(1, 1);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_ok);
-    buttons->addWidget(m_cancel);
-
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(grid);
-    layout->addSpacing(6);
-    layout->addLayout(buttons);
-    KeepNaturalSize(this);
-
-    connect(m_ok, &QPushButton::clicked, this, &LoginDialog::Ok);
-    connect(m_cancel, &QPushButton::clicked, this, &LoginDialog::Cancel);
+    return grid;
 }
 
 void LoginDialog::LoadFromState() {

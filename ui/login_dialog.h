@@ -4,6 +4,7 @@
 
 #include <string>
 
+class QGridLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -35,6 +36,8 @@ protected:
     void reject() override;
 
 private:
+    QGridLayout* createFields();
+
     LinkState& m_state;
     Connection& m_connection;
     std::string& m_normalisedAddress;
