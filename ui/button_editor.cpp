@@ -187,7 +187,7 @@ QGroupBox* ButtonEditor::createKeysGroup() {
     grid->setVerticalSpacing(2);
     auto* group = new QButtonGroup(this);
     group->setExclusive(true);
-    for (int p = 0; p < 16; ++p) {
+    for (int p = 0; p < kPageKeys; ++p) {
         createKey(keys, grid, p);
         group->addButton(m_buttons[p], p);
     }
@@ -229,11 +229,11 @@ QGroupBox* ButtonEditor::createButtonGroup() {
     // The selected button's function, channels and label.
     auto* edit = new QGroupBox(this);
     edit->setObjectName("frButton");
-    m_buttonLabels[16] = ArrayMember(new QLabel("Button 1", edit), "lblButton", 16);
-    QFont heading = m_buttonLabels[16]->font();
+    m_buttonLabels[kPageKeys] = ArrayMember(new QLabel("Button 1", edit), "lblButton", kPageKeys);
+    QFont heading = m_buttonLabels[kPageKeys]->font();
     heading.setBold(true);
     heading.setPointSizeF(heading.pointSizeF() * 1.2);
-    m_buttonLabels[16]->setFont(heading);
+    m_buttonLabels[kPageKeys]->setFont(heading);
     m_type = new QComboBox(edit);
     m_type->setObjectName("cmbType");
     m_type->setToolTip("The button's function");
@@ -242,7 +242,7 @@ QGroupBox* ButtonEditor::createButtonGroup() {
         m_channels[i] = createChannelList(edit, i);
 
     auto* grid = new QGridLayout(edit);
-    grid->addWidget(m_buttonLabels[16], 0, 0, 1, 2);
+    grid->addWidget(m_buttonLabels[kPageKeys], 0, 0, 1, 2);
     grid->addWidget(new QLabel("Function", edit), 1, 0);
     grid->addWidget(m_type, 1, 1);
     grid->addWidget(new QLabel("Channel", edit), 2, 0);
@@ -425,7 +425,7 @@ void ButtonEditor::DisplayCurrentTemplate() {
     // A channel without a name (say, before the channel names have been
     // downloaded) is reported, but only after the rest has been shown.
     Status unnamed;
-    for (int p = 0; p < 16; ++p) {
+    for (int p = 0; p < kPageKeys; ++p) {
         const int b = m_offset + p;
         Status status;
         const std::string label = GetButtonLabel(m_store, m_current, b, &status);
@@ -475,7 +475,7 @@ QString ButtonEditor::InputAlpha(int channel) const {
 void ButtonEditor::DisplayCurrentButton() {
     const BusyFlag::Scope busy;
     const int b = m_offset + m_button;
-    m_buttonLabels[16]->setText(QStringLiteral("Button %1").arg(b + 1));
+    m_buttonLabels[kPageKeys]->setText(QStringLiteral("Button %1").arg(b + 1));
     const PanelButton& button = CurrentButtonRecord();
 
     LoadChannelCombos(button.type);
@@ -580,7 +580,7 @@ void ButtonEditor::Navigate(int index) {
 void ButtonEditor::ChangePage() {
     Guarded(m_reporter, "Error Changing Templates", kButtonError, [this] {
         // The caption names the page that is not shown.
-        m_offset = m_offset == 0 ? 16 : 0;
+        m_offset = m_offset == 0 ? kPageKeys : 0;
         m_more->setText(m_offset == 0 ? "Buttons 17-32" : "Buttons 1-16");
         m_button = 0;
         DisplayCurrentTemplate();

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "model/limits.h"
 #include "model/panel_store.h"
 #include "ui/busy_flag.h"
 #include "ui/error_reporter.h"
@@ -60,6 +61,9 @@ public:
     // count each duplicate as a step of its own.
     void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
 
+    // Keys on a page: a template's buttons are shown half at a time.
+    static constexpr int kPageKeys = kTemplateButtons / 2;
+
     int currentTemplate() const { return m_current; }
     int currentButton() const { return m_button; }
     int pageOffset() const { return m_offset; }
@@ -104,9 +108,10 @@ private:
     // The busy flag, held while a download rebuilds the shared channel lists.
     std::optional<BusyFlag::Scope> m_rebuilding;
 
-    std::array<QPushButton*, 16> m_buttons{};
-    std::array<QLabel*, 17> m_buttonLabels{};
-    std::array<QLabel*, 16> m_typeLabels{};
+    std::array<QPushButton*, kPageKeys> m_buttons{};
+    // The keys' numbers, then the heading of the selected button.
+    std::array<QLabel*, kPageKeys + 1> m_buttonLabels{};
+    std::array<QLabel*, kPageKeys> m_typeLabels{};
     std::array<QComboBox*, 2> m_channels{};
     std::array<QRadioButton*, 2> m_captionOptions{};
     std::array<QPushButton*, 6> m_nav{};
