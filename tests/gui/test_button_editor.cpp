@@ -272,6 +272,23 @@ private slots:
         QCOMPARE(Button(2).channel2, int16_t(2));
     }
 
+    void renamedChannelsUnderTheOpenWindowChangeNoButton() {
+        // A download rebuilds the shared lists while the window is open: the
+        // lists' resets must not reach the buttons, and the selected button
+        // shows its channel's new name.
+        Open(MakeStore(1));
+        Key(2)->click();
+        Channel(0)->setCurrentIndex(12);
+        m_store.alpha(SubType::Input).channelNames[11] = "TALKBACK";
+        m_models->RebuildAll(m_store);
+        QCOMPARE(Button(2).channel, int16_t(11));
+        QCOMPARE(Channel(0)->currentText(), QString("TALKBACK [0012]"));
+        QCOMPARE(Key(2)->text(), QString("TALKBACK"));
+        // The window's handlers work again after the rebuild.
+        Channel(0)->setCurrentIndex(1);
+        QCOMPARE(Button(2).channel, int16_t(0));
+    }
+
     void typingFindsAChannelAnywhereIgnoringCase() {
         Open(MakeStore(1));
         Key(0)->click();
