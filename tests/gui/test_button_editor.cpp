@@ -57,7 +57,8 @@ PanelStore MakeStore(int templates) {
     store.templates.templateCount = static_cast<int16_t>(templates);
     store.templates.Resize(templates);
     for (int t = 0; t < templates; ++t) {
-        store.templates.templateNames[size_t(t)] = QStringLiteral("Template %1").arg(t + 1).toStdString();
+        store.templates.templateNames[size_t(t)] =
+            QStringLiteral("Template %1").arg(t + 1).toStdString();
         ButtonTemplate& tpl = store.templates.buttonTemplates[size_t(t)];
         tpl.buttonCount = kTemplateButtons;
         tpl.buttons.assign(kTemplateButtons, PanelButton::Cleared());
@@ -148,8 +149,8 @@ private slots:
         PanelStore store = MakeStore(2);
         store.templates.buttonTemplates[0].buttonCount = 3;
         store.templates.buttonTemplates[0].buttons.resize(3);
-        store.templates.buttonTemplates[0].buttons[0].channel = 99;      // no such Input channel
-        store.alpha(SubType::Input).channelNames[1] += "    "; // padded as received
+        store.templates.buttonTemplates[0].buttons[0].channel = 99; // no such Input channel
+        store.alpha(SubType::Input).channelNames[1] += "    ";      // padded as received
         Open(std::move(store));
         QCOMPARE(m_reported.size(), size_t(1));
         QCOMPARE(m_reported[0].location, std::string("Error Displaying Buttons"));
@@ -511,7 +512,8 @@ private slots:
     void loadingAFileKeepsTheTemplateIndexPair() {
         PanelStore store = MakeStore(5);
         for (int t = 0; t < 5; ++t)
-            store.templates.templateIndex[size_t(t)] = store.templates.templatePosition[size_t(t)] = int16_t(t + 7);
+            store.templates.templateIndex[size_t(t)] = store.templates.templatePosition[size_t(t)] =
+                int16_t(t + 7);
         const std::string file = EncodePanelData(MakeStore(2));
         QCOMPARE(LoadPanelData(file, store).outcome, LoadOutcome::Loaded);
         QCOMPARE(store.templates.templateCount, int16_t(2));

@@ -46,7 +46,7 @@ PanelStore Facility() {
     store.groups.userGroupCount = 4;
     store.groups.userGroupNames = {"Studio A", "Newsroom", "Tally Only", "Empty"};
     store.groups.userGroups = {Group({{0, 11}, {1, 21}, {2, 11}}), Group({{0, 31}, {0, 21}}),
-                        Group({{0, 41}}), Group({})};
+                               Group({{0, 41}}), Group({})};
     store.groups.userGroupIndex = {0, 1, 2, 3};
     store.groups.userGroupNumber = {0, 1, 2, 3};
     return store;
