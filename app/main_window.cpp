@@ -220,6 +220,16 @@ void MainWindow::BuildLayout() {
     layout->addLayout(grid, 1);
     layout->addLayout(buttons);
 
+    BuildStatusBar();
+
+    // Until a remembered layout says otherwise: comfortable, and within the screen.
+    QSize size(1200, 780);
+    if (const QScreen* shown = screen())
+        size = size.boundedTo(shown->availableGeometry().size() * 0.95);
+    resize(size);
+}
+
+void MainWindow::BuildStatusBar() {
     QStatusBar* status = statusBar();
     status->setObjectName("stbStatus");
     // Messages appear in the room left of the two panels: the link panel is
@@ -239,12 +249,6 @@ void MainWindow::BuildLayout() {
     status->addPermanentWidget(m_progressPanel);
     // A click on "Unapplied changes" reviews them.
     m_progressPanel->installEventFilter(this);
-
-    // Until a remembered layout says otherwise: comfortable, and within the screen.
-    QSize size(1200, 780);
-    if (const QScreen* shown = screen())
-        size = size.boundedTo(shown->availableGeometry().size() * 0.95);
-    resize(size);
 }
 
 void MainWindow::Start() {

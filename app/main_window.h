@@ -94,6 +94,7 @@ protected:
 private:
     void BuildMenus();
     void BuildLayout();
+    void BuildStatusBar();
     void OnPartReceived(Part part);
     void OnLoginFinished();
     void RefreshProgress();
