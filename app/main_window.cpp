@@ -81,7 +81,7 @@ QString JoinParts(const QStringList& names) {
 } // namespace
 
 MainWindow::MainWindow(const std::string& folder, QWidget* parent)
-    : QMainWindow(parent), m_folder(folder), m_log(folder), m_mirror(m_store) {
+    : QMainWindow(parent), m_folder(folder), m_log(folder), m_mirror(m_store), m_steps(m_store) {
     setObjectName("frmMain");
     setWindowTitle("KOV Lumeth EX Administrator");
 
@@ -100,7 +100,6 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
     connect(m_connection, &Connection::partReceived, this, &MainWindow::OnPartReceived);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
-    m_stepBase = TakeSnapshot(m_store);
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -346,8 +345,8 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
 void MainWindow::OnPartReceived(Part part) {
     m_mirror.Received(part, m_store, m_link.serverPassword);
     // A download is no step of its own: later steps start from it.
-    if (!(PartSet{part} & kUploadParts).empty())
-        m_stepBase = TakeSnapshot(m_store, &m_stepBase);
+    if (kUploadParts.has(part))
+        m_steps.Rebase(m_store);
     const PartInfo& info = Info(part);
     switch (info.kind) {
     case PartKind::UserGroups:
@@ -434,10 +433,10 @@ void MainWindow::EditButtons() {
     }
     // Compared by the parts Apply sends: anything the editor changed
     // (including a template grown to 32 buttons) is waiting for Apply.
-    const PanelSnapshot before = TakeSnapshot(m_store, &m_stepBase);
+    const PanelSnapshot before = TakeSnapshot(m_store, &m_steps.base());
     m_buttonEditor->exec();
     RecordStep();
-    if (!(m_stepBase == before))
+    if (!(m_steps.base() == before))
         setUnappliedChanges(true);
 }
 
@@ -524,7 +523,8 @@ void MainWindow::Apply() {
 
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
-    RecordStepFrom(TakeSnapshot(m_store, &m_stepBase));
+    m_steps.RecordFrom(TakeSnapshot(m_store, &m_steps.base()), m_store);
+    RefreshEditMenu();
     m_mirror.RequestedEverything();
     m_connection->RequestEverything();
     setUnappliedChanges(false);
@@ -627,43 +627,33 @@ void MainWindow::WriteApplyBackup() {
 }
 
 void MainWindow::RecordStep() {
-    PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
-    if (now == m_stepBase)
-        return;
-    m_history.Record(std::exchange(m_stepBase, std::move(now)));
-    RefreshEditMenu();
-}
-
-void MainWindow::RecordStepFrom(PanelSnapshot before) {
-    m_stepBase = TakeSnapshot(m_store, &before);
-    m_history.Record(std::move(before));
-    RefreshEditMenu();
+    if (m_steps.Record(m_store))
+        RefreshEditMenu();
 }
 
 void MainWindow::Undo() {
-    if (m_history.Undo(m_store))
+    if (m_steps.Undo(m_store))
         AfterRestore();
 }
 
 void MainWindow::Redo() {
-    if (m_history.Redo(m_store))
+    if (m_steps.Redo(m_store))
         AfterRestore();
 }
 
 void MainWindow::AfterRestore() {
-    m_stepBase = TakeSnapshot(m_store, &m_stepBase);
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!ChangedParts(m_mirror.uploadParts(), m_stepBase).empty());
+    setUnappliedChanges(!ChangedParts(m_mirror.uploadParts(), m_steps.base()).empty());
     RefreshEditMenu();
 }
 
 void MainWindow::RefreshEditMenu() {
     // The upload keeps the window running between its messages; an undo then
     // would send a mix of two configurations.
-    m_undo->setEnabled(!m_applying && m_history.canUndo());
-    m_redo->setEnabled(!m_applying && m_history.canRedo());
+    m_undo->setEnabled(!m_applying && m_steps.history().canUndo());
+    m_redo->setEnabled(!m_applying && m_steps.history().canRedo());
 }
 
 } // namespace lumeth

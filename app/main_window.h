@@ -11,10 +11,9 @@
 #include "files/error_log.h"
 #include "files/settings.h"
 #include "link/link_state.h"
-#include "model/panel_snapshot.h"
+#include "model/edit_steps.h"
 #include "model/panel_store.h"
 #include "model/server_mirror.h"
-#include "model/undo_history.h"
 #include "ui/error_reporter.h"
 
 class QAction;
@@ -77,7 +76,7 @@ public:
     std::vector<std::string> ChangeLines() const;
     // The configuration as last received in full from the server module.
     const std::optional<PanelStore>& received() const { return m_mirror.full(); }
-    UndoHistory& history() { return m_history; }
+    UndoHistory& history() { return m_steps.history(); }
 
     PanelStore& store() { return m_store; }
     LinkState& link() { return m_link; }
@@ -107,10 +106,8 @@ private:
     // keep what the server module held as a backup.
     bool ConfirmUnreceivedParts();
     void WriteApplyBackup();
-    // Undo steps: the state before a step is m_stepBase; RecordStep pushes it
-    // when the store has moved on since.
+    // Records an undo step when the store has moved on since the last one.
     void RecordStep();
-    void RecordStepFrom(PanelSnapshot before);
     void AfterRestore();
     void RefreshEditMenu();
 
@@ -142,8 +139,7 @@ private:
     // redo the unapplied indicator shows whether the store still differs from
     // the server module, even before everything has been received).
     ServerMirror m_mirror;
-    UndoHistory m_history;
-    PanelSnapshot m_stepBase;
+    EditSteps m_steps;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
