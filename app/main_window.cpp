@@ -27,7 +27,6 @@
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "link/protocol.h"
-#include "model/store_diff.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/changes_dialog.h"
@@ -586,9 +585,7 @@ void MainWindow::OnLinkConnected() {
 }
 
 std::vector<std::string> MainWindow::ChangeLines() const {
-    if (!m_mirror.full())
-        return {"The configuration has not yet been received in full from the server module."};
-    return DiffStores(*m_mirror.full(), m_store);
+    return m_mirror.ChangeLines(m_store);
 }
 
 void MainWindow::ReviewChanges() {

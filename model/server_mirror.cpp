@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "model/store_diff.h"
+
 namespace lumeth {
 
 namespace {
@@ -85,6 +87,12 @@ void ServerMirror::Loaded() {
 
 PartSet ServerMirror::Unconfirmed(const PanelSnapshot& now) const {
     return kUploadParts - (m_held | ChangedParts(m_uploads, now));
+}
+
+std::vector<std::string> ServerMirror::ChangeLines(const PanelStore& now) const {
+    if (!m_full)
+        return {"The configuration has not yet been received in full from the server module."};
+    return DiffStores(*m_full, now);
 }
 
 void ServerMirror::RestoreReceived(PanelStore& store, std::string& password) const {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "model/panel_snapshot.h"
 #include "model/panel_store.h"
@@ -54,6 +55,9 @@ public:
     // The configuration as last received in full (all eleven parts since a
     // request for everything) or applied; none before that.
     const std::optional<PanelStore>& full() const { return m_full; }
+    // How `now` differs from full(), one line per change (none: no
+    // difference), or one line saying nothing has been received in full.
+    std::vector<std::string> ChangeLines(const PanelStore& now) const;
 
     // Put every part received since the last request for everything back
     // into `store` (the password into `password`) as it arrived.

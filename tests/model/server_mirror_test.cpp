@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "model/server_mirror.h"
+#include "model/store_diff.h"
 #include "tests/support/store_builders.h"
 
 namespace lumeth {
@@ -166,13 +167,19 @@ TEST(ServerMirror, RestoresEachReceivedPartAsItArrived) {
 TEST(ServerMirror, FullStoreTakesReceivedPartsButNoLocalEdits) {
     ServerMirror mirror;
     PanelStore store = Base();
+    EXPECT_EQ(mirror.ChangeLines(store).size(), 1u) << "nothing to compare with yet";
     ReceiveAll(mirror, store);
+    EXPECT_TRUE(mirror.ChangeLines(store).empty());
     store.groups.userGroupNames[0] = "Edited";
     store.templates.templateNames[0] = "Sent again";
     mirror.Received(Part::Templates, store, "studio");
     ASSERT_TRUE(mirror.full());
     EXPECT_EQ(mirror.full()->groups.userGroupNames[0], "Studio");
     EXPECT_EQ(mirror.full()->templates.templateNames[0], "Sent again");
+    PanelStore received = Base();
+    received.templates = store.templates;
+    EXPECT_EQ(mirror.ChangeLines(store), DiffStores(received, store)) << "the group edit only";
+    EXPECT_EQ(mirror.ChangeLines(store).size(), 1u);
 
     mirror.Applied(store);
     EXPECT_EQ(mirror.full()->groups.userGroupNames[0], "Edited");
