@@ -599,7 +599,7 @@ bool MainWindow::ConfirmUnreceivedParts() {
     // Edited parts are those that differ now: an edit undone leaves the part
     // as it was never received.
     QStringList names;
-    ForEachPart(m_mirror.Unconfirmed(TakeSnapshot(m_store, &m_mirror.uploadParts())),
+    ForEachPart(m_mirror.Unconfirmed(m_store),
                 [&](Part p) { names << QString::fromStdString(std::string(PartName(p))); });
     if (names.isEmpty())
         return true;

@@ -85,8 +85,8 @@ void ServerMirror::Loaded() {
     m_held = kUploadParts;
 }
 
-PartSet ServerMirror::Unconfirmed(const PanelSnapshot& now) const {
-    return kUploadParts - (m_held | ChangedParts(m_uploads, now));
+PartSet ServerMirror::Unconfirmed(const PanelStore& now) const {
+    return kUploadParts - (m_held | ChangedParts(m_uploads, TakeSnapshot(now, &m_uploads)));
 }
 
 std::vector<std::string> ServerMirror::ChangeLines(const PanelStore& now) const {

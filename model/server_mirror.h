@@ -51,7 +51,7 @@ public:
     // The upload parts Apply would send over what the server module holds
     // without their having been received, loaded or edited: an edit is a
     // part of `now` that differs from uploadParts().
-    PartSet Unconfirmed(const PanelSnapshot& now) const;
+    PartSet Unconfirmed(const PanelStore& now) const;
     // The configuration as last received in full (all eleven parts since a
     // request for everything) or applied; none before that.
     const std::optional<PanelStore>& full() const { return m_full; }

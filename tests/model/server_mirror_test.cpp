@@ -219,7 +219,7 @@ TEST(ServerMirror, UnconfirmedPartsAreNeitherHeldNorEdited) {
         Play(mirror, c.steps, Base());
         PanelStore now = Base();
         c.edit(now);
-        EXPECT_EQ(mirror.Unconfirmed(TakeSnapshot(now)), c.unconfirmed);
+        EXPECT_EQ(mirror.Unconfirmed(now), c.unconfirmed);
     }
 }
 
