@@ -2,6 +2,7 @@
 // part as it arrived and the store as last received in full.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -64,39 +65,24 @@ void ReceiveAll(ServerMirror& mirror, const PanelStore& store) {
     ForEachPart(kAllParts, [&](Part p) { mirror.Received(p, store, "studio"); });
 }
 
-enum class Event { LinkUp, RequestEverything, Receive, Apply, Load, ReceiveAll };
-struct Step {
-    Event event;
-    Part part = Part::Password;
-};
+// What happens to the mirror, the store holding Base().
+using Step = std::function<void(ServerMirror&)>;
+Step Receive(Part part) {
+    return [part](ServerMirror& m) { m.Received(part, Base(), "studio"); };
+}
+const Step kReceiveAll = [](ServerMirror& m) { ReceiveAll(m, Base()); };
+const Step kLinkUp = [](ServerMirror& m) { m.LinkUp(); };
+const Step kRequestEverything = [](ServerMirror& m) { m.RequestedEverything(); };
+const Step kApply = [](ServerMirror& m) { m.Applied(Base()); };
+const Step kLoad = [](ServerMirror& m) { m.Loaded(); };
 
-void Play(ServerMirror& mirror, const std::vector<Step>& steps, const PanelStore& store) {
-    for (const Step& step : steps) {
-        switch (step.event) {
-        case Event::LinkUp:
-            mirror.LinkUp();
-            break;
-        case Event::RequestEverything:
-            mirror.RequestedEverything();
-            break;
-        case Event::Receive:
-            mirror.Received(step.part, store, "studio");
-            break;
-        case Event::Apply:
-            mirror.Applied(store);
-            break;
-        case Event::Load:
-            mirror.Loaded();
-            break;
-        case Event::ReceiveAll:
-            ReceiveAll(mirror, store);
-            break;
-        }
-    }
+void Play(ServerMirror& mirror, const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        step(mirror);
 }
 
 TEST(ServerMirror, CountsReceivedAndHeldParts) {
-    const Step groups{Event::Receive, Part::UserGroups};
+    const Step groups = Receive(Part::UserGroups);
     struct Case {
         const char* name;
         std::vector<Step> steps;
@@ -106,29 +92,29 @@ TEST(ServerMirror, CountsReceivedAndHeldParts) {
     } const cases[] = {
         {"nothing yet", {}, {}, {}, false},
         {"parts add up, only upload parts are held",
-         {{Event::Receive, Part::Password}, groups},
+         {Receive(Part::Password), groups},
          {Part::Password, Part::UserGroups},
          {Part::UserGroups},
          false},
         {"a request for everything counts again and keeps what is held",
-         {groups, {Event::RequestEverything}},
+         {groups, kRequestEverything},
          {},
          {Part::UserGroups},
          false},
-        {"the link coming up forgets both", {groups, {Event::LinkUp}}, {}, {}, false},
-        {"all eleven parts", {{Event::ReceiveAll}}, kAllParts, kUploadParts, true},
+        {"the link coming up forgets both", {groups, kLinkUp}, {}, {}, false},
+        {"all eleven parts", {kReceiveAll}, kAllParts, kUploadParts, true},
         {"a full store outlives the next request",
-         {{Event::ReceiveAll}, {Event::RequestEverything}, groups},
+         {kReceiveAll, kRequestEverything, groups},
          {Part::UserGroups},
          kUploadParts,
          true},
-        {"apply holds the upload parts", {{Event::Apply}}, {}, kUploadParts, true},
-        {"a load holds the upload parts", {{Event::Load}}, {}, kUploadParts, false},
+        {"apply holds the upload parts", {kApply}, {}, kUploadParts, true},
+        {"a load holds the upload parts", {kLoad}, {}, kUploadParts, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ServerMirror mirror;
-        Play(mirror, c.steps, Base());
+        Play(mirror, c.steps);
         EXPECT_EQ(mirror.received(), c.received);
         EXPECT_EQ(mirror.missing(), kAllParts - c.received);
         EXPECT_EQ(mirror.held(), c.held);
@@ -199,24 +185,18 @@ TEST(ServerMirror, UnconfirmedPartsAreNeitherHeldNorEdited) {
     } const cases[] = {
         {"nothing received", {}, keep, kUploadParts},
         {"groups received",
-         {{Event::Receive, Part::UserGroups}},
+         {Receive(Part::UserGroups)},
          keep,
          kUploadParts - PartSet{Part::UserGroups}},
         {"groups edited", {}, renameGroup, kUploadParts - PartSet{Part::UserGroups}},
-        {"channel names are no upload part",
-         {{Event::Receive, Part::InputAlphas}},
-         keep,
-         kUploadParts},
-        {"a file loaded", {{Event::Load}}, keep, {}},
-        {"held until the link comes up again",
-         {{Event::Load}, {Event::LinkUp}},
-         keep,
-         kUploadParts},
+        {"channel names are no upload part", {Receive(Part::InputAlphas)}, keep, kUploadParts},
+        {"a file loaded", {kLoad}, keep, {}},
+        {"held until the link comes up again", {kLoad, kLinkUp}, keep, kUploadParts},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ServerMirror mirror(Base());
-        Play(mirror, c.steps, Base());
+        Play(mirror, c.steps);
         PanelStore now = Base();
         c.edit(now);
         EXPECT_EQ(mirror.Unconfirmed(now), c.unconfirmed);
