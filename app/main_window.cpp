@@ -26,7 +26,7 @@
 #include "files/backup_files.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
-#include "model/store_diff.h"
+#include "link/protocol.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/changes_dialog.h"
@@ -68,35 +68,7 @@ QAction* MakeSeparator(QMenu* menu, const char* name) {
     return separator;
 }
 
-// What each pending request bit is waiting for, in the order of the download.
-struct PendingName {
-    bool maskA;
-    uint32_t bit;
-    const char* text;
-};
-constexpr PendingName kPendingNames[] = {
-    {true, request::kPassword, "Password"},           {true, request::kInputAlphas, "Input Alphas"},
-    {true, request::kOutputAlphas, "Output Alphas"},  {true, request::kOptoAlphas, "Opto Alphas"},
-    {true, request::kRelayAlphas, "Relay Alphas"},    {false, request::kInputLists, "Input Lists"},
-    {false, request::kOutputLists, "Output Lists"},   {false, request::kOptoLists, "Opto Lists"},
-    {false, request::kRelayLists, "Relay Lists"},     {false, request::kUserGroups, "User Groups"},
-    {false, request::kTemplates, "Button Templates"},
-};
-
 constexpr const char* kUnappliedText = "Unapplied changes";
-
-// `base` with the parts named in `parts` taken from `from`.
-PanelSnapshot WithParts(PanelSnapshot base, const PanelSnapshot& from, PartSet parts) {
-    for (SubType s : kAllSubTypes) {
-        if (parts.has(ListsPart(s)))
-            base.lists[Index(s)] = from.lists[Index(s)];
-    }
-    if (parts.has(Part::UserGroups))
-        base.groups = from.groups;
-    if (parts.has(Part::Templates))
-        base.templates = from.templates;
-    return base;
-}
 
 // "A", "A and B", "A, B and C"
 QString JoinParts(const QStringList& names) {
@@ -108,7 +80,7 @@ QString JoinParts(const QStringList& names) {
 } // namespace
 
 MainWindow::MainWindow(const std::string& folder, QWidget* parent)
-    : QMainWindow(parent), m_folder(folder), m_log(folder) {
+    : QMainWindow(parent), m_folder(folder), m_log(folder), m_mirror(m_store), m_steps(m_store) {
     setObjectName("frmMain");
     setWindowTitle("KOV Lumeth EX Administrator");
 
@@ -127,8 +99,6 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
     connect(m_connection, &Connection::partReceived, this, &MainWindow::OnPartReceived);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
-    m_stepBase = TakeSnapshot(m_store);
-    m_serverParts = m_stepBase;
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -248,6 +218,16 @@ void MainWindow::BuildLayout() {
     layout->addLayout(grid, 1);
     layout->addLayout(buttons);
 
+    BuildStatusBar();
+
+    // Until a remembered layout says otherwise: comfortable, and within the screen.
+    QSize size(1200, 780);
+    if (const QScreen* shown = screen())
+        size = size.boundedTo(shown->availableGeometry().size() * 0.95);
+    resize(size);
+}
+
+void MainWindow::BuildStatusBar() {
     QStatusBar* status = statusBar();
     status->setObjectName("stbStatus");
     // Messages appear in the room left of the two panels: the link panel is
@@ -267,19 +247,13 @@ void MainWindow::BuildLayout() {
     status->addPermanentWidget(m_progressPanel);
     // A click on "Unapplied changes" reviews them.
     m_progressPanel->installEventFilter(this);
-
-    // Until a remembered layout says otherwise: comfortable, and within the screen.
-    QSize size(1200, 780);
-    if (const QScreen* shown = screen())
-        size = size.boundedTo(shown->availableGeometry().size() * 0.95);
-    resize(size);
 }
 
 void MainWindow::Start() {
     m_views->ClearAll();
     m_link = LinkState{};
     m_store.editorListType = kUserGroupListType;
-    m_store.currentListType = 11;
+    m_store.currentListType = ListTypeCode(SubType::Input);
     m_settings = Settings{};
     m_settings.packetSize = 16383;
     // A failed read leaves the values read so far; it is logged, not shown.
@@ -368,7 +342,10 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
 }
 
 void MainWindow::OnPartReceived(Part part) {
-    NoteReceived(part);
+    m_mirror.Received(part, m_store, m_link.serverPassword);
+    // A download is no step of its own: later steps start from it.
+    if (kUploadParts.has(part))
+        m_steps.Rebase(m_store);
     const PartInfo& info = Info(part);
     switch (info.kind) {
     case PartKind::UserGroups:
@@ -389,15 +366,11 @@ void MainWindow::OnPartReceived(Part part) {
 }
 
 QString MainWindow::ProgressText() const {
-    QStringList waiting;
-    for (const PendingName& name : kPendingNames) {
-        if ((name.maskA ? m_link.pendingA : m_link.pendingC) & name.bit)
-            waiting << name.text;
-    }
+    const PartSet waiting = PartsIn({m_link.pendingA, m_link.pendingB, m_link.pendingC});
     // Requests still marked pending while the link is down are not being
     // answered: nothing is being received.
-    if (!waiting.isEmpty() && m_link.connected)
-        return "Receiving: " + waiting.join(", ") + "...";
+    if (!waiting.empty() && m_link.connected)
+        return "Receiving: " + QString::fromStdString(JoinPartNames(waiting)) + "...";
     if (m_applying)
         return "Sending...";
     return m_unapplied ? kUnappliedText : QString();
@@ -428,7 +401,7 @@ void MainWindow::ShowListEditor() {
 void MainWindow::EditGroups() {
     if (m_store.editorListType != kUserGroupListType) {
         m_store.editorListType = kUserGroupListType;
-        m_store.currentListType = 11;
+        m_store.currentListType = ListTypeCode(SubType::Input);
         m_store.currentUserGroup = 0;
     }
     ShowListEditor();
@@ -442,8 +415,8 @@ void MainWindow::EditGroups() {
 void MainWindow::EditLists() {
     if (m_store.editorListType == kUserGroupListType) {
         m_store.currentList = 0;
-        m_store.editorListType = 11;
-        m_store.currentListType = 11;
+        m_store.editorListType = ListTypeCode(SubType::Input);
+        m_store.currentListType = ListTypeCode(SubType::Input);
     }
     ShowListEditor();
     m_views->SelectFirstGroup();
@@ -458,10 +431,10 @@ void MainWindow::EditButtons() {
     }
     // Compared by the parts Apply sends: anything the editor changed
     // (including a template grown to 32 buttons) is waiting for Apply.
-    const PanelSnapshot before = TakeSnapshot(m_store, &m_stepBase);
+    const PanelSnapshot before = TakeSnapshot(m_store, &m_steps.base());
     m_buttonEditor->exec();
     RecordStep();
-    if (!(m_stepBase == before))
+    if (!(m_steps.base() == before))
         setUnappliedChanges(true);
 }
 
@@ -541,18 +514,16 @@ void MainWindow::Apply() {
     // Sent only when the link stayed up for the whole upload.
     if (connected && m_link.connected) {
         m_unapplied = false;
-        // The server module now holds what was sent.
-        m_received = m_store;
-        m_heldParts = kUploadParts;
-        m_serverParts = TakeSnapshot(m_store, &m_stepBase);
+        m_mirror.Applied(m_store);
     }
     RefreshProgress();
 }
 
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
-    RecordStepFrom(TakeSnapshot(m_store, &m_stepBase));
-    m_receivedParts = {};
+    m_steps.RecordFrom(TakeSnapshot(m_store, &m_steps.base()), m_store);
+    RefreshEditMenu();
+    m_mirror.RequestedEverything();
     m_connection->RequestEverything();
     setUnappliedChanges(false);
 }
@@ -577,7 +548,7 @@ void MainWindow::LoadAll() {
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
     RecordStep();
     if (result.outcome == LoadOutcome::Loaded)
-        m_heldParts = kUploadParts;
+        m_mirror.Loaded();
     switch (result.outcome) {
     case LoadOutcome::NoFile:
         return;
@@ -609,29 +580,11 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::OnLinkConnected() {
-    m_receivedParts = {};
-    m_heldParts = {};
-}
-
-void MainWindow::NoteReceived(Part part) {
-    m_receivedParts.add(part);
-    const PartSet held = PartSet{part} & kUploadParts;
-    m_heldParts |= held;
-    // A download is no step of its own: later steps start from it.
-    if (!held.empty()) {
-        m_stepBase = TakeSnapshot(m_store, &m_stepBase);
-        m_serverParts = WithParts(std::move(m_serverParts), m_stepBase, held);
-    }
-    if (m_receivedParts == kAllParts) {
-        m_received = m_store;
-        m_receivedParts = {};
-    }
+    m_mirror.LinkUp();
 }
 
 std::vector<std::string> MainWindow::ChangeLines() const {
-    if (!m_received)
-        return {"The configuration has not yet been received in full from the server module."};
-    return DiffStores(*m_received, m_store);
+    return m_mirror.ChangeLines(m_store);
 }
 
 void MainWindow::ReviewChanges() {
@@ -644,12 +597,9 @@ void MainWindow::ReviewChanges() {
 bool MainWindow::ConfirmUnreceivedParts() {
     // Edited parts are those that differ now: an edit undone leaves the part
     // as it was never received.
-    const PartSet held =
-        m_heldParts | ChangedParts(m_serverParts, TakeSnapshot(m_store, &m_serverParts));
     QStringList names;
-    ForEachPart(kUploadParts - held, [&](Part p) {
-        names << QString::fromStdString(std::string(PartName(p)));
-    });
+    ForEachPart(m_mirror.Unconfirmed(m_store),
+                [&](Part p) { names << QString::fromStdString(std::string(PartName(p))); });
     if (names.isEmpty())
         return true;
     const QString parts = JoinParts(names);
@@ -663,53 +613,43 @@ bool MainWindow::ConfirmUnreceivedParts() {
 }
 
 void MainWindow::WriteApplyBackup() {
-    if (!m_received)
+    if (!m_mirror.full())
         return;
     const std::string stamp =
         QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss").toStdString();
-    const Status written = WriteBackup(m_folder, stamp, *m_received);
+    const Status written = WriteBackup(m_folder, stamp, *m_mirror.full());
     if (!written)
         ReportError("Error Saving Backup", "File Error", written.failure());
 }
 
 void MainWindow::RecordStep() {
-    PanelSnapshot now = TakeSnapshot(m_store, &m_stepBase);
-    if (now == m_stepBase)
-        return;
-    m_history.Record(std::exchange(m_stepBase, std::move(now)));
-    RefreshEditMenu();
-}
-
-void MainWindow::RecordStepFrom(PanelSnapshot before) {
-    m_stepBase = TakeSnapshot(m_store, &before);
-    m_history.Record(std::move(before));
-    RefreshEditMenu();
+    if (m_steps.Record(m_store))
+        RefreshEditMenu();
 }
 
 void MainWindow::Undo() {
-    if (m_history.Undo(m_store))
+    if (m_steps.Undo(m_store))
         AfterRestore();
 }
 
 void MainWindow::Redo() {
-    if (m_history.Redo(m_store))
+    if (m_steps.Redo(m_store))
         AfterRestore();
 }
 
 void MainWindow::AfterRestore() {
-    m_stepBase = TakeSnapshot(m_store, &m_stepBase);
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!ChangedParts(m_serverParts, m_stepBase).empty());
+    setUnappliedChanges(!ChangedParts(m_mirror.uploadParts(), m_steps.base()).empty());
     RefreshEditMenu();
 }
 
 void MainWindow::RefreshEditMenu() {
     // The upload keeps the window running between its messages; an undo then
     // would send a mix of two configurations.
-    m_undo->setEnabled(!m_applying && m_history.canUndo());
-    m_redo->setEnabled(!m_applying && m_history.canRedo());
+    m_undo->setEnabled(!m_applying && m_steps.history().canUndo());
+    m_redo->setEnabled(!m_applying && m_steps.history().canRedo());
 }
 
 } // namespace lumeth

@@ -11,10 +11,9 @@
 #include "files/error_log.h"
 #include "files/settings.h"
 #include "link/link_state.h"
-#include "link/session.h"
-#include "model/panel_snapshot.h"
+#include "model/edit_steps.h"
 #include "model/panel_store.h"
-#include "model/undo_history.h"
+#include "model/server_mirror.h"
 #include "ui/error_reporter.h"
 
 class QAction;
@@ -76,8 +75,8 @@ public:
     // received; empty for no difference.
     std::vector<std::string> ChangeLines() const;
     // The configuration as last received in full from the server module.
-    const std::optional<PanelStore>& received() const { return m_received; }
-    UndoHistory& history() { return m_history; }
+    const std::optional<PanelStore>& received() const { return m_mirror.full(); }
+    UndoHistory& history() { return m_steps.history(); }
 
     PanelStore& store() { return m_store; }
     LinkState& link() { return m_link; }
@@ -94,6 +93,7 @@ protected:
 private:
     void BuildMenus();
     void BuildLayout();
+    void BuildStatusBar();
     void OnPartReceived(Part part);
     void OnLoginFinished();
     void RefreshProgress();
@@ -102,15 +102,12 @@ private:
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
     ErrorReporter Reporter();
     void OnLinkConnected();
-    void NoteReceived(Part part);
     // Apply's safeguards: ask before replacing parts never received, and
     // keep what the server module held as a backup.
     bool ConfirmUnreceivedParts();
     void WriteApplyBackup();
-    // Undo steps: the state before a step is m_stepBase; RecordStep pushes it
-    // when the store has moved on since.
+    // Records an undo step when the store has moved on since the last one.
     void RecordStep();
-    void RecordStepFrom(PanelSnapshot before);
     void AfterRestore();
     void RefreshEditMenu();
 
@@ -136,19 +133,13 @@ private:
     ChannelListModels* m_channelModels = nullptr;
     ButtonEditor* m_buttonEditor = nullptr;
     bool m_unapplied = false;
-    // What the server module sent, kept to review changes and as the backup
-    // written before Apply; parts counted since the last request for
-    // everything; parts received since the link came up or loaded.
-    std::optional<PanelStore> m_received;
-    PartSet m_receivedParts;
-    PartSet m_heldParts;
-    UndoHistory m_history;
-    PanelSnapshot m_stepBase;
-    // Each part as last received or applied (never received: as at start),
-    // so that after an undo or redo the unapplied indicator shows whether the
-    // store still differs from the server module, even before everything has
-    // been received.
-    PanelSnapshot m_serverParts;
+    // What the server module holds: the store last received in full (to
+    // review changes, and the backup written before Apply), the parts held,
+    // each upload part as last received or applied (so that after an undo or
+    // redo the unapplied indicator shows whether the store still differs from
+    // the server module, even before everything has been received).
+    ServerMirror m_mirror;
+    EditSteps m_steps;
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;

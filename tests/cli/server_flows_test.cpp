@@ -78,8 +78,8 @@ enum class Spoil {
 
 struct Script {
     bool identityQuery = true;
-    std::map<int, Spoil> spoil;
-    std::set<int> ignoredUploads; // parts whose uploads are not stored
+    std::map<int, Spoil> spoil{};
+    std::set<int> ignoredUploads{}; // parts whose uploads are not stored
     bool silentAfterUploads = false;
     int closeAfterUploads = 0; // 0: never
 };
@@ -322,7 +322,7 @@ TEST_F(ServerFlowsTest, FetchSucceedsOnlyWithAllElevenParts) {
         std::string message;
         QString timeout = "10";
     };
-    const std::string missing = "timed out waiting for: Input Alphas, User Groups\n";
+    const std::string missing = "timed out waiting for: Input channel names, user groups\n";
     const Case cases[] = {
         {"re-requested list answered before the groups and templates still to come",
          {.spoil = {{kInputLists, Spoil::BadChecksum},

@@ -52,15 +52,9 @@ bool CheckUploadable(const std::string& path, Document::Form form, std::string& 
     if (!LoadIntoStore(path, form, scratch, error)) {
         return false;
     }
-    std::vector<Status> results(6);
-    for (SubType subType : kAllSubTypes) {
-        codec::DisplayListMessage(scratch, subType, &results[static_cast<size_t>(subType)]);
-    }
-    codec::GroupMessage(scratch, &results[4]);
-    codec::ButtonMessage(scratch, &results[5]);
-    for (const Status& status : results) {
-        if (!status) {
-            error = path + ": cannot be sent: " + status.failure().detail;
+    for (const codec::Upload& upload : codec::UploadMessages(scratch)) {
+        if (!upload.status) {
+            error = path + ": cannot be sent: " + upload.status.failure().detail;
             return false;
         }
     }
@@ -113,7 +107,7 @@ int RunApply(const std::vector<std::string>& args) {
         client.Close();
         return Error(ExitCode::BadInput, error);
     }
-    std::vector<std::string> sent;
+    std::vector<codec::Upload> sent;
     int code = client.Apply(path, sent);
     if (code == 0 && verify) {
         code = client.VerifyApplied(path, sent);

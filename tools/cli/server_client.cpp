@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "link/codec.h"
+#include "link/protocol.h"
 #include "tools/cli/cli_common.h"
 
 namespace lumeth::cli {
@@ -26,47 +27,9 @@ constexpr int kCloseLimitMs = 3000;
 constexpr qint64 kQuietMs = 1000;
 constexpr int kMaxReasks = 4;
 
-struct PendingBit {
-    bool inMaskA;
-    uint32_t bit;
-    const char* name;
-};
-
-// Request order of the request for everything.
-constexpr PendingBit kPendingBits[] = {
-    {true, request::kPassword, "Password"},
-    {true, request::kInputAlphas, "Input Alphas"},
-    {true, request::kOutputAlphas, "Output Alphas"},
-    {true, request::kOptoAlphas, "Opto Alphas"},
-    {true, request::kRelayAlphas, "Relay Alphas"},
-    {false, request::kUserGroups, "User Groups"},
-    {false, request::kTemplates, "Button Templates"},
-    {false, request::kInputLists, "Input Display Lists"},
-    {false, request::kOutputLists, "Output Display Lists"},
-    {false, request::kOptoLists, "Opto Display Lists"},
-    {false, request::kRelayLists, "Relay Display Lists"},
-};
-
-// Copies the part in row `row` of kPendingBits (other than the password)
-// from one store to another.
-void CopyPart(size_t row, const PanelStore& from, PanelStore& to) {
-    if (row >= 1 && row <= 4) {
-        to.alphas[row - 1] = from.alphas[row - 1];
-    } else if (row == 5) {
-        to.groups = from.groups;
-    } else if (row == 6) {
-        to.templates = from.templates;
-    } else if (row >= 7) {
-        to.displayLists[row - 7] = from.displayLists[row - 7];
-    }
-}
-
-std::string Joined(const std::vector<std::string>& parts) {
-    std::string text;
-    for (const std::string& part : parts) {
-        text += (text.empty() ? "" : ", ") + part;
-    }
-    return text;
+// The parts of `parts` by name, or "none".
+std::string NamesOrNone(PartSet parts) {
+    return parts.empty() ? std::string("none") : JoinPartNames(parts);
 }
 
 } // namespace
@@ -93,16 +56,6 @@ bool ParseServer(std::string_view text, std::string& host, int& port, std::strin
     host = std::string(hostPart);
     port = portValue;
     return true;
-}
-
-std::vector<std::string> PartNames(uint32_t maskA, uint32_t maskC) {
-    std::vector<std::string> parts;
-    for (const PendingBit& pending : kPendingBits) {
-        if (((pending.inMaskA ? maskA : maskC) & pending.bit) != 0) {
-            parts.emplace_back(pending.name);
-        }
-    }
-    return parts;
 }
 
 bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
@@ -158,12 +111,15 @@ ServerClient::ServerClient(const ServerOptions& options)
     m_state.serverAddress = m_options.host;
     m_state.serverPort = m_options.port;
     m_connection = std::make_unique<Connection>(m_store, m_state, *m_log);
-    QObject::connect(m_connection.get(), &Connection::linkConnected, m_connection.get(),
-                     [this] { m_wasConnected = true; });
+    QObject::connect(m_connection.get(), &Connection::linkConnected, m_connection.get(), [this] {
+        m_wasConnected = true;
+        m_mirror.LinkUp();
+    });
     QObject::connect(m_connection.get(), &Connection::linkDisconnected, m_connection.get(),
                      [this] { m_linkLost = true; });
-    QObject::connect(m_connection.get(), &Connection::partReceived, m_connection.get(),
-                     [this](Part part) { PartArrived(part); });
+    QObject::connect(
+        m_connection.get(), &Connection::partReceived, m_connection.get(),
+        [this](Part part) { m_mirror.Received(part, m_store, m_state.serverPassword); });
     QObject::connect(m_connection.get(), &Connection::linkError, m_connection.get(),
                      [this](const QString& reason) {
                          m_linkError = reason.toStdString();
@@ -194,68 +150,19 @@ ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done
     }
 }
 
-void ServerClient::PartArrived(Part p) {
-    // Its row in kPendingBits.
-    const PartInfo& info = Info(p);
-    const size_t index = info.subType ? Index(*info.subType) : 0;
-    size_t row = 0;
-    switch (info.kind) {
-    case PartKind::Password:
-        row = 0;
-        break;
-    case PartKind::Alphas:
-        row = 1 + index;
-        break;
-    case PartKind::UserGroups:
-        row = 5;
-        break;
-    case PartKind::Templates:
-        row = 6;
-        break;
-    case PartKind::DisplayLists:
-        row = 7 + index;
-        break;
-    }
-    const PendingBit& part = kPendingBits[row];
-    (part.inMaskA ? m_receivedA : m_receivedC) |= part.bit;
-    // Kept aside as it arrived: a later answer for the same part that fails
-    // its checks after writing into the store must not change what fetch
-    // writes or what apply compares.
-    if (row == 0) {
-        m_keptPassword = m_state.serverPassword;
-    } else {
-        CopyPart(row, m_store, m_kept);
-    }
-}
-
-void ServerClient::RestoreKeptParts() {
-    for (size_t row = 0; row < std::size(kPendingBits); ++row) {
-        const PendingBit& part = kPendingBits[row];
-        if (((part.inMaskA ? m_receivedA : m_receivedC) & part.bit) == 0) {
-            continue;
-        }
-        if (row == 0) {
-            m_state.serverPassword = m_keptPassword;
-        } else {
-            CopyPart(row, m_kept, m_store);
-        }
-    }
-}
-
 void ServerClient::RequestEverything() {
-    m_receivedA = 0;
-    m_receivedC = 0;
+    m_mirror.RequestedEverything();
     m_reasks = 0;
     m_quiet.start();
     m_connection->RequestEverything();
 }
 
-ServerClient::WaitResult ServerClient::WaitForParts(uint32_t needA, uint32_t needC) {
+ServerClient::WaitResult ServerClient::WaitForParts(PartSet need) {
     m_quiet.start();
-    return WaitFor([this, needA, needC] {
+    return WaitFor([this, need] {
         ReportProgress();
-        if ((m_receivedA & needA) == needA && (m_receivedC & needC) == needC) {
-            RestoreKeptParts();
+        if ((m_mirror.missing() & need).empty()) {
+            m_mirror.RestoreReceived(m_store, m_state.serverPassword);
             return true;
         }
         if (m_connection->BytesReceived() != m_bytesSeen) {
@@ -263,15 +170,16 @@ ServerClient::WaitResult ServerClient::WaitForParts(uint32_t needA, uint32_t nee
             m_quiet.start();
         }
         // Nothing asked for yet (no identity query) leaves nothing to ask again.
-        const bool asked = m_state.AnyPending() || m_receivedA != 0 || m_receivedC != 0;
+        const bool asked = m_state.AnyPending() || !m_mirror.received().empty();
         if (asked && m_quiet.elapsed() >= kQuietMs) {
             if (m_reasks >= kMaxReasks) {
                 m_deadline.setRemainingTime(0); // give up: reported as a timeout
                 return false;
             }
             ++m_reasks;
-            std::cerr << "asking again for: " << Joined(PartNames(MissingA(), MissingC())) << "\n";
-            m_connection->session().RequestData(MissingA(), 0, MissingC());
+            std::cerr << "asking again for: " << JoinPartNames(m_mirror.missing()) << "\n";
+            const RequestMasks missing = MasksFor(m_mirror.missing());
+            m_connection->session().RequestData(missing.a, missing.b, missing.c);
             m_connection->FlushSession();
             m_quiet.start();
         }
@@ -292,8 +200,6 @@ int ServerClient::LinkLost(const std::string& during) {
 
 int ServerClient::LogIn(const std::string& password) {
     std::cerr << "connecting to " << Address() << "\n";
-    m_receivedA = 0;
-    m_receivedC = 0;
     m_reasks = 0;
     m_connection->Connect();
     switch (WaitFor([this] { return m_state.connected; })) {
@@ -308,7 +214,7 @@ int ServerClient::LogIn(const std::string& password) {
     }
 
     std::cerr << "connected, waiting for the password\n";
-    switch (WaitForParts(request::kPassword, 0)) {
+    switch (WaitForParts({Part::Password})) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
@@ -316,7 +222,7 @@ int ServerClient::LogIn(const std::string& password) {
     case WaitResult::TimedOut:
         // Nothing asked for yet means the identity query never came.
         std::cerr << "lumeth-cli: timed out waiting for: "
-                  << (m_state.AnyPending() ? "Password" : "identity query") << "\n";
+                  << (m_state.AnyPending() ? PartName(Part::Password) : "identity query") << "\n";
         return ToInt(ExitCode::Timeout);
     }
 
@@ -330,7 +236,7 @@ int ServerClient::LogIn(const std::string& password) {
 }
 
 void ServerClient::ReportProgress() {
-    const std::string text = Joined(PartNames(MissingA(), MissingC()));
+    const std::string text = JoinPartNames(m_mirror.missing());
     if (text != m_lastProgress) {
         m_lastProgress = text;
         if (!text.empty()) {
@@ -340,18 +246,16 @@ void ServerClient::ReportProgress() {
 }
 
 int ServerClient::AwaitDownload() {
-    switch (WaitForParts(request::kEverythingA, request::kEverythingC)) {
+    switch (WaitForParts(kAllParts)) {
     case WaitResult::Done:
         std::cerr << "download complete\n";
         return 0;
     case WaitResult::LinkLost:
-        return LinkLost(" during the download; missing: " +
-                        Joined(PartNames(MissingA(), MissingC())));
+        return LinkLost(" during the download; missing: " + JoinPartNames(m_mirror.missing()));
     case WaitResult::TimedOut:
         break;
     }
-    std::cerr << "lumeth-cli: timed out waiting for: " << Joined(PartNames(MissingA(), MissingC()))
-              << "\n";
+    std::cerr << "lumeth-cli: timed out waiting for: " << JoinPartNames(m_mirror.missing()) << "\n";
     return ToInt(ExitCode::Timeout);
 }
 
@@ -372,13 +276,13 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     // The password that comes back with the next download confirms the change.
     RequestEverything();
     std::cerr << "new password sent, waiting for the server module to confirm it\n";
-    switch (WaitForParts(request::kPassword, 0)) {
+    switch (WaitForParts({Part::Password})) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
         return LinkLost(" after sending the new password");
     case WaitResult::TimedOut:
-        std::cerr << "lumeth-cli: timed out waiting for: Password\n";
+        std::cerr << "lumeth-cli: timed out waiting for: " << PartName(Part::Password) << "\n";
         return ToInt(ExitCode::Timeout);
     }
     if (m_state.serverPassword != newPassword) {
@@ -389,47 +293,33 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     return 0;
 }
 
-namespace {
-
-// The six uploads in the order Apply sends them, as the messages name them.
-std::string UploadPartName(size_t step) {
-    if (step < kAllSubTypes.size()) {
-        return std::string(SubTypeName(kAllSubTypes[step])) + " display lists";
-    }
-    return step == kAllSubTypes.size() ? "user groups" : "button templates";
-}
-
-std::string UploadPartNames(const std::vector<bool>& which) {
-    std::vector<std::string> names;
-    for (size_t i = 0; i < which.size(); ++i) {
-        if (which[i]) {
-            names.push_back(UploadPartName(i));
-        }
-    }
-    return names.empty() ? std::string("none") : Joined(names);
-}
-
-} // namespace
-
-int ServerClient::Apply(const std::string& fileName, std::vector<std::string>& sent) {
+int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent) {
     std::cerr << "sending display lists, user groups and button templates\n";
-    sent = m_connection->session().BuildApplyMessages();
+    sent = codec::UploadMessages(m_store);
+    // One flag per upload, in the order of UploadMessages.
     const std::vector<bool> written = m_connection->Apply();
     if (!m_state.connected) {
+        PartSet gone;
+        for (size_t i = 0; i < sent.size() && i < written.size(); ++i) {
+            if (written[i]) {
+                gone.add(sent[i].part);
+            }
+        }
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
                   << " while sending " << fileName
-                  << "; sent before it was lost: " << UploadPartNames(written) << "\n";
+                  << "; sent before it was lost: " << NamesOrNone(gone) << "\n";
         return ToInt(ExitCode::Unreachable);
     }
     return 0;
 }
 
-int ServerClient::VerifyApplied(const std::string& fileName, const std::vector<std::string>& sent) {
+int ServerClient::VerifyApplied(const std::string& fileName,
+                                const std::vector<codec::Upload>& sent) {
     std::cerr << "reading the configuration back\n";
     m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
                                 Qt::PreciseTimer);
     RequestEverything();
-    switch (WaitForParts(request::kEverythingA, request::kEverythingC)) {
+    switch (WaitForParts(kAllParts)) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
@@ -441,26 +331,31 @@ int ServerClient::VerifyApplied(const std::string& fileName, const std::vector<s
     case WaitResult::TimedOut: {
         // A server module that stops reading leaves the uploads queued here:
         // more waiting than the read-back request means FILE did not all go out.
-        const auto readBack = codec::DataRequest(request::kEverythingA, 0, request::kEverythingC);
+        const auto readBack =
+            codec::DataRequest(kRequestEverything.a, kRequestEverything.b, kRequestEverything.c);
         const bool allSent = m_connection->BytesWaiting() <= static_cast<int64_t>(readBack.size());
         std::cerr << "lumeth-cli: timed out reading the configuration back (missing: "
-                  << Joined(PartNames(MissingA(), MissingC()))
+                  << JoinPartNames(m_mirror.missing())
                   << (allSent ? "); all of " : "); not all of ") << fileName
                   << (allSent ? " was sent" : " could be sent")
                   << ", the server module's state is unknown\n";
         return ToInt(ExitCode::Timeout);
     }
     }
-    const std::vector<std::string> held = m_connection->session().BuildApplyMessages();
-    std::vector<bool> differs(sent.size());
-    bool any = false;
-    for (size_t i = 0; i < sent.size(); ++i) {
-        differs[i] = i >= held.size() || held[i] != sent[i];
-        any = any || differs[i];
+    PartSet sentParts;
+    for (const codec::Upload& upload : sent) {
+        sentParts.add(upload.part);
     }
-    if (any) {
+    const std::vector<codec::Upload> held = codec::UploadMessages(m_store, sentParts);
+    PartSet differs;
+    for (size_t i = 0; i < sent.size(); ++i) {
+        if (i >= held.size() || held[i].message != sent[i].message) {
+            differs.add(sent[i].part);
+        }
+    }
+    if (!differs.empty()) {
         std::cerr << "lumeth-cli: the server module now holds a configuration that differs from "
-                  << fileName << " in: " << UploadPartNames(differs) << "\n";
+                  << fileName << " in: " << JoinPartNames(differs) << "\n";
         return ToInt(ExitCode::Differs);
     }
     return 0;

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "files/error_log.h"
+#include "link/codec.h"
 #include "link/connection.h"
 #include "link/link_state.h"
 #include "model/panel_store.h"
+#include "model/server_mirror.h"
 
 namespace lumeth::cli {
 
@@ -24,10 +26,6 @@ inline constexpr double kDefaultTimeoutSeconds = 10.0;
 // HOST or HOST:PORT; the port defaults to 1250 and must be 1..65535.
 // Returns false with `error` set when the text is not usable.
 bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error);
-
-// The names of the parts whose request bits are set in mask A and mask C, in
-// request order ("Password", "Input Alphas", ..., "Relay Display Lists").
-std::vector<std::string> PartNames(uint32_t maskA, uint32_t maskC);
 
 // Options shared by the commands that talk to the server module.
 struct ServerOptions {
@@ -66,10 +64,10 @@ public:
     int ChangePassword(const std::string& newPassword);
     // The six upload messages of the store, 500 ms apart; `sent` receives
     // them. A lost link names the parts that went out before it.
-    int Apply(const std::string& fileName, std::vector<std::string>& sent);
+    int Apply(const std::string& fileName, std::vector<codec::Upload>& sent);
     // Ask for everything once more and compare the six parts with `sent`:
     // 0 when the server module holds exactly what was sent.
-    int VerifyApplied(const std::string& fileName, const std::vector<std::string>& sent);
+    int VerifyApplied(const std::string& fileName, const std::vector<codec::Upload>& sent);
     // Close the link after what was written has gone out.
     void Close();
 
@@ -80,18 +78,14 @@ private:
     enum class WaitResult { Done, LinkLost, TimedOut };
     // Run the event loop until `done` holds, the link drops, or the deadline.
     WaitResult WaitFor(const std::function<bool()>& done);
-    // Wait until the parts of `needA`/`needC` have arrived. Whenever parts are
-    // missing and the link has been quiet for a while, ask again for exactly
-    // the missing ones, a bounded number of times.
-    WaitResult WaitForParts(uint32_t needA, uint32_t needC);
+    // Wait until the parts of `need` have arrived, then put every part
+    // received since the last request for everything back into the store as
+    // it arrived. Whenever parts are missing and the link has been quiet for
+    // a while, ask again for exactly the missing ones, a bounded number of
+    // times.
+    WaitResult WaitForParts(PartSet need);
     // Forget what has arrived and ask for everything.
     void RequestEverything();
-    void PartArrived(Part part);
-    // Put every part received since the last request for everything back
-    // into the store as it was when it arrived.
-    void RestoreKeptParts();
-    uint32_t MissingA() const { return request::kEverythingA & ~m_receivedA; }
-    uint32_t MissingC() const { return request::kEverythingC & ~m_receivedC; }
     // Print what is still missing when that changes.
     void ReportProgress();
     // One line on stderr for a lost link: "cannot reach" only when the
@@ -112,14 +106,10 @@ private:
     std::unique_ptr<ErrorLog> m_log;
     std::unique_ptr<Connection> m_connection;
     QDeadlineTimer m_deadline;
-    // The command's own record of the parts received intact since it last
-    // asked for everything, as request bits. The session's pending masks
-    // cannot serve: a re-request replaces them and forgets the other parts.
-    // Each received part as it arrived (the password in m_keptPassword).
-    PanelStore m_kept;
-    std::string m_keptPassword;
-    uint32_t m_receivedA = 0;
-    uint32_t m_receivedC = 0;
+    // The parts received intact since the command last asked for everything,
+    // each as it arrived. The session's pending masks cannot serve: a
+    // re-request replaces them and forgets the other parts.
+    ServerMirror m_mirror;
     int m_reasks = 0;
     uint64_t m_bytesSeen = 0;
     QElapsedTimer m_quiet; // since the last byte arrived or the last request

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/panel_snapshot.h"
+#include "model/panel_store.h"
+#include "model/parts.h"
+
+namespace lumeth {
+
+// What this program knows the server module holds: which parts have arrived
+// since the last request for everything, which the server module is known to
+// hold (received since the link came up, applied, or replaced by a loaded
+// file), each part as it arrived, and the configuration as last received in
+// full.
+//
+// Each part is kept as it arrived, so a later answer for the same part that
+// fails its checks after writing into the store changes neither what a fetch
+// writes nor what a read-back compares.
+class ServerMirror {
+public:
+    // `start` is the store before anything has been received: the parts never
+    // received compare against it.
+    explicit ServerMirror(const PanelStore& start = PanelStore{});
+
+    // The link came up: nothing has been received and nothing is held yet.
+    void LinkUp();
+    // A request for everything went out: the parts are counted again.
+    void RequestedEverything();
+    // `part` arrived intact and `store` now holds it; `password` is the
+    // password the server module sent (read only for Part::Password).
+    void Received(Part part, const PanelStore& store, std::string_view password);
+    // Apply sent the upload parts of `store` and the link stayed up: the
+    // server module now holds them.
+    void Applied(const PanelStore& store);
+    // A panel data file replaced the upload parts: the operator chose them.
+    void Loaded();
+
+    // The parts received since the last request for everything.
+    PartSet received() const { return m_received; }
+    PartSet missing() const { return kAllParts - m_received; }
+    // The upload parts received since the link came up, applied or loaded.
+    PartSet held() const { return m_held; }
+    // Each upload part as last received or applied (never received: as at
+    // start).
+    const PanelSnapshot& uploadParts() const { return m_uploads; }
+    // The upload parts Apply would send over what the server module holds
+    // without their having been received, loaded or edited: an edit is a
+    // part of `now` that differs from uploadParts().
+    PartSet Unconfirmed(const PanelStore& now) const;
+    // The configuration as last received in full (all eleven parts since a
+    // request for everything) or applied; none before that.
+    const std::optional<PanelStore>& full() const { return m_full; }
+    // How `now` differs from full(), one line per change (none: no
+    // difference), or one line saying nothing has been received in full.
+    std::vector<std::string> ChangeLines(const PanelStore& now) const;
+
+    // Put every part received since the last request for everything back
+    // into `store` (the password into `password`) as it arrived.
+    void RestoreReceived(PanelStore& store, std::string& password) const;
+
+private:
+    PartSet m_received;
+    PartSet m_held;
+    PanelSnapshot m_uploads;
+    std::array<AlphaTable, kSubTypeCount> m_alphas;
+    std::string m_password;
+    std::optional<PanelStore> m_full;
+};
+
+} // namespace lumeth

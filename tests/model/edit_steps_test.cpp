@@ -1,0 +1,74 @@
+// Whole steps over the store: what makes a step and what undo goes back to.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "model/edit_steps.h"
+
+namespace lumeth {
+namespace {
+
+PanelStore Named(const std::string& group) {
+    PanelStore store;
+    store.groups.userGroupCount = 1;
+    store.groups.userGroupNames[0] = group;
+    return store;
+}
+
+void Rename(PanelStore& store, const std::string& group) {
+    store.groups.userGroupNames[0] = group;
+}
+
+TEST(EditSteps, UndoGoesBackToWhereTheLastStepStarted) {
+    struct Case {
+        const char* name;
+        std::function<void(EditSteps&, PanelStore&)> play;
+        std::string afterUndo; // "" when there is nothing to undo
+    } const cases[] = {
+        {"an unchanged store is no step",
+         [](EditSteps& steps, PanelStore& store) { EXPECT_FALSE(steps.Record(store)); }, ""},
+        {"an edit is one step",
+         [](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Edited");
+             EXPECT_TRUE(steps.Record(store));
+         },
+         "Studio"},
+        {"a download is no step: the next edit is undone to it",
+         [](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Downloaded");
+             steps.Rebase(store);
+             EXPECT_FALSE(steps.Record(store));
+             Rename(store, "Edited");
+             steps.Record(store);
+         },
+         "Downloaded"},
+        {"a download over edits is undone to the edits",
+         [](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Edited");
+             steps.Record(store);
+             PanelSnapshot before = TakeSnapshot(store, &steps.base());
+             Rename(store, "Downloaded");
+             steps.RecordFrom(std::move(before), store);
+         },
+         "Edited"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        PanelStore store = Named("Studio");
+        EditSteps steps(store);
+        c.play(steps, store);
+        const std::string last = store.groups.userGroupNames[0];
+        ASSERT_EQ(steps.Undo(store), !c.afterUndo.empty());
+        if (c.afterUndo.empty())
+            continue;
+        EXPECT_EQ(store.groups.userGroupNames[0], c.afterUndo);
+        EXPECT_EQ(*steps.base().groups, store.groups) << "the next step starts here";
+        ASSERT_TRUE(steps.Redo(store));
+        EXPECT_EQ(store.groups.userGroupNames[0], last);
+        EXPECT_EQ(*steps.base().groups, store.groups);
+    }
+}
+
+} // namespace
+} // namespace lumeth
