@@ -14,6 +14,7 @@
 
 #include "app/drill_down_tree.h"
 #include "model/channel_alpha.h"
+#include "model/leading_number.h"
 #include "model/view_keys.h"
 #include "ui/fixed_pitch_font.h"
 #include "ui/qt_text.h"
@@ -305,7 +306,7 @@ void MainViews::ListClicked() {
     if (m_lists->topLevelItemCount() == 0 || !item)
         return;
     m_store.currentList = static_cast<int16_t>(KeyNumber(ItemKey(item).toStdString()));
-    m_store.editorListType = static_cast<int16_t>(TextNumber(item->text(2).toStdString()));
+    m_store.editorListType = static_cast<int16_t>(LeadingNumber(item->text(2).toStdString()));
     ShowDisplayListData(m_store.currentList);
 }
 

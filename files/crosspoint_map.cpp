@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "files/cp1252.h"
 #include "files/file_io.h"
 #include "model/channel_alpha.h"
+#include "model/cp1252.h"
 #include "model/view_keys.h"
 
 namespace lumeth {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <numeric>
 
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 
 namespace lumeth {
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "files/settings.h"
+#include "model/leading_number.h"
 
 namespace lumeth {
 
@@ -29,16 +29,12 @@ std::string GroupEntryKey(SubType subType, int position) {
 }
 
 int KeyNumber(std::string_view key) {
-    return TextNumber(key.size() > 3 ? key.substr(key.size() - 3) : key);
+    return LeadingNumber(key.size() > 3 ? key.substr(key.size() - 3) : key);
 }
 
 int KeyEntryNumber(std::string_view key) {
     const size_t dot = key.rfind('.');
-    return TextNumber(dot == std::string_view::npos ? key : key.substr(dot + 1)) - 1;
-}
-
-int TextNumber(std::string_view text) {
-    return LeadingNumber(text);
+    return LeadingNumber(dot == std::string_view::npos ? key : key.substr(dot + 1)) - 1;
 }
 
 } // namespace lumeth

@@ -78,8 +78,8 @@ enum class Spoil {
 
 struct Script {
     bool identityQuery = true;
-    std::map<int, Spoil> spoil;
-    std::set<int> ignoredUploads; // parts whose uploads are not stored
+    std::map<int, Spoil> spoil{};
+    std::set<int> ignoredUploads{}; // parts whose uploads are not stored
     bool silentAfterUploads = false;
     int closeAfterUploads = 0; // 0: never
 };
