@@ -95,7 +95,7 @@ bool BuildListItemRows(const PanelStore& store, int list, std::vector<ViewRow>& 
     for (int k = 0; k < members.channelCount; ++k) {
         const int channel = At(members.channels, k);
         std::string key = ChannelKey(channel);
-        std::string text = ItemText(ChannelAlpha(store, *subType, channel), key);
+        std::string text = ItemText(ChannelAlpha(store, *subType, channel).value(), key);
         rows.push_back({std::move(key), std::move(text), {}});
     }
     return true;
@@ -264,7 +264,7 @@ void MainViews::ShowDisplayListData(int list) {
 }
 
 void MainViews::DetermineSubType() {
-    m_store.currentListType = 11;
+    m_store.currentListType = ListTypeCode(SubType::Input);
     try {
         m_store.currentListType = SubTypeForGroup(m_store, m_store.currentUserGroup);
     } catch (const std::exception& error) {

@@ -279,7 +279,7 @@ void MainWindow::Start() {
     m_views->ClearAll();
     m_link = LinkState{};
     m_store.editorListType = kUserGroupListType;
-    m_store.currentListType = 11;
+    m_store.currentListType = ListTypeCode(SubType::Input);
     m_settings = Settings{};
     m_settings.packetSize = 16383;
     // A failed read leaves the values read so far; it is logged, not shown.
@@ -429,7 +429,7 @@ void MainWindow::ShowListEditor() {
 void MainWindow::EditGroups() {
     if (m_store.editorListType != kUserGroupListType) {
         m_store.editorListType = kUserGroupListType;
-        m_store.currentListType = 11;
+        m_store.currentListType = ListTypeCode(SubType::Input);
         m_store.currentUserGroup = 0;
     }
     ShowListEditor();
@@ -443,8 +443,8 @@ void MainWindow::EditGroups() {
 void MainWindow::EditLists() {
     if (m_store.editorListType == kUserGroupListType) {
         m_store.currentList = 0;
-        m_store.editorListType = 11;
-        m_store.currentListType = 11;
+        m_store.editorListType = ListTypeCode(SubType::Input);
+        m_store.currentListType = ListTypeCode(SubType::Input);
     }
     ShowListEditor();
     m_views->SelectFirstGroup();

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "model/button_catalogue.h"
+#include "model/limits.h"
 
 namespace lumeth {
 
@@ -25,12 +26,17 @@ bool IsTemplate(const PanelStore& store, int t) {
 // count it. The index pair may be shorter than the count after a file load
 // (loading leaves it alone), so it is grown to the same length here.
 void AppendTemplateSlot(PanelStore& store) {
-    const int t = std::max<int>(store.templates.templateCount, 0);
+    const int t = ValidCount(store.templates.templateCount);
     store.templates.templateCount = static_cast<int16_t>(t + 1);
     store.templates.Resize(t + 1);
     store.templates.templateIndex[static_cast<size_t>(t)] = static_cast<int16_t>(t);
     store.templates.templatePosition[static_cast<size_t>(t)] = static_cast<int16_t>(t);
     store.templates.buttonTemplates[static_cast<size_t>(t)] = ButtonTemplate{};
+}
+
+Status NoTemplate(int t, const char* what) {
+    return Status::Fail(ErrorCode::SubscriptOutOfRange,
+                        "no template " + std::to_string(t) + " " + what);
 }
 
 } // namespace
@@ -50,13 +56,13 @@ int AddButtonTemplate(PanelStore& store) {
     return t;
 }
 
-bool FillButtonTemplate(PanelStore& store, int t) {
+Status FillButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
-        return false;
+        return NoTemplate(t, "to fill");
     }
     ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     if (tpl.buttonCount == kTemplateButtons) {
-        return true;
+        return Status::Ok();
     }
     const int kept = std::clamp<int>(tpl.buttonCount, 0, kTemplateButtons);
     tpl.buttons.resize(kTemplateButtons, PanelButton::Cleared());
@@ -66,12 +72,12 @@ bool FillButtonTemplate(PanelStore& store, int t) {
         button.label = "Button " + std::to_string(b + 1);
     }
     tpl.buttonCount = kTemplateButtons;
-    return true;
+    return Status::Ok();
 }
 
-void ClearButtonTemplate(PanelStore& store, int t) {
+Status ClearButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
-        return;
+        return NoTemplate(t, "to clear");
     }
     ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     const int count = std::min<int>(tpl.buttonCount, static_cast<int>(tpl.buttons.size()));
@@ -82,16 +88,15 @@ void ClearButtonTemplate(PanelStore& store, int t) {
         button.label = "Button " + std::to_string(b);
     }
     store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
+    return Status::Ok();
 }
 
 Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
     if (!IsTemplate(store, from)) {
-        return Status::Fail(ErrorCode::SubscriptOutOfRange,
-                            "no template " + std::to_string(from) + " to copy from");
+        return NoTemplate(from, "to copy from");
     }
     if (to < 0 || to > store.templates.templateCount) {
-        return Status::Fail(ErrorCode::SubscriptOutOfRange,
-                            "no template " + std::to_string(to) + " to copy onto");
+        return NoTemplate(to, "to copy onto");
     }
     if (to == store.templates.templateCount) {
         AppendTemplateSlot(store);
@@ -110,7 +115,8 @@ Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
         }
     }
     // Onto an existing template only the name is copied; its buttons stay.
-    store.templates.templateNames[static_cast<size_t>(to)] = store.templates.templateNames[static_cast<size_t>(from)];
+    store.templates.templateNames[static_cast<size_t>(to)] =
+        store.templates.templateNames[static_cast<size_t>(from)];
     return Status::Ok();
 }
 
@@ -130,9 +136,10 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         LabelSheetKey& key = page.keys[static_cast<size_t>(b)];
         const ButtonFunction& function = ButtonFunctionOf(button.type);
         key.function = std::string(function.shortLabel);
-        key.face = (button.captionOption & 1)
-                       ? button.label
-                       : SystemButtonLabel(store, button.type, button.channel).substr(0, 8);
+        key.face =
+            (button.captionOption & 1)
+                ? button.label
+                : SystemButtonLabel(store, button.type, button.channel).substr(0, kLabelWidth);
         if (button.channel == kNoChannel || !function.channelSubType) {
             key.channel = "None";
             continue;

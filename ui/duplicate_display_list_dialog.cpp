@@ -97,9 +97,9 @@ void DuplicateDisplayListDialog::LoadDisplayLists() {
                 const QSignalBlocker block(list);
                 list->clear();
             }
-            const int count = RecordCount(m_store, m_mode);
+            const int count = RecordCount(m_store, m_mode).value();
             for (int i = 0; i < count; ++i) {
-                const QString name = ToQt(RecordName(m_store, m_mode, i));
+                const QString name = ToQt(RecordName(m_store, m_mode, i).value());
                 m_lists[0]->addItem(name);
                 m_lists[1]->addItem(name);
             }
@@ -118,13 +118,11 @@ void DuplicateDisplayListDialog::Copy() {
     const int to = m_lists[1]->currentIndex();
     if (from < 0 || to < 0)
         return;
-    try {
-        DuplicateRecord(m_store, m_mode, from, to);
+    if (const Status status = DuplicateRecord(m_store, m_mode, from, to); status) {
         ++m_copies;
         emit copied();
-    } catch (const std::exception& error) {
-        if (m_reporter)
-            m_reporter("Error Copying Display List", "List Error", FailureFromException(error));
+    } else if (m_reporter) {
+        m_reporter("Error Copying Display List", "List Error", status.failure());
     }
     LoadDisplayLists();
 }
