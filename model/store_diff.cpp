@@ -292,10 +292,8 @@ private:
                 AsSent(RefAt(m_after.templates.templateNames, i), kNameWidth))
                 Add(TemplateName(m_before, i) + " renamed to " +
                     Quoted(RefAt(m_after.templates.templateNames, i), kNameWidth));
-            const ButtonTemplate& was =
-                m_before.templates.buttonTemplates.at(static_cast<size_t>(i));
-            const ButtonTemplate& now =
-                m_after.templates.buttonTemplates.at(static_cast<size_t>(i));
+            const ButtonTemplate& was = RefAt(m_before.templates.buttonTemplates, i);
+            const ButtonTemplate& now = RefAt(m_after.templates.buttonTemplates, i);
             const std::string name = TemplateName(m_after, i);
             if (was.number != now.number)
                 Add(name + ": number " + std::to_string(was.number) + " changed to " +
