@@ -14,7 +14,7 @@
 
 #include "app/drill_down_tree.h"
 #include "model/channel_alpha.h"
-#include "model/leading_number.h"
+#include "model/number_text.h"
 #include "model/view_keys.h"
 #include "ui/fixed_pitch_font.h"
 #include "ui/qt_text.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "model/failure.h"
-#include "model/leading_number.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 

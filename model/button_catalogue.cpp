@@ -1,8 +1,7 @@
 #include "model/button_catalogue.h"
 
-#include <cstdio>
-
 #include "model/limits.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 
@@ -133,9 +132,7 @@ std::vector<std::string> ChannelNameList(const PanelStore& store, std::optional<
     list.reserve(static_cast<size_t>(count) + 1);
     for (int n = 0; n < count; ++n) {
         const std::string& name = RefAt(table.channelNames, n);
-        char number[16];
-        std::snprintf(number, sizeof number, " [%04d]", n + 1);
-        list.push_back(name + number);
+        list.push_back(name + " [" + ZeroPadded(n + 1, 4) + "]");
     }
     return list;
 }

@@ -1,20 +1,14 @@
 #include "model/button_templates.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "model/button_catalogue.h"
 #include "model/limits.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 
 namespace {
-
-std::string Numbered(const char* format, int n) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, n);
-    return text;
-}
 
 bool IsTemplate(const PanelStore& store, int t) {
     return t >= 0 && t < store.templates.templateCount &&
@@ -52,7 +46,7 @@ int AddButtonTemplate(PanelStore& store) {
         button.type = 40; // Source Select
         button.label = "Button " + std::to_string(b);
     }
-    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Btn Tmplate %03d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = "Btn Tmplate " + ZeroPadded(t + 1, 3);
     return t;
 }
 
@@ -87,7 +81,7 @@ Status ClearButtonTemplate(PanelStore& store, int t) {
         button.captionOption = 0;
         button.label = "Button " + std::to_string(b);
     }
-    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = "Unused " + ZeroPadded(t + 1, 2);
     return Status::Ok();
 }
 
@@ -148,7 +142,7 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         if (button.channel >= 0 && static_cast<size_t>(button.channel) < names.size()) {
             key.channel = names[static_cast<size_t>(button.channel)];
         }
-        key.number = Numbered("%04d", button.channel + 1);
+        key.number = ZeroPadded(button.channel + 1, 4);
     }
     return page;
 }

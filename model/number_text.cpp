@@ -1,6 +1,7 @@
-#include "model/leading_number.h"
+#include "model/number_text.h"
 
 #include <climits>
+#include <cstdio>
 
 namespace lumeth {
 
@@ -31,6 +32,12 @@ int32_t LeadingNumber(std::string_view text) {
         return INT32_MIN;
     }
     return static_cast<int32_t>(value);
+}
+
+std::string ZeroPadded(int value, int width) {
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%0*d", width, value);
+    return digits;
 }
 
 } // namespace lumeth
