@@ -14,6 +14,7 @@
 
 #include "app/drill_down_tree.h"
 #include "model/channel_alpha.h"
+#include "model/number_text.h"
 #include "model/view_keys.h"
 #include "ui/fixed_pitch_font.h"
 #include "ui/qt_text.h"
@@ -94,7 +95,7 @@ bool BuildListItemRows(const PanelStore& store, int list, std::vector<ViewRow>& 
     for (int k = 0; k < members.channelCount; ++k) {
         const int channel = At(members.channels, k);
         std::string key = ChannelKey(channel);
-        std::string text = ItemText(ChannelAlpha(store, *subType, channel), key);
+        std::string text = ItemText(ChannelAlpha(store, *subType, channel).value(), key);
         rows.push_back({std::move(key), std::move(text), {}});
     }
     return true;
@@ -263,7 +264,7 @@ void MainViews::ShowDisplayListData(int list) {
 }
 
 void MainViews::DetermineSubType() {
-    m_store.currentListType = 11;
+    m_store.currentListType = ListTypeCode(SubType::Input);
     try {
         m_store.currentListType = SubTypeForGroup(m_store, m_store.currentUserGroup);
     } catch (const std::exception& error) {
@@ -305,7 +306,7 @@ void MainViews::ListClicked() {
     if (m_lists->topLevelItemCount() == 0 || !item)
         return;
     m_store.currentList = static_cast<int16_t>(KeyNumber(ItemKey(item).toStdString()));
-    m_store.editorListType = static_cast<int16_t>(TextNumber(item->text(2).toStdString()));
+    m_store.editorListType = static_cast<int16_t>(LeadingNumber(item->text(2).toStdString()));
     ShowDisplayListData(m_store.currentList);
 }
 

@@ -33,8 +33,8 @@ Fixture& Shared() {
         f->app = bench::OffscreenApplication();
         f->store = bench::MaxConfiguration();
         // Two more Input lists: an empty one and one holding every channel.
-        f->emptyList = AppendRecord(f->store, 11, "Empty");
-        f->fullList = AppendRecord(f->store, 11, "Every Input");
+        f->emptyList = AppendRecord(f->store, ListTypeCode(SubType::Input), "Empty").value();
+        f->fullList = AppendRecord(f->store, ListTypeCode(SubType::Input), "Every Input").value();
         DisplayList& all = f->store.lists(SubType::Input)[size_t(f->fullList)];
         all.channelCount = f->store.alpha(SubType::Input).count;
         all.channels.resize(size_t(all.channelCount));
@@ -54,7 +54,7 @@ void Settle() {
 }
 
 void OpenOn(Fixture& f, int list) {
-    f.store.editorListType = 11;
+    f.store.editorListType = ListTypeCode(SubType::Input);
     f.store.currentList = static_cast<int16_t>(list);
     f.editor->Open();
 }

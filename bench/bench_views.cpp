@@ -47,7 +47,7 @@ Fixture& Shared() {
         group.listIndexes.resize(static_cast<size_t>(group.listCount));
         group.listTypes.resize(static_cast<size_t>(group.listCount));
         group.listIndexes.insert(group.listIndexes.begin(), static_cast<int16_t>(f->bigList));
-        group.listTypes.insert(group.listTypes.begin(), int16_t(11));
+        group.listTypes.insert(group.listTypes.begin(), ListTypeCode(SubType::Input));
         ++group.listCount;
 
         f->host = std::make_unique<QWidget>();
@@ -86,7 +86,7 @@ BENCHMARK(BM_DisplayUserGroups)->Unit(benchmark::kMillisecond);
 
 void BM_ShowGroupData(benchmark::State& state) {
     Fixture& f = Shared();
-    f.store.currentListType = 11;
+    f.store.currentListType = ListTypeCode(SubType::Input);
     for (auto _ : state) {
         f.views->ShowGroupData(0);
         Settle();
@@ -97,7 +97,7 @@ BENCHMARK(BM_ShowGroupData)->Unit(benchmark::kMillisecond);
 
 void BM_ShowDisplayListData(benchmark::State& state) {
     Fixture& f = Shared();
-    f.store.currentListType = 11;
+    f.store.currentListType = ListTypeCode(SubType::Input);
     for (auto _ : state) {
         f.views->ShowDisplayListData(f.bigList);
         Settle();

@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
-#include "files/cp1252.h"
 #include "files/file_io.h"
 #include "model/channel_alpha.h"
+#include "model/cp1252.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
@@ -53,7 +53,7 @@ void AppendLists(const PanelStore& store, SubType subType, bool named, std::stri
                 std::to_string(k + 1),
                 std::to_string(channel),
                 ChannelKey(channel),
-                named ? Shown(ChannelAlpha(store, subType, channel)) : std::string(),
+                named ? Shown(ChannelAlpha(store, subType, channel).value()) : std::string(),
             };
             for (size_t f = 0; f < std::size(fields); ++f) {
                 if (f > 0)

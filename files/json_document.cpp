@@ -9,9 +9,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "files/cp1252.h"
 #include "files/panel_data_file.h"
 #include "model/alpha_sort.h"
+#include "model/cp1252.h"
 
 namespace lumeth {
 

@@ -1,6 +1,5 @@
 #include "files/settings.h"
 
-#include <climits>
 #include <filesystem>
 #include <system_error>
 
@@ -53,35 +52,6 @@ void DeleteStaleFile(const std::string& folder) {
 }
 
 } // namespace
-
-int32_t LeadingNumber(std::string_view text) {
-    size_t i = 0;
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n')) {
-        ++i;
-    }
-    bool negative = false;
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-        negative = text[i] == '-';
-        ++i;
-    }
-    int64_t value = 0;
-    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-        value = value * 10 + (text[i] - '0');
-        if (value > int64_t{INT32_MAX} + 1) {
-            value = int64_t{INT32_MAX} + 1; // keep saturating, never overflow
-        }
-    }
-    if (negative) {
-        value = -value;
-    }
-    if (value > INT32_MAX) {
-        return INT32_MAX;
-    }
-    if (value < INT32_MIN) {
-        return INT32_MIN;
-    }
-    return static_cast<int32_t>(value);
-}
 
 void SettingsFromIni(const IniFile& ini, Settings& settings) {
     auto text = [&](const char* key) { return ini.GetString(kSection, key); };

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "model/failure.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 
@@ -20,11 +21,6 @@ struct Settings {
     bool archiveErrorFiles = false;
     int32_t maxErrorLog = 0;
 };
-
-// Leading-number conversion: leading blanks skipped, an optional sign, digits
-// up to the first non-digit; text without a number gives 0. Saturates at the
-// 32-bit range.
-int32_t LeadingNumber(std::string_view text);
 
 class IniFile;
 

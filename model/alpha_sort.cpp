@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <numeric>
 
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 
 namespace lumeth {
 
@@ -43,7 +43,8 @@ std::string UpperCase(std::string_view name) {
 
 namespace {
 
-// Prefix sums over ranks: Add(r, d) adds d to every rank from r up.
+// Prefix sums over ranks: Add(r, d) adds d to every rank from r up; Total(r)
+// is what rank r has been given.
 class RankCounter {
 public:
     explicit RankCounter(size_t ranks) : m_tree(ranks + 1, 0) {}
@@ -52,7 +53,7 @@ public:
             m_tree[i] += delta;
         }
     }
-    uint32_t At(size_t rank) const {
+    uint32_t Total(size_t rank) const {
         uint32_t sum = 0;
         for (size_t i = rank + 1; i > 0; i -= i & (~i + 1)) {
             sum += m_tree[i];
@@ -81,7 +82,7 @@ std::vector<uint32_t> ExchangeOrder(const std::vector<uint32_t>& rank, size_t ra
 
     auto settle = [&](size_t r) {
         std::vector<uint32_t>& g = groups[r];
-        const uint32_t total = rotations.At(r);
+        const uint32_t total = rotations.Total(r);
         if (!g.empty()) {
             const size_t k = (total - applied[r]) % g.size();
             std::rotate(g.begin(), g.begin() + static_cast<std::ptrdiff_t>(k), g.end());

@@ -1,6 +1,7 @@
 #include "model/button_catalogue.h"
 
-#include <cstdio>
+#include "model/limits.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 
@@ -104,7 +105,8 @@ std::string SystemButtonLabel(const PanelStore& store, int code, int channel, St
 }
 
 std::string GetButtonLabel(const PanelStore& store, int templatePos, int button, Status* status) {
-    if (templatePos < 0 || static_cast<size_t>(templatePos) >= store.templates.buttonTemplates.size()) {
+    if (templatePos < 0 ||
+        static_cast<size_t>(templatePos) >= store.templates.buttonTemplates.size()) {
         SetStatus(status, Status::Fail(ErrorCode::SubscriptOutOfRange,
                                        "template " + std::to_string(templatePos)));
         return {};
@@ -126,15 +128,11 @@ std::vector<std::string> ChannelNameList(const PanelStore& store, std::optional<
         return list;
     }
     const AlphaTable& table = store.alpha(*subType);
-    const int count = table.count < 0 ? 0 : table.count;
+    const int count = ValidCount(table.count);
     list.reserve(static_cast<size_t>(count) + 1);
     for (int n = 0; n < count; ++n) {
-        const std::string& name = static_cast<size_t>(n) < table.channelNames.size()
-                                      ? table.channelNames[static_cast<size_t>(n)]
-                                      : std::string();
-        char number[16];
-        std::snprintf(number, sizeof number, " [%04d]", n + 1);
-        list.push_back(name + number);
+        const std::string& name = RefAt(table.channelNames, n);
+        list.push_back(name + " [" + ZeroPadded(n + 1, 4) + "]");
     }
     return list;
 }

@@ -1,19 +1,14 @@
 #include "model/button_templates.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "model/button_catalogue.h"
+#include "model/limits.h"
+#include "model/number_text.h"
 
 namespace lumeth {
 
 namespace {
-
-std::string Numbered(const char* format, int n) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, n);
-    return text;
-}
 
 bool IsTemplate(const PanelStore& store, int t) {
     return t >= 0 && t < store.templates.templateCount &&
@@ -25,12 +20,17 @@ bool IsTemplate(const PanelStore& store, int t) {
 // count it. The index pair may be shorter than the count after a file load
 // (loading leaves it alone), so it is grown to the same length here.
 void AppendTemplateSlot(PanelStore& store) {
-    const int t = std::max<int>(store.templates.templateCount, 0);
+    const int t = ValidCount(store.templates.templateCount);
     store.templates.templateCount = static_cast<int16_t>(t + 1);
     store.templates.Resize(t + 1);
     store.templates.templateIndex[static_cast<size_t>(t)] = static_cast<int16_t>(t);
     store.templates.templatePosition[static_cast<size_t>(t)] = static_cast<int16_t>(t);
     store.templates.buttonTemplates[static_cast<size_t>(t)] = ButtonTemplate{};
+}
+
+Status NoTemplate(int t, const char* what) {
+    return Status::Fail(ErrorCode::SubscriptOutOfRange,
+                        "no template " + std::to_string(t) + " " + what);
 }
 
 } // namespace
@@ -46,17 +46,17 @@ int AddButtonTemplate(PanelStore& store) {
         button.type = 40; // Source Select
         button.label = "Button " + std::to_string(b);
     }
-    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Btn Tmplate %03d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = "Btn Tmplate " + ZeroPadded(t + 1, 3);
     return t;
 }
 
-bool FillButtonTemplate(PanelStore& store, int t) {
+Status FillButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
-        return false;
+        return NoTemplate(t, "to fill");
     }
     ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     if (tpl.buttonCount == kTemplateButtons) {
-        return true;
+        return Status::Ok();
     }
     const int kept = std::clamp<int>(tpl.buttonCount, 0, kTemplateButtons);
     tpl.buttons.resize(kTemplateButtons, PanelButton::Cleared());
@@ -66,12 +66,12 @@ bool FillButtonTemplate(PanelStore& store, int t) {
         button.label = "Button " + std::to_string(b + 1);
     }
     tpl.buttonCount = kTemplateButtons;
-    return true;
+    return Status::Ok();
 }
 
-void ClearButtonTemplate(PanelStore& store, int t) {
+Status ClearButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
-        return;
+        return NoTemplate(t, "to clear");
     }
     ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     const int count = std::min<int>(tpl.buttonCount, static_cast<int>(tpl.buttons.size()));
@@ -81,17 +81,16 @@ void ClearButtonTemplate(PanelStore& store, int t) {
         button.captionOption = 0;
         button.label = "Button " + std::to_string(b);
     }
-    store.templates.templateNames[static_cast<size_t>(t)] = Numbered("Unused %02d", t + 1);
+    store.templates.templateNames[static_cast<size_t>(t)] = "Unused " + ZeroPadded(t + 1, 2);
+    return Status::Ok();
 }
 
 Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
     if (!IsTemplate(store, from)) {
-        return Status::Fail(ErrorCode::SubscriptOutOfRange,
-                            "no template " + std::to_string(from) + " to copy from");
+        return NoTemplate(from, "to copy from");
     }
     if (to < 0 || to > store.templates.templateCount) {
-        return Status::Fail(ErrorCode::SubscriptOutOfRange,
-                            "no template " + std::to_string(to) + " to copy onto");
+        return NoTemplate(to, "to copy onto");
     }
     if (to == store.templates.templateCount) {
         AppendTemplateSlot(store);
@@ -110,7 +109,8 @@ Status DuplicateButtonTemplate(PanelStore& store, int from, int to) {
         }
     }
     // Onto an existing template only the name is copied; its buttons stay.
-    store.templates.templateNames[static_cast<size_t>(to)] = store.templates.templateNames[static_cast<size_t>(from)];
+    store.templates.templateNames[static_cast<size_t>(to)] =
+        store.templates.templateNames[static_cast<size_t>(from)];
     return Status::Ok();
 }
 
@@ -130,9 +130,10 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         LabelSheetKey& key = page.keys[static_cast<size_t>(b)];
         const ButtonFunction& function = ButtonFunctionOf(button.type);
         key.function = std::string(function.shortLabel);
-        key.face = (button.captionOption & 1)
-                       ? button.label
-                       : SystemButtonLabel(store, button.type, button.channel).substr(0, 8);
+        key.face =
+            (button.captionOption & 1)
+                ? button.label
+                : SystemButtonLabel(store, button.type, button.channel).substr(0, kLabelWidth);
         if (button.channel == kNoChannel || !function.channelSubType) {
             key.channel = "None";
             continue;
@@ -141,7 +142,7 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         if (button.channel >= 0 && static_cast<size_t>(button.channel) < names.size()) {
             key.channel = names[static_cast<size_t>(button.channel)];
         }
-        key.number = Numbered("%04d", button.channel + 1);
+        key.number = ZeroPadded(button.channel + 1, 4);
     }
     return page;
 }

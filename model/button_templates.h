@@ -19,14 +19,15 @@ inline constexpr int kPageButtons = 16;
 int AddButtonTemplate(PanelStore& store);
 
 // Give template `t` exactly 32 buttons; each added button is a cleared one
-// labelled "Button " + its 1-based number. Returns false when `t` is not a
-// template position.
-bool FillButtonTemplate(PanelStore& store, int t);
+// labelled "Button " + its 1-based number. Fails when `t` is not a template
+// position.
+Status FillButtonTemplate(PanelStore& store, int t);
 
 // Reset template `t`: every button loses its channel, caption option and label
 // ("Button " + its 0-based number) but keeps its function and second channel;
-// the template is renamed "Unused " + its 1-based number as two digits.
-void ClearButtonTemplate(PanelStore& store, int t);
+// the template is renamed "Unused " + its 1-based number as two digits. Fails,
+// changing nothing, when `t` is not a template position.
+Status ClearButtonTemplate(PanelStore& store, int t);
 
 // Copy template `from` onto `to`. `to` equal to the template count appends a
 // new template holding the first 16 buttons of `from`; an existing `to` only

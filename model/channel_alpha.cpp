@@ -1,6 +1,6 @@
 #include "model/channel_alpha.h"
 
-#include <stdexcept>
+#include "model/limits.h"
 
 namespace lumeth {
 
@@ -9,14 +9,14 @@ int ChannelBound(const PanelStore& store, SubType subType) {
     return store.alpha(inputSide ? SubType::Input : SubType::Output).count;
 }
 
-std::string ChannelAlpha(const PanelStore& store, SubType subType, int channel) {
+std::optional<std::string> ChannelAlpha(const PanelStore& store, SubType subType, int channel) {
     if (channel >= ChannelBound(store, subType))
         return "*Invalid*";
     const AlphaTable& table = store.alpha(subType);
-    const int16_t position = table.positionOf.at(static_cast<size_t>(channel));
-    if (position < 0)
-        throw std::out_of_range("channel " + std::to_string(channel) + " has no name position");
-    return table.names.at(static_cast<size_t>(position));
+    const int position = ValueAt<int16_t>(table.positionOf, channel, -1);
+    if (channel < 0 || position < 0 || static_cast<size_t>(position) >= table.names.size())
+        return std::nullopt;
+    return table.names[static_cast<size_t>(position)];
 }
 
 std::string ItemText(std::string alpha, const std::string& key) {

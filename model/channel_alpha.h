@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "model/panel_store.h"
@@ -16,9 +17,9 @@ namespace lumeth {
 int ChannelBound(const PanelStore& store, SubType subType);
 
 // The alpha of `channel` in `subType`'s table, or "*Invalid*" when the channel
-// is not below the bound. Throws std::out_of_range for a negative channel or
-// when the table is shorter than the bound says.
-std::string ChannelAlpha(const PanelStore& store, SubType subType, int channel);
+// is not below the bound. Nothing for a negative channel or when the table is
+// shorter than the bound says.
+std::optional<std::string> ChannelAlpha(const PanelStore& store, SubType subType, int channel);
 
 // A view item's text: the alpha, a blank and the key in brackets,
 // "MIC 1 (Ch.0001)".

@@ -7,29 +7,18 @@
 #include <unordered_set>
 
 #include "model/button_catalogue.h"
+#include "model/limits.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
 
 namespace {
 
-
-// A name or label as the server module would hold it.
-std::string Sent(const std::string& text, size_t width) {
-    std::string cut = text.substr(0, std::min(width, text.size()));
-    cut.erase(cut.find_last_not_of(' ') + 1);
-    return cut;
-}
-
 std::string Quoted(const std::string& text, size_t width) {
     std::string quoted(1, '"');
-    quoted += Sent(text, width);
+    quoted += AsSent(text, width);
     quoted += '"';
     return quoted;
-}
-
-template <typename T> T At(const std::vector<T>& v, int i, T fallback = T{}) {
-    return i >= 0 && static_cast<size_t>(i) < v.size() ? v[static_cast<size_t>(i)] : fallback;
 }
 
 // "1 channel", "3 channels"
@@ -37,12 +26,8 @@ std::string Count(int n, const char* noun) {
     return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
 }
 
-int Valid(int16_t count) {
-    return std::max<int>(count, 0);
-}
-
 std::vector<int16_t> Members(const std::vector<int16_t>& values, int16_t count) {
-    const size_t n = std::min(values.size(), static_cast<size_t>(Valid(count)));
+    const size_t n = std::min(values.size(), static_cast<size_t>(ValidCount(count)));
     return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n)};
 }
 
@@ -68,7 +53,7 @@ private:
         const AlphaTable& table = Names(s);
         if (channel < 0 || channel >= table.count)
             return {};
-        return Sent(At(table.channelNames, channel), kNameWidth);
+        return AsSent(RefAt(table.channelNames, channel), kNameWidth);
     }
 
     // "MIC 1" (Ch.0001), or Ch.0001 alone without a name.
@@ -82,17 +67,17 @@ private:
         const std::string head = std::string(SubTypeName(s)) + " list ";
         if (position < 0 || position >= store.listCount(s))
             return head + std::to_string(position);
-        return head + Quoted(At(store.lists(s), position).name, kNameWidth);
+        return head + Quoted(RefAt(store.lists(s), position).name, kNameWidth);
     }
 
     void DisplayLists(SubType s) {
-        const int before = Valid(m_before.listCount(s));
-        const int after = Valid(m_after.listCount(s));
+        const int before = ValidCount(m_before.listCount(s));
+        const int after = ValidCount(m_after.listCount(s));
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
-                const DisplayList& list = At(m_after.lists(s), i);
+                const DisplayList& list = RefAt(m_after.lists(s), i);
                 Add(ListName(m_after, s, i) + " added (" +
-                    Count(Valid(list.channelCount), "channel") + ")");
+                    Count(ValidCount(list.channelCount), "channel") + ")");
                 continue;
             }
             if (i >= after) {
@@ -101,7 +86,7 @@ private:
             }
             const DisplayList& was = m_before.lists(s)[static_cast<size_t>(i)];
             const DisplayList& now = m_after.lists(s)[static_cast<size_t>(i)];
-            if (Sent(was.name, kNameWidth) != Sent(now.name, kNameWidth))
+            if (AsSent(was.name, kNameWidth) != AsSent(now.name, kNameWidth))
                 Add(ListName(m_before, s, i) + " renamed to " + Quoted(now.name, kNameWidth));
             Channels(s, ListName(m_after, s, i), Members(was.channels, was.channelCount),
                      Members(now.channels, now.channelCount));
@@ -180,7 +165,7 @@ private:
     }
 
     static std::string GroupName(const PanelStore& store, int i) {
-        return "Group " + Quoted(At(store.groups.userGroupNames, i), kNameWidth);
+        return "Group " + Quoted(RefAt(store.groups.userGroupNames, i), kNameWidth);
     }
 
     static std::vector<std::pair<int16_t, int16_t>> Entries(const UserGroup& group) {
@@ -213,12 +198,13 @@ private:
     }
 
     void UserGroups() {
-        const int before = Valid(m_before.groups.userGroupCount);
-        const int after = Valid(m_after.groups.userGroupCount);
+        const int before = ValidCount(m_before.groups.userGroupCount);
+        const int after = ValidCount(m_after.groups.userGroupCount);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
-                    Count(static_cast<int>(Entries(At(m_after.groups.userGroups, i)).size()), "list") +
+                    Count(static_cast<int>(Entries(RefAt(m_after.groups.userGroups, i)).size()),
+                          "list") +
                     ")");
                 continue;
             }
@@ -226,14 +212,14 @@ private:
                 Add(GroupName(m_before, i) + " removed");
                 continue;
             }
-            if (Sent(At(m_before.groups.userGroupNames, i), kNameWidth) !=
-                Sent(At(m_after.groups.userGroupNames, i), kNameWidth))
+            if (AsSent(RefAt(m_before.groups.userGroupNames, i), kNameWidth) !=
+                AsSent(RefAt(m_after.groups.userGroupNames, i), kNameWidth))
                 Add(GroupName(m_before, i) + " renamed to " +
-                    Quoted(At(m_after.groups.userGroupNames, i), kNameWidth));
+                    Quoted(RefAt(m_after.groups.userGroupNames, i), kNameWidth));
             // Entries pair as channels do: a list named twice counts twice, and
             // the panel shows a group's lists in its entry order.
-            const auto was = Numbered(Entries(At(m_before.groups.userGroups, i)));
-            const auto now = Numbered(Entries(At(m_after.groups.userGroups, i)));
+            const auto was = Numbered(Entries(RefAt(m_before.groups.userGroups, i)));
+            const auto now = Numbered(Entries(RefAt(m_after.groups.userGroups, i)));
             std::map<NumberedEntry, int> wasAt;
             for (size_t k = 0; k < was.size(); ++k)
                 wasAt.emplace(was[k], static_cast<int>(k));
@@ -259,7 +245,7 @@ private:
     }
 
     static std::string TemplateName(const PanelStore& store, int i) {
-        return "Template " + Quoted(At(store.templates.templateNames, i), kNameWidth);
+        return "Template " + Quoted(RefAt(store.templates.templateNames, i), kNameWidth);
     }
 
     std::string ButtonChannel(std::optional<SubType> s, int channel) const {
@@ -287,12 +273,12 @@ private:
     static bool SameButton(const PanelButton& a, const PanelButton& b) {
         return a.type == b.type && a.channel == b.channel && a.channel2 == b.channel2 &&
                a.captionOption == b.captionOption &&
-               Sent(a.label, kLabelWidth) == Sent(b.label, kLabelWidth);
+               AsSent(a.label, kLabelWidth) == AsSent(b.label, kLabelWidth);
     }
 
     void Templates() {
-        const int before = Valid(m_before.templates.templateCount);
-        const int after = Valid(m_after.templates.templateCount);
+        const int before = ValidCount(m_before.templates.templateCount);
+        const int after = ValidCount(m_after.templates.templateCount);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(TemplateName(m_after, i) + " added");
@@ -302,24 +288,24 @@ private:
                 Add(TemplateName(m_before, i) + " removed");
                 continue;
             }
-            if (Sent(At(m_before.templates.templateNames, i), kNameWidth) !=
-                Sent(At(m_after.templates.templateNames, i), kNameWidth))
+            if (AsSent(RefAt(m_before.templates.templateNames, i), kNameWidth) !=
+                AsSent(RefAt(m_after.templates.templateNames, i), kNameWidth))
                 Add(TemplateName(m_before, i) + " renamed to " +
-                    Quoted(At(m_after.templates.templateNames, i), kNameWidth));
-            const ButtonTemplate& was = m_before.templates.buttonTemplates.at(static_cast<size_t>(i));
-            const ButtonTemplate& now = m_after.templates.buttonTemplates.at(static_cast<size_t>(i));
+                    Quoted(RefAt(m_after.templates.templateNames, i), kNameWidth));
+            const ButtonTemplate& was = RefAt(m_before.templates.buttonTemplates, i);
+            const ButtonTemplate& now = RefAt(m_after.templates.buttonTemplates, i);
             const std::string name = TemplateName(m_after, i);
             if (was.number != now.number)
                 Add(name + ": number " + std::to_string(was.number) + " changed to " +
                     std::to_string(now.number));
             // A button a template does not hold reads as a cleared one, so a
             // template grown to 32 buttons is no change by itself.
-            const int buttons = std::max(Valid(was.buttonCount), Valid(now.buttonCount));
+            const int buttons = std::max(ValidCount(was.buttonCount), ValidCount(now.buttonCount));
             for (int k = 0; k < buttons; ++k) {
-                const PanelButton a =
-                    k < Valid(was.buttonCount) ? At(was.buttons, k) : PanelButton::Cleared();
-                const PanelButton b =
-                    k < Valid(now.buttonCount) ? At(now.buttons, k) : PanelButton::Cleared();
+                const PanelButton a = k < ValidCount(was.buttonCount) ? RefAt(was.buttons, k)
+                                                                      : PanelButton::Cleared();
+                const PanelButton b = k < ValidCount(now.buttonCount) ? RefAt(now.buttons, k)
+                                                                      : PanelButton::Cleared();
                 if (!SameButton(a, b))
                     Add(name + " button " + std::to_string(k + 1) + ": " + Button(a) +
                         " changed to " + Button(b));

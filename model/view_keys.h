@@ -25,7 +25,5 @@ int KeyNumber(std::string_view key);
 // display list position. All digits after the last '.' count, so channels
 // from 9999 up (five-digit keys) keep their numbers.
 int KeyEntryNumber(std::string_view key);
-// The leading decimal number of a whole text ("21" gives 21; no number gives 0).
-int TextNumber(std::string_view text);
 
 } // namespace lumeth

@@ -328,11 +328,11 @@ void DisplayListEditor::Open() {
             m_currentIndex = m_store.currentUserGroup;
             m_itemCount = m_store.groups.userGroupCount;
             if (QRadioButton* button =
-                    m_subTypeButtons.at(static_cast<size_t>(ListSubType(m_store.currentListType))))
+                    m_subTypeButtons.at(static_cast<size_t>(SubTypeFromListCode(m_store.currentListType).value())))
                 button->setChecked(true);
         } else {
             m_currentIndex = m_store.currentList;
-            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType).value());
         }
         // An index equal to the count is let through here; a list type
         // change applies the stricter test.
@@ -374,7 +374,7 @@ void DisplayListEditor::LoadWorkingCopy() {
         m_groupNames = m_store.groups.userGroupNames;
         m_lists.clear();
     } else {
-        m_lists = m_store.lists(ListSubType(m_listType));
+        m_lists = m_store.lists(SubTypeFromListCode(m_listType).value());
         m_groups.clear();
         m_groupNames.clear();
     }
@@ -385,7 +385,7 @@ void DisplayListEditor::FillChannels() {
     try {
         if (m_listType == kUserGroupListType) {
             // The display lists of the sub type the option buttons select.
-            const SubType subType = ListSubType(m_store.currentListType);
+            const SubType subType = SubTypeFromListCode(m_store.currentListType).value();
             const auto& lists = m_store.lists(subType);
             for (int p = 0; p < m_store.listCount(subType); ++p) {
                 std::string key = GroupEntryKey(subType, p);
@@ -393,7 +393,7 @@ void DisplayListEditor::FillChannels() {
             }
         } else {
             // Every channel of the sub type, in the order of their names.
-            const AlphaTable& table = m_store.alpha(ListSubType(m_listType));
+            const AlphaTable& table = m_store.alpha(SubTypeFromListCode(m_listType).value());
             rows.reserve(size_t(ValidCount(table.count)));
             for (int i = 0; i < table.count; ++i) {
                 std::string key = ChannelKey(table.numbers.at(size_t(i)));
@@ -426,7 +426,7 @@ void DisplayListEditor::FillList() {
     std::vector<std::pair<std::string, std::string>> rows;
     if (m_listType == kUserGroupListType) {
         const UserGroup& group = m_groups.at(size_t(m_currentIndex));
-        const SubType subType = ListSubType(m_store.currentListType);
+        const SubType subType = SubTypeFromListCode(m_store.currentListType).value();
         const auto& lists = m_store.lists(subType);
         for (const int16_t p : GroupEntriesOfType(group, m_store.currentListType)) {
             const bool known = p >= 0 && p < m_store.listCount(subType) && size_t(p) < lists.size();
@@ -435,12 +435,12 @@ void DisplayListEditor::FillList() {
         }
     } else {
         const DisplayList& list = m_lists.at(size_t(m_currentIndex));
-        const SubType subType = ListSubType(m_listType);
+        const SubType subType = SubTypeFromListCode(m_listType).value();
         rows.reserve(size_t(ValidCount(list.channelCount)));
         for (int k = 0; k < list.channelCount; ++k) {
             const int channel = list.channels.at(size_t(k));
             std::string key = ChannelKey(channel);
-            rows.emplace_back(key, ItemText(ChannelAlpha(m_store, subType, channel), key));
+            rows.emplace_back(key, ItemText(ChannelAlpha(m_store, subType, channel).value(), key));
         }
     }
     m_listItems->setItems(Items(rows));
@@ -487,7 +487,9 @@ void DisplayListEditor::CommitEditedList() {
         // The shown sub type's entries take their old places in the group;
         // entries of the other sub types stay where they were.
         UserGroup& group = m_groups.at(at);
-        ReplaceGroupEntries(group, m_store.currentListType, numbers);
+        if (const Status replaced = ReplaceGroupEntries(group, m_store.currentListType, numbers);
+            !replaced)
+            throw std::out_of_range(replaced.failure().detail);
         m_storeChanged = m_storeChanged || !SameGroup(group, m_store.groups.userGroups.at(at)) ||
                          m_groupNames.at(at) != m_store.groups.userGroupNames.at(at);
         m_store.groups.userGroups = m_groups;
@@ -496,7 +498,7 @@ void DisplayListEditor::CommitEditedList() {
         DisplayList& list = m_lists.at(at);
         list.channelCount = static_cast<int16_t>(numbers.size());
         list.channels = numbers.empty() ? std::vector<int16_t>{0} : std::move(numbers);
-        const SubType subType = ListSubType(m_listType);
+        const SubType subType = SubTypeFromListCode(m_listType).value();
         m_storeChanged = m_storeChanged || !SameList(list, m_store.lists(subType).at(at));
         m_store.lists(subType) = m_lists;
     }
@@ -519,9 +521,9 @@ void DisplayListEditor::ListTypeClicked(int item) {
             CommitIfChanged();
             const BusyFlag::Scope busy;
             m_listType = kListTypes[static_cast<size_t>(item)];
-            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+            m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType).value());
             if (m_listType == kUserGroupListType)
-                m_store.currentListType = 11;
+                m_store.currentListType = ListTypeCode(SubType::Input);
             if (m_currentIndex > m_itemCount - 1)
                 m_currentIndex = 0;
             UpdateDisplays();
@@ -632,8 +634,9 @@ void DisplayListEditor::NewList() {
         const bool groups = m_listType == kUserGroupListType;
         // A group name fills the 16 characters: two trailing blanks.
         m_currentIndex = static_cast<int16_t>(
-            AppendRecord(m_store, m_listType, groups ? "New User Group  " : "New Display List"));
-        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+            AppendRecord(m_store, m_listType, groups ? "New User Group  " : "New Display List")
+                .value());
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType).value());
         m_storeChanged = true;
         UpdateDisplays();
     });
@@ -680,7 +683,7 @@ void DisplayListEditor::CopyList() {
         if (m_stepHook)
             m_stepHook();
         m_storeChanged = m_storeChanged || m_duplicate->copies() > 0;
-        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType));
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType).value());
         UpdateDisplayLists();
     });
 }

@@ -64,9 +64,9 @@ void DuplicateDisplayListDialog::setMode(int16_t mode) {
 void DuplicateDisplayListDialog::LoadDisplayLists() {
     Guarded(m_reporter, "Error Loading Display Alphas", "File Error", [this] {
         QStringList names;
-        const int count = RecordCount(m_store, m_mode);
+        const int count = RecordCount(m_store, m_mode).value();
         for (int i = 0; i < count; ++i)
-            names << ToQt(RecordName(m_store, m_mode, i));
+            names << ToQt(RecordName(m_store, m_mode, i).value());
         m_controls.ShowNames(std::move(names),
                              m_mode == kUserGroupListType ? "New Group" : "New List");
     });
@@ -77,11 +77,12 @@ void DuplicateDisplayListDialog::Copy() {
     const int to = m_controls.to();
     if (from < 0 || to < 0)
         return;
-    Guarded(m_reporter, "Error Copying Display List", "List Error", [&] {
-        DuplicateRecord(m_store, m_mode, from, to);
+    if (const Status status = DuplicateRecord(m_store, m_mode, from, to); status) {
         ++m_copies;
         emit copied();
-    });
+    } else if (m_reporter) {
+        m_reporter("Error Copying Display List", "List Error", status.failure());
+    }
     LoadDisplayLists();
 }
 

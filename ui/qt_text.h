@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 
 namespace lumeth {
 

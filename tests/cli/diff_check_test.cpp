@@ -4,10 +4,10 @@
 
 #include <functional>
 
-#include "files/cp1252.h"
 #include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "model/cp1252.h"
 
 namespace lumeth {
 namespace {

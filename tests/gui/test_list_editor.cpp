@@ -447,8 +447,9 @@ private slots:
         QVERIFY(checked);
 
         QStringList stored;
-        for (int i = 0; i < RecordCount(m_store, static_cast<int16_t>(mode)); ++i)
-            stored << QString::fromStdString(RecordName(m_store, static_cast<int16_t>(mode), i));
+        for (int i = 0; i < RecordCount(m_store, static_cast<int16_t>(mode)).value(); ++i)
+            stored << QString::fromStdString(
+                RecordName(m_store, static_cast<int16_t>(mode), i).value());
         QCOMPARE(stored, names);
         QCOMPARE(ListAlphas()->count(), names.size()); // the editor refreshed
         QVERIFY(m_editor->storeChanged());

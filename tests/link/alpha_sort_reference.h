@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 
 // The channel-name sort exactly as the download describes it: for every
 // position i, every later position j whose upper-cased name is smaller is

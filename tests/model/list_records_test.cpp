@@ -36,7 +36,8 @@ TEST(ReplaceGroupEntries, TakesTheOldSlotsAndKeepsTheOtherTypes) {
     };
     for (const Case& c : cases) {
         UserGroup g = test::Group(c.before);
-        ReplaceGroupEntries(g, 11, c.positions);
+        ASSERT_TRUE(ReplaceGroupEntries(g, ListTypeCode(SubType::Input), c.positions).ok())
+            << c.what;
         EXPECT_EQ(Read(g), c.after) << c.what;
         EXPECT_GE(g.listIndexes.size(), 1u) << c.what;
         EXPECT_EQ(g.listIndexes.size(), g.listTypes.size()) << c.what;

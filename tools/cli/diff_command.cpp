@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 #include "model/store_diff.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"

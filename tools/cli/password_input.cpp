@@ -9,8 +9,8 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "files/cp1252.h"
 #include "link/codec.h"
+#include "model/cp1252.h"
 
 namespace lumeth::cli {
 

@@ -2,8 +2,8 @@
 #include <iostream>
 #include <string>
 
-#include "files/cp1252.h"
 #include "model/button_catalogue.h"
+#include "model/cp1252.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 

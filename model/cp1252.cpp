@@ -1,4 +1,4 @@
-#include "files/cp1252.h"
+#include "model/cp1252.h"
 
 #include <array>
 
