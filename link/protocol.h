@@ -30,6 +30,11 @@ constexpr uint8_t Byte(Command c) {
 constexpr char Char(Command c) {
     return static_cast<char>(Byte(c));
 }
+// Only a command byte (and the end marker) has its top bit set; every other
+// byte of a frame carries 7 bits.
+constexpr bool HasTopBit(uint8_t b) {
+    return (b & 0x80) != 0;
+}
 // The commands that stand alone as one byte, without body or end marker.
 constexpr bool IsOneByte(uint8_t command) {
     return command == Byte(Command::Acknowledge1) || command == Byte(Command::Acknowledge3) ||

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "link/decoded.h"
 #include "link/link_state.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
@@ -59,6 +60,8 @@ public:
 
     // Queue a data request and replace the three pending masks.
     void RequestData(uint32_t maskA, uint32_t maskB, uint32_t maskC);
+    // Queue the request for `parts` alone (replacing the pending masks).
+    void RequestParts(PartSet parts);
     void RequestEverything();
     // Queue the set-password message built from state().serverPassword.
     void SendPassword();
@@ -81,7 +84,11 @@ public:
 
 private:
     void DecodeStep();
-    void Dispatch(uint8_t command, std::string_view message);
+    // One whole frame cut from the buffer.
+    void Handle(const std::string& frame);
+    // Report what a decoded frame found, store its value and settle its
+    // request bit.
+    void Apply(Decoded decoded);
 
     PanelStore& m_store;
     LinkState& m_state;

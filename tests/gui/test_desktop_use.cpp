@@ -17,6 +17,7 @@
 
 #include "app/main_views.h"
 #include "app/main_window.h"
+#include "link/protocol.h"
 #include "tests/gui/gui_support.h"
 #include "tests/support/store_builders.h"
 #include "ui/elided_label.h"
@@ -55,7 +56,7 @@ private slots:
         store.groups.userGroupCount = 3;
         store.groups.userGroupNames = {"Studio A", "Newsroom", "Tally"};
         store.groups.userGroups = {test::Group({{1, 11}, {0, 11}}), test::Group({{0, 11}}),
-                            test::Group({{1, 11}})};
+                                   test::Group({{1, 11}})};
         store.groups.userGroupIndex = {0, 1, 2};
         QWidget host;
         MainViews views(store, {}, &host);
@@ -105,8 +106,8 @@ private slots:
 
         // Everything outstanding: cut at 1024 px, whole in text() and the tooltip,
         // with room for messages left of the panels.
-        window.link().pendingA = request::kEverythingA;
-        window.link().pendingC = request::kEverythingC;
+        window.link().pendingA = kRequestEverything.a;
+        window.link().pendingC = kRequestEverything.c;
         QTRY_VERIFY(progress->text().startsWith("Receiving: Password, Input Alphas"));
         QTRY_VERIFY(progress->isElided());
         QHelpEvent help(QEvent::ToolTip, {4, 4}, progress->mapToGlobal(QPoint(4, 4)));

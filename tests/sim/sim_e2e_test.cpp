@@ -7,6 +7,7 @@
 
 #include "link/codec.h"
 #include "link/link_state.h"
+#include "link/protocol.h"
 #include "link/session.h"
 #include "tests/sim/client_recorder.h"
 #include "tests/sim/sim_process.h"
@@ -53,7 +54,7 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     client.Send(std::string("\xF2\x01\xFF", 3));                         // a short request
 
     // Still serving on the same connection.
-    client.Send(codec::DataRequest(request::kPassword, 0, 0));
+    client.Send(codec::DataRequest(Wire(Part::Password).bit, 0, 0));
     const auto answer = client.Read(1);
     ASSERT_EQ(answer.size(), 1u);
     EXPECT_EQ(answer[0], codec::PasswordMessage("studio"));
@@ -73,7 +74,7 @@ TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNo
     ASSERT_EQ(junk.Read(1).size(), 1u);
     const size_t junkBytes = 1 << 20;
     junk.Send(std::string(junkBytes, '\x90'));
-    junk.Send(codec::DataRequest(request::kPassword, 0, 0));
+    junk.Send(codec::DataRequest(Wire(Part::Password).bit, 0, 0));
     std::vector<std::string> answer;
     for (int i = 0; i < 200 && answer.empty(); ++i) {
         sim.Drain(20);
@@ -87,7 +88,7 @@ TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNo
     RawClient greedy;
     ASSERT_TRUE(greedy.Connect(sim.port));
     for (int i = 0; i < 100; ++i) {
-        greedy.Send(codec::DataRequest(request::kEverythingA, 0, request::kEverythingC));
+        greedy.Send(codec::DataRequest(kRequestEverything.a, 0, kRequestEverything.c));
     }
     EXPECT_TRUE(sim.WaitForLog("connection cut off", 20000)) << sim.Log().right(500).toStdString();
     EXPECT_TRUE(sim.Running());
