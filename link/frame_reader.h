@@ -12,7 +12,7 @@ namespace lumeth {
 // byte with its top bit set are garbage; F1, F3, F4 and F5 stand alone (so
 // does an end marker in the place of a command byte); any other frame ends at
 // the first end marker; a top-bit byte inside a frame means it
-// was cut short by the next command, except in an identity frame (0x81),
+// was cut short by the next command, except in an identity frame,
 // whose body is not checked.
 struct FrontOfBuffer {
     enum class Kind {

@@ -184,11 +184,8 @@ std::vector<std::string> LinkSession::BuildApplyMessages() const {
     return out;
 }
 
-std::vector<LinkSession::ApplyStep> LinkSession::BuildApplySteps() const {
-    std::vector<ApplyStep> steps;
-    for (codec::Upload& upload : codec::UploadMessages(m_store))
-        steps.push_back({std::move(upload.message), upload.failureLocation, upload.status});
-    return steps;
+std::vector<codec::Upload> LinkSession::BuildApplySteps() const {
+    return codec::UploadMessages(m_store);
 }
 
 void LinkSession::Queue(std::string message) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "link/codec.h"
 #include "link/decoded.h"
 #include "link/link_state.h"
 #include "model/failure.h"
@@ -69,15 +70,9 @@ public:
     // The six Apply messages in order: display lists 11, 21, 31, 41, groups, buttons.
     std::vector<std::string> BuildApplyMessages() const;
 
-    // One Apply message with the location its failure is reported under
-    // ("Error Sending Panel Display Lists", ...). A message whose status is a
-    // failure holds a value the wire cannot carry and must not be sent.
-    struct ApplyStep {
-        std::string message;
-        std::string_view failureLocation;
-        Status status;
-    };
-    std::vector<ApplyStep> BuildApplySteps() const;
+    // The same with the location each failure is reported under and its
+    // status (a failed one must not be sent).
+    std::vector<codec::Upload> BuildApplySteps() const;
 
     // Queue one message for sending (the handlers' answers go this way).
     void Queue(std::string message);

@@ -6,6 +6,8 @@
 #include <optional>
 #include <tuple>
 
+#include "link/decoders.h"
+#include "link/frame_reader.h"
 #include "link/protocol.h"
 #include "tests/link/messages.h"
 #include "tests/link/session_harness.h"
@@ -400,6 +402,30 @@ TEST(DownloadSplitPoints, AnyChunkingGivesTheSameResult) {
         every.push_back(i);
     }
     EXPECT_EQ(FeedInChunks(stream, every), whole);
+}
+
+// The decoders' values put into a side copy of the configuration give the
+// store the session builds from the same bytes, damaged frames included.
+TEST(DownloadSplitPoints, DecodedValuesGiveTheSessionsStore) {
+    const std::string stream =
+        DownloadStream() +
+        Layout::Of(GroupBody(8, {{"First", {{1, 21}}}, {"Second", {}}}).Body() + "x").Finish() +
+        Layout::Of(ButtonBody(3, 0, 8, 16, {{"Desk", 5, {}}}).Body() + "zz").Finish();
+    Harness h;
+    h.store.ResetToDefaults();
+    h.Feed(stream);
+
+    PanelStore side;
+    side.ResetToDefaults();
+    FrameReader reader;
+    reader.Append(stream);
+    while (const auto event = reader.Next()) {
+        if (event->kind == FrameEvent::Kind::Frame) {
+            Decoded decoded = decode::Frame(event->bytes, side);
+            StorePart(side, decoded.part, std::move(decoded.value));
+        }
+    }
+    EXPECT_EQ(Dump(side), Dump(h.store));
 }
 
 } // namespace
