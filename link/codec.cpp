@@ -63,7 +63,7 @@ std::string DataRequest(uint32_t maskA, uint32_t maskB, uint32_t maskC) {
     m.push_back(Char(Command::DataRequest));
     wire::Append28(m, maskA);
     wire::Append28(m, maskB);
-    wire::Append14(m, static_cast<int>(maskC & 0x3FFF));
+    wire::Append14(m, static_cast<int>(maskC & kMax14Bit));
     m.append(4, '\0');
     wire::Finish(m);
     return m;

@@ -1,11 +1,12 @@
 #include "link/wire.h"
 
 #include "link/protocol.h"
+#include "model/limits.h"
 
 namespace lumeth::wire {
 
 void Append14(std::string& out, int value) {
-    const int v = value & 0x3FFF;
+    const int v = value & kMax14Bit;
     out.push_back(static_cast<char>(v & 127));
     out.push_back(static_cast<char>(v >> 7));
 }
