@@ -2,7 +2,7 @@
 
 namespace lumeth {
 
-void StorePart(PanelStore& store, Part part, PartValue value) {
+void StorePart(PanelStore& store, Part part, PartValue&& value) {
     const std::optional<SubType> subType = Info(part).subType;
     if (auto* alpha = std::get_if<AlphaTable>(&value)) {
         store.alpha(*subType) = std::move(*alpha);

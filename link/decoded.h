@@ -33,6 +33,10 @@ using PartValue = std::variant<std::monostate, std::string, AlphaTable, DisplayL
 // owner applies the value (the session to its store and pending masks, the
 // emulator to its state after checking an upload).
 struct Decoded {
+    // Written out so that making one does not zero the whole value first
+    // (the implicit constructor does, which a stream of small frames notices).
+    Decoded() {}
+
     // The part `value` belongs to.
     Part part = Part::Password;
     // Empty when the frame leaves the store as it was. Set with `complete`
@@ -53,6 +57,6 @@ struct Decoded {
 // Put a decoded part into `store`: an alpha table or display lists replace
 // those of the part's sub type, user groups and templates replace the whole
 // table. The password and an empty value leave the store alone.
-void StorePart(PanelStore& store, Part part, PartValue value);
+void StorePart(PanelStore& store, Part part, PartValue&& value);
 
 } // namespace lumeth

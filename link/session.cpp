@@ -36,16 +36,8 @@ void LinkSession::Receive(std::string_view bytes) {
     m_state.receiveBuffer.append(bytes);
 }
 
-std::string LinkSession::TrimBuffer(size_t count) {
-    std::string& buffer = m_state.receiveBuffer;
-    if (count >= buffer.size()) {
-        std::string all = std::move(buffer);
-        buffer.clear();
-        return all;
-    }
-    std::string head = buffer.substr(0, count);
-    buffer.erase(0, count);
-    return head;
+void LinkSession::DropFront(size_t count) {
+    m_state.receiveBuffer.erase(0, count);
 }
 
 void LinkSession::DecodeNext() {
@@ -71,7 +63,7 @@ void LinkSession::DecodeStep() {
         switch (front.kind) {
         case FrontOfBuffer::Kind::Garbage: {
             const bool nothingElse = front.length == buffer.size();
-            TrimBuffer(front.length);
+            DropFront(front.length);
             m_observer.WriteErrorLog("Invalid Data " + std::to_string(front.length) + " bytes",
                                      kFramingLocation);
             if (nothingElse) {
@@ -84,30 +76,36 @@ void LinkSession::DecodeStep() {
             // cut short and is dropped.
             m_observer.WriteErrorLog("Incomplete Message " + HexByte(front.command),
                                      kFramingLocation);
-            TrimBuffer(front.length);
+            DropFront(front.length);
             continue;
         case FrontOfBuffer::Kind::Partial:
             return; // the rest of the frame has not arrived yet
         case FrontOfBuffer::Kind::Frame:
-            Handle(TrimBuffer(front.length));
+            HandleFront(front.length);
             return;
         }
     }
 }
 
-void LinkSession::Handle(const std::string& frame) {
-    const auto command = static_cast<uint8_t>(frame[0]);
-    if (command == Byte(Command::Poll)) {
-        Queue(std::string(1, Char(Command::PollAnswer)));
-    }
+void LinkSession::HandleFront(size_t length) {
+    const std::string& buffer = m_state.receiveBuffer;
+    const auto command = static_cast<uint8_t>(buffer[0]);
     if (IsOneByte(command)) {
+        DropFront(1);
+        if (command == Byte(Command::Poll)) {
+            Queue(std::string(1, Char(Command::PollAnswer)));
+        }
         m_state.acknowledged = false;
         return;
     }
-    Apply(decode::Frame(frame, m_store));
+    // Decoding only reads the frame: it is decoded where it lies and taken
+    // out of the buffer before anything is reported or stored.
+    Decoded decoded = decode::Frame(std::string_view(buffer).substr(0, length), m_store);
+    DropFront(length);
+    Apply(std::move(decoded));
 }
 
-void LinkSession::Apply(Decoded decoded) {
+void LinkSession::Apply(Decoded&& decoded) {
     for (const Problem& problem : decoded.problems) {
         if (const auto* line = std::get_if<LogLine>(&problem)) {
             m_observer.WriteErrorLog(line->message, line->location);
@@ -127,7 +125,7 @@ void LinkSession::Apply(Decoded decoded) {
     if (auto* password = std::get_if<std::string>(&decoded.value)) {
         m_state.serverPassword = std::move(*password);
         m_state.passwordReceived = true;
-    } else {
+    } else if (!std::holds_alternative<std::monostate>(decoded.value)) {
         StorePart(m_store, part, std::move(decoded.value));
     }
     if (!decoded.complete) {

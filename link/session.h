@@ -45,9 +45,6 @@ public:
     void Receive(std::string_view bytes);
     // Decode and handle at most one message from the front of the buffer.
     void DecodeNext();
-    // Remove and return the first `count` bytes of the receive buffer (all of
-    // it when `count` reaches past its end).
-    std::string TrimBuffer(size_t count);
     bool BufferEmpty() const { return m_state.receiveBuffer.empty(); }
 
     // Messages queued for sending, oldest first; the queue is emptied.
@@ -79,11 +76,14 @@ public:
 
 private:
     void DecodeStep();
-    // One whole frame cut from the buffer.
-    void Handle(const std::string& frame);
+    // Remove the first `count` bytes of the receive buffer.
+    void DropFront(size_t count);
+    // Handle the whole frame of `length` bytes at the front of the buffer
+    // and remove it.
+    void HandleFront(size_t length);
     // Report what a decoded frame found, store its value and settle its
     // request bit.
-    void Apply(Decoded decoded);
+    void Apply(Decoded&& decoded);
 
     PanelStore& m_store;
     LinkState& m_state;
