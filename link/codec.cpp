@@ -200,7 +200,7 @@ std::string BuildTemplates(const TemplateTable& templates, Status& status) {
     std::string m;
     m.push_back(Char(Command::ButtonData));
     AppendByte(m, 0x7F);
-    AppendByte(m, 0x52);
+    m.push_back(kButtonDataMarker);
     wire::Append14(m, static_cast<int>(t)); // X: size of the template table
     wire::Append14(m, static_cast<int>(t)); // M: templates carried
     wire::Append14(m, 0);                   // F: first position carried

@@ -371,7 +371,7 @@ Decoded ButtonTemplates(std::string_view message, const TemplateTable& current) 
             Log(d, "48QX Check Sum Error", "Button Data");
             return; // deliberately no re-request
         }
-        if (message.size() < 3 || message[2] != 0x52) {
+        if (message.size() < 3 || message[2] != kButtonDataMarker) {
             return;
         }
         MessageReader r(message, 3, d.problems);

@@ -23,6 +23,9 @@ enum class Command : uint8_t {
     ButtonData = 0xFD,   // button templates, both ways
 };
 inline constexpr uint8_t kEndMarker = 0xFF;
+// Byte 2 of a button data message ("R"); the receiver ignores a message
+// without it.
+inline constexpr char kButtonDataMarker = 0x52;
 
 constexpr uint8_t Byte(Command c) {
     return static_cast<uint8_t>(c);
