@@ -7,6 +7,7 @@
 #include "link/decoders.h"
 #include "link/frame_reader.h"
 #include "link/protocol.h"
+#include "link/wire.h"
 
 namespace lumeth {
 
@@ -16,16 +17,6 @@ namespace {
 constexpr std::string_view kFramingLocation = "Receive Buffer";
 // Activity-log location of the download milestones.
 constexpr std::string_view kActivityLocation = "Server Module Download";
-
-std::string HexByte(uint8_t b) {
-    static const char* const kDigits = "0123456789ABCDEF";
-    std::string out;
-    if (b >= 16) {
-        out.push_back(kDigits[b >> 4]);
-    }
-    out.push_back(kDigits[b & 15]);
-    return out;
-}
 
 } // namespace
 
@@ -74,7 +65,7 @@ void LinkSession::DecodeStep() {
         case FrontOfBuffer::Kind::Cut:
             // A new command byte inside the frame: the frame before it was
             // cut short and is dropped.
-            m_observer.WriteErrorLog("Incomplete Message " + HexByte(front.command),
+            m_observer.WriteErrorLog("Incomplete Message " + wire::HexByte(front.command),
                                      kFramingLocation);
             DropFront(front.length);
             continue;

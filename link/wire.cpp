@@ -41,6 +41,11 @@ uint8_t Checksum(std::string_view message, int tail) {
     return static_cast<uint8_t>(sum);
 }
 
+std::string HexByte(uint8_t b) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    return {kDigits[b >> 4], kDigits[b & 15]};
+}
+
 void Finish(std::string& message) {
     message.push_back(static_cast<char>(Checksum(message, 0)));
     message.push_back(static_cast<char>(kEndMarker));

@@ -26,6 +26,9 @@ uint32_t Read28(std::string_view bytes);
 // A range that is empty (or a message shorter than the tail) sums to 0.
 uint8_t Checksum(std::string_view message, int tail);
 
+// "DF": a byte as two upper-case hexadecimal digits, for log lines.
+std::string HexByte(uint8_t b);
+
 // Append checksum (tail 0) and the end marker to a message being built.
 void Finish(std::string& message);
 

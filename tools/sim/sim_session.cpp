@@ -1,20 +1,13 @@
 #include "tools/sim/sim_session.h"
 
-#include <cstdio>
-
 #include "link/codec.h"
 #include "link/decoders.h"
 #include "link/protocol.h"
+#include "link/wire.h"
 
 namespace lumeth::sim {
 
 namespace {
-
-std::string HexByte(uint8_t b) {
-    char text[4];
-    std::snprintf(text, sizeof text, "%02X", b);
-    return text;
-}
 
 // The problems the administrator's decoder found in an upload, for the log.
 std::string Describe(const std::vector<Problem>& problems) {
@@ -42,7 +35,7 @@ std::string Hex(std::string_view bytes) {
         if (!out.empty()) {
             out.push_back(' ');
         }
-        out += HexByte(static_cast<uint8_t>(c));
+        out += wire::HexByte(static_cast<uint8_t>(c));
     }
     return out;
 }
@@ -97,12 +90,12 @@ void SimSession::Handle(const FrameEvent& event) {
         break;
     case FrameEvent::Kind::Cut:
         ++m_stats.cutFrames;
-        Log("Incomplete Message " + HexByte(event.command) + " (" + std::to_string(event.dropped) +
-            " bytes dropped)");
+        Log("Incomplete Message " + wire::HexByte(event.command) + " (" +
+            std::to_string(event.dropped) + " bytes dropped)");
         break;
     case FrameEvent::Kind::Overlong:
         ++m_stats.cutFrames;
-        Log("frame " + HexByte(event.command) + " longer than " +
+        Log("frame " + wire::HexByte(event.command) + " longer than " +
             std::to_string(event.dropped - 1) + " bytes without an end marker, dropped");
         break;
     }
@@ -141,8 +134,8 @@ void SimSession::HandleFrame(const std::string& frame) {
         break;
     }
     ++m_stats.badFrames;
-    Log("unknown command " + HexByte(Byte(command)) + " dropped (" + std::to_string(frame.size()) +
-        " bytes)");
+    Log("unknown command " + wire::HexByte(Byte(command)) + " dropped (" +
+        std::to_string(frame.size()) + " bytes)");
 }
 
 void SimSession::HandleRequest(const std::string& frame) {
@@ -163,7 +156,7 @@ void SimSession::HandleUpload(const std::string& frame) {
     // The administrator's own decoder decides whether the message is valid;
     // what it would ask for again is ignored.
     Decoded decoded = decode::Frame(frame, m_state.store());
-    const std::string name = "upload " + HexByte(static_cast<uint8_t>(frame[0]));
+    const std::string name = "upload " + wire::HexByte(static_cast<uint8_t>(frame[0]));
     if (!decoded.complete) {
         ++m_stats.uploadsRejected;
         const std::string problems = Describe(decoded.problems);
