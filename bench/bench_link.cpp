@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "link/codec.h"
+#include "link/decoders.h"
 #include "link/session.h"
 #include "model/alpha_sort.h"
 #include "tests/link/alpha_sort_reference.h"
@@ -49,17 +50,15 @@ std::vector<std::string> TiedNames(size_t n) {
 void BM_AlphaDownload(benchmark::State& state) {
     const auto n = static_cast<size_t>(state.range(0));
     const std::string message = codec::AlphaTableMessage(SubType::Input, TiedNames(n), 12);
+    const PanelStore store;
     for (auto _ : state) {
-        PanelStore store;
-        LinkState link;
-        NullObserver observer;
-        LinkSession session(store, link, observer);
-        session.Receive(message);
-        session.DecodeNext();
-        if (store.alpha(SubType::Input).count != static_cast<int16_t>(n)) {
+        const Decoded decoded = decode::AlphaTable(message, store);
+        const auto* table = std::get_if<AlphaTable>(&decoded.value);
+        if (!decoded.complete || table == nullptr || table->count != static_cast<int16_t>(n)) {
             state.SkipWithError("alpha table not accepted");
+            break;
         }
-        benchmark::DoNotOptimize(store.alpha(SubType::Input).names.data());
+        benchmark::DoNotOptimize(table->names.data());
     }
 }
 BENCHMARK(BM_AlphaDownload)->Arg(1024)->Arg(4096)->Arg(16383)->Unit(benchmark::kMillisecond);
@@ -91,21 +90,16 @@ BENCHMARK(BM_AlphaSortLiteral)
 // requests and unknown commands, arriving in 4 KB reads as from a socket.
 void BM_DecodeSmallFrames(benchmark::State& state) {
     std::string stream;
-    const std::string password = [] {
-        std::string m = "\x80\x05\x03pw1";
-        m.push_back(static_cast<char>((5 + 3 + 'p' + 'w' + '1') % 128));
-        m.push_back(static_cast<char>(0xFF));
-        return m;
-    }();
+    const std::string password = codec::PasswordMessage("pw1");
     const std::string request = codec::DataRequest(0, 0, 0);
     constexpr int kFrames = 100000;
     for (int i = 0; i < kFrames; ++i) {
         switch (i % 5) {
         case 0:
-            stream += '\xF5';
+            stream += Char(Command::Poll);
             break;
         case 1:
-            stream += '\xF1';
+            stream += Char(Command::Acknowledge1);
             break;
         case 2:
             stream += password;
@@ -151,15 +145,12 @@ PanelStore LargeConfiguration() {
 }
 
 void BM_BuildApplyMessages(benchmark::State& state) {
-    PanelStore store = LargeConfiguration();
-    LinkState link;
-    NullObserver observer;
-    LinkSession session(store, link, observer);
+    const PanelStore store = LargeConfiguration();
     int64_t bytes = 0;
     for (auto _ : state) {
-        const auto messages = session.BuildApplyMessages();
+        const auto messages = codec::UploadMessages(store);
         for (const auto& m : messages) {
-            bytes += static_cast<int64_t>(m.size());
+            bytes += static_cast<int64_t>(m.message.size());
         }
         benchmark::DoNotOptimize(messages.data());
     }

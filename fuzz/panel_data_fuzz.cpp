@@ -28,7 +28,8 @@ void CheckShape(const lumeth::PanelStore& s) {
     Check(s.groups.userGroups.size() >= groups && s.groups.userGroupNames.size() >= groups &&
           s.groups.userGroupIndex.size() >= groups && s.groups.userGroupNumber.size() >= groups);
     const size_t templates = lumeth::ArraySizeFor(s.templates.templateCount);
-    Check(s.templates.buttonTemplates.size() >= templates && s.templates.templateNames.size() >= templates);
+    Check(s.templates.buttonTemplates.size() >= templates &&
+          s.templates.templateNames.size() >= templates);
     for (const auto& t : s.templates.buttonTemplates) {
         Check(t.buttons.size() >= lumeth::ArraySizeFor(t.buttonCount));
     }

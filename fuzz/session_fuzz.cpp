@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "link/codec.h"
+#include "link/frame_reader.h"
+#include "link/protocol.h"
 #include "link/session.h"
 
 namespace {
@@ -33,10 +34,9 @@ void CheckLeftover(const std::string& buffer) {
     if (buffer.empty()) {
         return;
     }
-    const auto first = static_cast<unsigned char>(buffer[0]);
-    Check(first >= 0x80);
-    Check(first != 0xF1 && first != 0xF3 && first != 0xF4 && first != 0xF5);
-    Check(lumeth::codec::FindEndOfMessage(buffer) == 0);
+    const auto front = lumeth::ReadFront(buffer, lumeth::CutRule::OnceEndArrives);
+    Check(front.kind == lumeth::FrontOfBuffer::Kind::Partial);
+    Check(!lumeth::IsOneByte(front.command));
 }
 
 void CheckStore(const lumeth::PanelStore& s) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "link/protocol.h"
 #include "tools/sim/sim_session.h"
 #include "tools/sim/sim_state.h"
 
@@ -29,17 +30,17 @@ const lumeth::sim::SimState& Template() {
 }
 
 void CheckFrame(const std::string& m) {
-    if (m.empty() || (static_cast<uint8_t>(m[0]) & 0x80u) == 0) {
+    if (m.empty() || !lumeth::HasTopBit(static_cast<uint8_t>(m[0]))) {
         std::abort();
     }
     if (m.size() == 1) {
         return;
     }
-    if (static_cast<uint8_t>(m.back()) != 0xFF) {
+    if (static_cast<uint8_t>(m.back()) != lumeth::kEndMarker) {
         std::abort();
     }
     for (size_t i = 1; i + 1 < m.size(); ++i) {
-        if ((static_cast<uint8_t>(m[i]) & 0x80u) != 0) {
+        if (lumeth::HasTopBit(static_cast<uint8_t>(m[i]))) {
             std::abort();
         }
     }

@@ -195,7 +195,7 @@ void Connection::SendPassword() {
 }
 
 std::vector<bool> Connection::Apply() {
-    const std::vector<LinkSession::ApplyStep> steps = m_session.BuildApplySteps();
+    const std::vector<codec::Upload> steps = m_session.BuildApplySteps();
     std::vector<bool> written(steps.size(), false);
     for (size_t i = 0; i < steps.size(); ++i) {
         if (i > 0) {

@@ -5,17 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "link/codec.h"
 #include "link/message_reader.h"
-#include "link/session.h"
+#include "link/protocol.h"
 #include "link/wire.h"
 #include "model/alpha_sort.h"
+#include "model/limits.h"
 
 namespace lumeth::decode {
 
 namespace {
 
-// Where a handler's unexpected failures are reported.
+// Where a decoder's unexpected failures are reported.
 struct ErrorSite {
     std::string_view location;
     std::string_view category;
@@ -27,65 +27,34 @@ constexpr ErrorSite kListSite{"Error Receiving Display Lists", "48QX Message Err
 constexpr ErrorSite kGroupSite{"Error Receiving Group Data", "48QX Message Error"};
 constexpr ErrorSite kButtonSite{"Error Receiving Button Data", "48QX Message Error"};
 
-// Activity-log location of the download milestones.
-constexpr std::string_view kActivityLocation = "Server Module Download";
-
-void Report(SessionObserver& observer, const ErrorSite& site, ErrorCode code, std::string detail) {
-    observer.ReportError(site.location, site.category, Failure{code, std::move(detail)});
+void Report(Decoded& d, const ErrorSite& site, ErrorCode code, std::string detail) {
+    d.problems.push_back(ErrorReport{std::string(site.location), std::string(site.category),
+                                     Failure{code, std::move(detail)}});
 }
 
-void ReportShortRead(SessionObserver& observer, const ErrorSite& site, const MessageReader& r,
+void ReportShortRead(Decoded& d, const ErrorSite& site, const MessageReader& r,
                      std::string_view what) {
-    Report(observer, site, ErrorCode::InvalidProcedureCall,
+    Report(d, site, ErrorCode::InvalidProcedureCall,
            std::string(what) + " runs past the end of the message (at byte " +
                std::to_string(r.position()) + ")");
 }
 
-// Runs a handler body; anything thrown (allocation failure, a broken
-// invariant) is reported under the handler's own texts instead of leaving
-// the decode step.
-template <typename Body>
-void Guarded(SessionObserver& observer, const ErrorSite& site, Body&& body) {
+void Log(Decoded& d, std::string_view message, std::string_view location) {
+    d.problems.push_back(LogLine{std::string(message), std::string(location)});
+}
+
+// Runs a decoder body; anything thrown (allocation failure, a broken
+// invariant) is reported under the decoder's own texts.
+template <typename Body> Decoded Guarded(const ErrorSite& site, Body&& body) {
+    Decoded d;
     try {
-        body();
+        body(d);
     } catch (const std::bad_alloc&) {
-        Report(observer, site, ErrorCode::OutOfMemory, "allocation failed");
+        Report(d, site, ErrorCode::OutOfMemory, "allocation failed");
     } catch (const std::exception& e) {
-        Report(observer, site, ErrorCode::InvalidProcedureCall, e.what());
+        Report(d, site, ErrorCode::InvalidProcedureCall, e.what());
     }
-}
-
-struct AlphaKind {
-    std::string_view text;
-    uint32_t pendingBit;
-};
-
-AlphaKind AlphaKindOf(SubType s) {
-    switch (s) {
-    case SubType::Input:
-        return {"Input Alphas", request::kInputAlphas};
-    case SubType::Output:
-        return {"Output Alphas", request::kOutputAlphas};
-    case SubType::Opto:
-        return {"Opto Alphas", request::kOptoAlphas};
-    case SubType::Relay:
-        return {"Relay Alphas", request::kRelayAlphas};
-    }
-    return {"", 0};
-}
-
-AlphaKind ListKindOf(SubType s) {
-    switch (s) {
-    case SubType::Input:
-        return {"Source Display Lists", request::kInputLists};
-    case SubType::Output:
-        return {"Destination Display Lists", request::kOutputLists};
-    case SubType::Opto:
-        return {"Opto Display Lists", request::kOptoLists};
-    case SubType::Relay:
-        return {"Relay Display Lists", request::kRelayLists};
-    }
-    return {"", 0};
+    return d;
 }
 
 std::string ChecksumDetail(std::string_view message) {
@@ -95,7 +64,108 @@ std::string ChecksumDetail(std::string_view message) {
            std::to_string(wire::Checksum(message, 2));
 }
 
-void ReadButtonTemplates(LinkSession& session, SessionObserver& observer, std::string_view message);
+// A checksum failure that asks for the part again.
+void ChecksumFailed(Decoded& d, Part part, std::string_view category, std::string_view message) {
+    d.problems.push_back(ErrorReport{"48QX Check Sum Error", std::string(category),
+                                     Failure{ErrorCode::None, ChecksumDetail(message)}});
+    d.again = part;
+}
+
+// Sorts the names of a freshly read table and indexes them by channel. A
+// channel number outside the table leaves `table` unsorted and fails.
+bool SortAndIndex(lumeth::AlphaTable& table, Decoded& d) {
+    const size_t n = table.channelNames.size();
+    table.names = table.channelNames;
+    ExchangeSortAlphas(table.names, table.numbers);
+    table.positionOf.assign(n, 0);
+    for (size_t k = 0; k < n; ++k) {
+        const int channel = table.numbers[k];
+        if (channel < 0 || static_cast<size_t>(channel) >= n) {
+            Report(d, kAlphaSite, ErrorCode::SubscriptOutOfRange,
+                   "channel number " + std::to_string(channel) + " in a table of " +
+                       std::to_string(n));
+            return false;
+        }
+        table.positionOf[static_cast<size_t>(channel)] = static_cast<int16_t>(k);
+    }
+    table.count = static_cast<int16_t>(n);
+    return true;
+}
+
+// The records of one group, after its name; false on a short read.
+bool ReadGroupLists(MessageReader& r, UserGroup& group, size_t& expected) {
+    const int l = r.U14();
+    if (r.failed() || !r.Need(4 * static_cast<size_t>(l))) {
+        return false;
+    }
+    group.listCount = static_cast<int16_t>(l);
+    if (l > 0) {
+        group.listIndexes.assign(static_cast<size_t>(l), 0);
+        group.listTypes.assign(static_cast<size_t>(l), 0);
+        for (size_t e = 0; e < static_cast<size_t>(l); ++e) {
+            group.listIndexes[e] = static_cast<int16_t>(r.U14());
+            group.listTypes[e] = static_cast<int16_t>(r.U14());
+        }
+    }
+    expected += 4 * static_cast<size_t>(l);
+    return true;
+}
+
+// Number, button count and buttons of one template, after its name; false on
+// a short read.
+bool ReadTemplate(MessageReader& r, ButtonTemplate& tpl, size_t labelWidth, size_t& expected) {
+    tpl.number = static_cast<int16_t>(r.U14());
+    const int b = r.U14();
+    // Each button carries at least its four 14-bit fields.
+    if (r.failed() || !r.Need(8 * static_cast<size_t>(b))) {
+        return false;
+    }
+    tpl.buttonCount = static_cast<int16_t>(b);
+    tpl.buttons.assign(ArraySizeFor(b), PanelButton{});
+    for (size_t k = 0; k < static_cast<size_t>(b); ++k) {
+        PanelButton& button = tpl.buttons[k];
+        button.type = static_cast<int16_t>(r.U14());
+        button.captionOption = static_cast<int16_t>(r.U14());
+        button.channel = static_cast<int16_t>(r.U14());
+        button.channel2 = static_cast<int16_t>(r.U14());
+        button.label = r.Name(labelWidth);
+    }
+    expected += static_cast<size_t>(b) * (8 + labelWidth);
+    return !r.failed();
+}
+
+struct TemplateHeader {
+    int size;  // X: the size of the template table
+    int count; // M: templates carried
+    int first; // F: position of the first one
+    size_t labelWidth;
+    size_t nameWidth;
+};
+
+// The templates of a message whose header was read, written into `table` as
+// they are read (the records into `records`), adding their lengths to
+// `expected`; false on a failure, reported.
+bool ReadTemplates(MessageReader& r, const TemplateHeader& h, TemplateTable& table,
+                   std::vector<ButtonTemplate>& records, size_t& expected, Decoded& d) {
+    for (int t = h.first; t < h.first + h.count; ++t) {
+        std::string name = r.Name(h.nameWidth);
+        if (t >= h.size) {
+            Report(d, kButtonSite, ErrorCode::SubscriptOutOfRange,
+                   "template position " + std::to_string(t) + " in a table of " +
+                       std::to_string(h.size));
+            return false;
+        }
+        const auto at = static_cast<size_t>(t);
+        table.templateNames[at] = std::move(name);
+        table.templateIndex[at] = static_cast<int16_t>(t);
+        table.templatePosition[at] = static_cast<int16_t>(t);
+        if (!ReadTemplate(r, records[at], h.labelWidth, expected)) {
+            ReportShortRead(d, kButtonSite, r, "template " + std::to_string(t));
+            return false;
+        }
+    }
+    return true;
+}
 
 } // namespace
 
@@ -106,130 +176,128 @@ bool ChecksumMatches(std::string_view message) {
     return wire::Checksum(message, 2) == static_cast<unsigned char>(message[message.size() - 2]);
 }
 
-void Password(LinkSession& session, SessionObserver& observer, std::string_view message) {
-    Guarded(observer, kPasswordSite, [&] {
+Decoded Frame(std::string_view frame, const PanelStore& current) {
+    if (frame.empty()) {
+        return {};
+    }
+    switch (static_cast<Command>(static_cast<uint8_t>(frame[0]))) {
+    case Command::Password:
+        return Password(frame);
+    case Command::Identity:
+        return Identity(frame);
+    case Command::UserGroups:
+        return UserGroups(frame, current.groups);
+    case Command::DisplayLists:
+        return DisplayLists(frame);
+    case Command::AlphaTable:
+        return AlphaTable(frame, current);
+    case Command::ButtonData:
+        return ButtonTemplates(frame, current.templates);
+    default:
+        return {}; // a server's data request (any length) or an unknown command
+    }
+}
+
+Decoded Password(std::string_view message) {
+    return Guarded(kPasswordSite, [&](Decoded& d) {
+        d.part = Part::Password;
         if (message.size() < 3) {
-            Report(observer, kPasswordSite, ErrorCode::InvalidProcedureCall,
+            Report(d, kPasswordSite, ErrorCode::InvalidProcedureCall,
                    "password answer without a length byte");
             return;
         }
         const size_t length = static_cast<unsigned char>(message[2]);
         if (message.size() != length + 5 || !ChecksumMatches(message)) {
-            session.RequestData(request::kPassword, 0, 0);
+            d.again = Part::Password;
             return;
         }
-        LinkState& state = session.state();
-        state.serverPassword = std::string(message.substr(3, length));
-        state.passwordReceived = true;
-        state.pendingA &= ~request::kPassword;
-        observer.PartReceived(Part::Password);
+        d.value = std::string(message.substr(3, length));
+        d.complete = true;
     });
 }
 
-void Identity(LinkSession& session, SessionObserver& /*observer*/, std::string_view message) {
-    if (message.size() != 4 && message.size() != 5) {
-        return;
-    }
-    if (!ChecksumMatches(message) || message[1] != 'd') {
-        return;
-    }
-    session.Queue(codec::IdentityAnswer());
-    session.RequestEverything();
+Decoded Identity(std::string_view message) {
+    Decoded d;
+    d.identityQuery = (message.size() == 4 || message.size() == 5) && ChecksumMatches(message) &&
+                      message[1] == 'd';
+    return d;
 }
 
-void AlphaTable(LinkSession& session, SessionObserver& observer, std::string_view message) {
-    Guarded(observer, kAlphaSite, [&] {
+Decoded AlphaTable(std::string_view message, const PanelStore& current) {
+    return Guarded(kAlphaSite, [&](Decoded& d) {
         if (!ChecksumMatches(message)) {
             return; // dropped silently; the pending bit stays set
         }
-        MessageReader r(message, 1, observer);
+        MessageReader r(message, 1, d.problems);
         const int code = r.Byte();
         const size_t width = static_cast<size_t>(r.Byte());
         const int count = r.U14();
         const int start = r.U14();
         if (r.failed()) {
-            ReportShortRead(observer, kAlphaSite, r, "alpha table header");
+            ReportShortRead(d, kAlphaSite, r, "alpha table header");
             return;
         }
         const size_t n = static_cast<size_t>(count);
-        if (message.size() != n * (width + 2) + 9) {
-            return; // wrong length: dropped silently
-        }
         const auto subType = SubTypeFromAlphaCode(code);
-        if (!subType) {
-            return; // unknown code: nothing stored, no bit cleared
+        if (message.size() != n * (width + 2) + 9 || !subType) {
+            return; // wrong length or unknown code: dropped silently
         }
-
-        std::vector<std::string> channelNames(n);
-        std::vector<int16_t> numbers(n, 0);
+        d.part = AlphasPart(*subType);
+        lumeth::AlphaTable table;
+        table.channelNames.resize(n);
+        table.numbers.assign(n, 0);
         for (size_t i = static_cast<size_t>(start); i < n; ++i) {
-            MessageReader record(message, 7 + i * (width + 2), observer);
-            channelNames[i] = record.Text(width);
-            numbers[i] = static_cast<int16_t>(record.U14());
+            MessageReader record(message, 7 + i * (width + 2), d.problems);
+            table.channelNames[i] = record.Text(width);
+            table.numbers[i] = static_cast<int16_t>(record.U14());
         }
-
-        lumeth::AlphaTable& table = session.store().alpha(*subType);
-        table.channelNames = channelNames;
-
-        std::vector<std::string> names = std::move(channelNames);
-        ExchangeSortAlphas(names, numbers);
-        std::vector<int16_t> positionOf(n, 0);
-        for (size_t k = 0; k < n; ++k) {
-            const int channel = numbers[k];
-            if (channel < 0 || static_cast<size_t>(channel) >= n) {
-                Report(observer, kAlphaSite, ErrorCode::SubscriptOutOfRange,
-                       "channel number " + std::to_string(channel) + " in a table of " +
-                           std::to_string(n));
-                return;
-            }
-            positionOf[static_cast<size_t>(channel)] = static_cast<int16_t>(k);
+        if (!SortAndIndex(table, d)) {
+            // Only the names in channel order were taken.
+            lumeth::AlphaTable partial = current.alpha(*subType);
+            partial.channelNames = std::move(table.channelNames);
+            d.value = std::move(partial);
+            return;
         }
-
-        table.names = std::move(names);
-        table.numbers = std::move(numbers);
-        table.positionOf = std::move(positionOf);
-        table.count = static_cast<int16_t>(n);
-        const AlphaKind kind = AlphaKindOf(*subType);
-        session.state().pendingA &= ~kind.pendingBit;
-        observer.LogActivity(kind.text, kActivityLocation);
-        observer.PartReceived(AlphasPart(*subType));
+        d.value = std::move(table);
+        d.complete = true;
     });
 }
 
-void DisplayLists(LinkSession& session, SessionObserver& observer, std::string_view message) {
-    Guarded(observer, kListSite, [&] {
+Decoded DisplayLists(std::string_view message) {
+    return Guarded(kListSite, [&](Decoded& d) {
         const auto subType =
             SubTypeFromListCode(message.size() > 1 ? static_cast<unsigned char>(message[1]) : -1);
         if (!subType) {
-            Report(observer, kListSite, ErrorCode::SubscriptOutOfRange,
+            Report(d, kListSite, ErrorCode::SubscriptOutOfRange,
                    "unknown display list sub type code");
             return;
         }
-        const AlphaKind kind = ListKindOf(*subType);
+        d.part = ListsPart(*subType);
+        const std::string_view text = Info(d.part).logText;
         if (!ChecksumMatches(message)) {
-            observer.ReportError("48QX Check Sum Error", kind.text,
-                                 Failure{ErrorCode::None, ChecksumDetail(message)});
-            session.RequestData(0, 0, kind.pendingBit);
+            ChecksumFailed(d, d.part, text, message);
             return;
         }
 
-        MessageReader r(message, 2, observer);
-        const size_t n = static_cast<size_t>(r.U14());
+        MessageReader r(message, 2, d.problems);
+        const int n = r.U14();
         r.U14(); // not used
         const size_t width = static_cast<size_t>(r.Byte());
         if (r.failed()) {
-            ReportShortRead(observer, kListSite, r, "display list header");
+            ReportShortRead(d, kListSite, r, "display list header");
             return;
         }
-        size_t expected = 9 + 2 * n;
-        std::vector<DisplayList> lists(ArraySizeFor(static_cast<int>(n)));
-        for (size_t i = 0; i < n; ++i) {
+        DisplayListTable table;
+        table.displayListCount = static_cast<int16_t>(n);
+        table.Resize(n);
+        size_t expected = 9 + 2 * static_cast<size_t>(n);
+        for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
             const int k = r.U14();
             if (!r.Need(2 * static_cast<size_t>(k))) {
-                ReportShortRead(observer, kListSite, r, "display list " + std::to_string(i));
+                ReportShortRead(d, kListSite, r, "display list " + std::to_string(i));
                 return;
             }
-            DisplayList& list = lists[i];
+            DisplayList& list = table.displayLists[i];
             list.channelCount = static_cast<int16_t>(k);
             list.channels.assign(ArraySizeFor(k), 0);
             for (int c = 0; c < k; ++c) {
@@ -239,169 +307,105 @@ void DisplayLists(LinkSession& session, SessionObserver& observer, std::string_v
             expected += 2 * static_cast<size_t>(k) + width;
         }
         if (r.failed()) {
-            ReportShortRead(observer, kListSite, r, "display list");
+            ReportShortRead(d, kListSite, r, "display list");
             return;
         }
         if (message.size() != expected) {
-            observer.WriteErrorLog("Message Length Error", kind.text);
+            Log(d, "Message Length Error", text);
             return;
         }
-        observer.LogActivity(kind.text, kActivityLocation);
-        session.store().lists(*subType) = std::move(lists);
-        session.store().listCount(*subType) = static_cast<int16_t>(n);
-        session.state().pendingC &= ~kind.pendingBit;
-        observer.PartReceived(ListsPart(*subType));
+        d.value = std::move(table);
+        d.complete = true;
     });
 }
 
-void UserGroups(LinkSession& session, SessionObserver& observer, std::string_view message) {
-    Guarded(observer, kGroupSite, [&] {
+Decoded UserGroups(std::string_view message, const UserGroupTable& current) {
+    return Guarded(kGroupSite, [&](Decoded& d) {
+        d.part = Part::UserGroups;
         if (!ChecksumMatches(message)) {
-            observer.ReportError("48QX Check Sum Error", "",
-                                 Failure{ErrorCode::None, ChecksumDetail(message)});
-            session.RequestData(0, 0, request::kUserGroups);
+            // The title is only filled in on success, so it is blank here.
+            ChecksumFailed(d, d.part, "", message);
             return;
         }
-        MessageReader r(message, 2, observer);
+        MessageReader r(message, 2, d.problems);
         const int g = r.U14();
         r.U14(); // not used
         const size_t width = static_cast<size_t>(r.Byte());
         if (r.failed()) {
-            ReportShortRead(observer, kGroupSite, r, "group header");
+            ReportShortRead(d, kGroupSite, r, "group header");
             return;
         }
 
-        // The store is written as the groups are read: a message that turns
-        // out too long or too short leaves the groups read so far in place.
-        PanelStore& store = session.store();
-        store.groups.userGroupCount = static_cast<int16_t>(g);
+        // The groups are taken as they are read: a message that turns out
+        // too long or too short leaves the groups read so far in place.
+        UserGroupTable table = current;
+        table.userGroupCount = static_cast<int16_t>(g);
         if (g > 0) {
-            store.groups.Resize(g);
+            table.Resize(g);
         }
         size_t expected = 9 + static_cast<size_t>(g) * (width + 2);
         for (int i = 0; i < g; ++i) {
             const auto at = static_cast<size_t>(i);
-            store.groups.userGroupNames[at] = r.Name(width);
-            store.groups.userGroupIndex[at] = static_cast<int16_t>(i);
-            store.groups.userGroupNumber[at] = static_cast<int16_t>(i);
-            const int l = r.U14();
-            if (r.failed() || !r.Need(4 * static_cast<size_t>(l))) {
-                ReportShortRead(observer, kGroupSite, r, "group " + std::to_string(i));
+            table.userGroupNames[at] = r.Name(width);
+            table.userGroupIndex[at] = static_cast<int16_t>(i);
+            table.userGroupNumber[at] = static_cast<int16_t>(i);
+            if (!ReadGroupLists(r, table.userGroups[at], expected)) {
+                ReportShortRead(d, kGroupSite, r, "group " + std::to_string(i));
+                d.value = std::move(table);
                 return;
             }
-            UserGroup& group = store.groups.userGroups[at];
-            group.listCount = static_cast<int16_t>(l);
-            if (l > 0) {
-                group.listIndexes.assign(static_cast<size_t>(l), 0);
-                group.listTypes.assign(static_cast<size_t>(l), 0);
-                for (size_t e = 0; e < static_cast<size_t>(l); ++e) {
-                    group.listIndexes[e] = static_cast<int16_t>(r.U14());
-                    group.listTypes[e] = static_cast<int16_t>(r.U14());
-                }
-            }
-            expected += 4 * static_cast<size_t>(l);
         }
         if (message.size() != expected) {
-            observer.WriteErrorLog("Message Length Error", "");
-            return;
+            Log(d, "Message Length Error", "");
+        } else {
+            d.complete = true;
         }
-        observer.LogActivity("Group Data", kActivityLocation);
-        session.state().pendingC &= ~request::kUserGroups;
-        observer.PartReceived(Part::UserGroups);
+        d.value = std::move(table);
     });
 }
 
-void ButtonTemplates(LinkSession& session, SessionObserver& observer, std::string_view message) {
-    ReadButtonTemplates(session, observer, message);
-    // A message that failed after the names were resized leaves the old
-    // records; they follow the names' length so the parallel arrays stay
-    // the same size.
-    PanelStore& store = session.store();
-    if (store.templates.buttonTemplates.size() != store.templates.templateNames.size()) {
-        store.templates.buttonTemplates.resize(store.templates.templateNames.size());
-    }
-}
-
-namespace {
-
-void ReadButtonTemplates(LinkSession& session, SessionObserver& observer,
-                         std::string_view message) {
-    Guarded(observer, kButtonSite, [&] {
+Decoded ButtonTemplates(std::string_view message, const TemplateTable& current) {
+    return Guarded(kButtonSite, [&](Decoded& d) {
+        d.part = Part::Templates;
         if (!ChecksumMatches(message)) {
-            observer.WriteErrorLog("48QX Check Sum Error", "Button Data");
+            Log(d, "48QX Check Sum Error", "Button Data");
             return; // deliberately no re-request
         }
-        if (message.size() < 3 || message[2] != 0x52) {
+        if (message.size() < 3 || message[2] != kButtonDataMarker) {
             return;
         }
-        MessageReader r(message, 3, observer);
-        const int x = r.U14();
-        const int m = r.U14();
-        const int f = r.U14();
-        const size_t labelWidth = static_cast<size_t>(r.Byte());
-        const size_t nameWidth = static_cast<size_t>(r.Byte());
+        MessageReader r(message, 3, d.problems);
+        TemplateHeader h;
+        h.size = r.U14();
+        h.count = r.U14();
+        h.first = r.U14();
+        h.labelWidth = static_cast<size_t>(r.Byte());
+        h.nameWidth = static_cast<size_t>(r.Byte());
         if (r.failed()) {
-            ReportShortRead(observer, kButtonSite, r, "button data header");
+            ReportShortRead(d, kButtonSite, r, "button data header");
             return;
         }
 
-        PanelStore& store = session.store();
-        store.templates.templateCount = static_cast<int16_t>(m);
-        std::vector<ButtonTemplate> fresh(ArraySizeFor(x));
-        if (x > 0) {
-            const auto size = static_cast<size_t>(x);
-            store.templates.templateNames.resize(size);
-            store.templates.templateIndex.resize(size, 0);
-            store.templates.templatePosition.resize(size, 0);
+        // Count and names are taken as they are read; the records replace
+        // the old ones only when the whole message is right.
+        TemplateTable table = current;
+        table.templateCount = static_cast<int16_t>(h.count);
+        if (h.size > 0) {
+            table.Resize(h.size);
         }
-        size_t expected = 13 + static_cast<size_t>(m) * (nameWidth + 4);
-        for (int t = f; t < f + m; ++t) {
-            std::string name = r.Name(nameWidth);
-            if (t >= x) {
-                Report(observer, kButtonSite, ErrorCode::SubscriptOutOfRange,
-                       "template position " + std::to_string(t) + " in a table of " +
-                           std::to_string(x));
-                return;
+        std::vector<ButtonTemplate> records(ArraySizeFor(h.size));
+        size_t expected = 13 + static_cast<size_t>(h.count) * (h.nameWidth + 4);
+        if (ReadTemplates(r, h, table, records, expected, d)) {
+            if (message.size() != expected) {
+                Log(d, "48QX Message Length Error", "Button Info");
+            } else {
+                records.resize(table.templateNames.size());
+                table.buttonTemplates = std::move(records);
+                d.complete = true;
             }
-            const auto at = static_cast<size_t>(t);
-            store.templates.templateNames[at] = std::move(name);
-            store.templates.templateIndex[at] = static_cast<int16_t>(t);
-            store.templates.templatePosition[at] = static_cast<int16_t>(t);
-            ButtonTemplate& tpl = fresh[at];
-            tpl.number = static_cast<int16_t>(r.U14());
-            const int b = r.U14();
-            // Each button carries at least its four 14-bit fields.
-            if (r.failed() || !r.Need(8 * static_cast<size_t>(b))) {
-                ReportShortRead(observer, kButtonSite, r, "template " + std::to_string(t));
-                return;
-            }
-            tpl.buttonCount = static_cast<int16_t>(b);
-            tpl.buttons.assign(ArraySizeFor(b), PanelButton{});
-            for (size_t k = 0; k < static_cast<size_t>(b); ++k) {
-                PanelButton& button = tpl.buttons[k];
-                button.type = static_cast<int16_t>(r.U14());
-                button.captionOption = static_cast<int16_t>(r.U14());
-                button.channel = static_cast<int16_t>(r.U14());
-                button.channel2 = static_cast<int16_t>(r.U14());
-                button.label = r.Name(labelWidth);
-            }
-            if (r.failed()) {
-                ReportShortRead(observer, kButtonSite, r, "template " + std::to_string(t));
-                return;
-            }
-            expected += static_cast<size_t>(b) * (8 + labelWidth);
         }
-        if (message.size() != expected) {
-            observer.WriteErrorLog("48QX Message Length Error", "Button Info");
-            return;
-        }
-        store.templates.buttonTemplates = std::move(fresh);
-        session.state().pendingC &= ~request::kTemplates;
-        observer.LogActivity("Button Templates", kActivityLocation);
-        observer.PartReceived(Part::Templates);
+        d.value = std::move(table);
     });
 }
-
-} // namespace
 
 } // namespace lumeth::decode

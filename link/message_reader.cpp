@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "link/session.h"
-
 namespace lumeth {
 
-MessageReader::MessageReader(std::string_view message, size_t position, SessionObserver& observer)
-    : m_message(message), m_position(std::min(position, message.size())), m_observer(observer) {}
+MessageReader::MessageReader(std::string_view message, size_t position,
+                             std::vector<Problem>& problems)
+    : m_message(message), m_position(std::min(position, message.size())), m_problems(problems) {}
 
 bool MessageReader::Need(size_t count) {
     if (m_failed || count > m_message.size() - m_position) {
@@ -38,8 +37,8 @@ int MessageReader::U14() {
     // follows reports it.
     const int value = high * 128 + low;
     if (value > INT16_MAX) {
-        m_observer.ReportError("Invalid data in Message", "Integer Conversion Error",
-                               Failure{ErrorCode::Overflow, "14-bit field overflows"});
+        m_problems.push_back(ErrorReport{"Invalid data in Message", "Integer Conversion Error",
+                                         Failure{ErrorCode::Overflow, "14-bit field overflows"}});
         return 0;
     }
     return value;

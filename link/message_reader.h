@@ -3,10 +3,11 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "link/decoded.h"
 
 namespace lumeth {
-
-class SessionObserver;
 
 // Reads the fields of one received message front to back without ever
 // stepping outside it. The whole frame is readable, checksum and end marker
@@ -18,10 +19,10 @@ class SessionObserver;
 // 14-bit field is joined as high * 128 + low even when a byte has its top bit
 // set (only the end marker can have it): a field that runs into the end marker
 // reads as a large value, and only a sum beyond the signed 16-bit range is
-// reported, as an integer conversion error, reading as 0.
+// reported (added to `problems`) as an integer conversion error, reading as 0.
 class MessageReader {
 public:
-    MessageReader(std::string_view message, size_t position, SessionObserver& observer);
+    MessageReader(std::string_view message, size_t position, std::vector<Problem>& problems);
 
     bool failed() const { return m_failed; }
     size_t position() const { return m_position; }
@@ -41,7 +42,7 @@ public:
 private:
     std::string_view m_message;
     size_t m_position;
-    SessionObserver& m_observer;
+    std::vector<Problem>& m_problems;
     bool m_failed = false;
 };
 

@@ -23,12 +23,20 @@ enum class Command : uint8_t {
     ButtonData = 0xFD,   // button templates, both ways
 };
 inline constexpr uint8_t kEndMarker = 0xFF;
+// Byte 2 of a button data message ("R"); the receiver ignores a message
+// without it.
+inline constexpr char kButtonDataMarker = 0x52;
 
 constexpr uint8_t Byte(Command c) {
     return static_cast<uint8_t>(c);
 }
 constexpr char Char(Command c) {
     return static_cast<char>(Byte(c));
+}
+// Only a command byte (and the end marker) has its top bit set; every other
+// byte of a frame carries 7 bits.
+constexpr bool HasTopBit(uint8_t b) {
+    return (b & 0x80) != 0;
 }
 // The commands that stand alone as one byte, without body or end marker.
 constexpr bool IsOneByte(uint8_t command) {

@@ -5,6 +5,9 @@
 
 #include "link/codec.h"
 #include "link/decoders.h"
+#include "link/frame_reader.h"
+#include "link/protocol.h"
+#include "link/wire.h"
 
 namespace lumeth {
 
@@ -12,37 +15,8 @@ namespace {
 
 // Location of the framing's own log lines.
 constexpr std::string_view kFramingLocation = "Receive Buffer";
-
-bool TopBit(char c) {
-    return (static_cast<unsigned char>(c) & 0x80) != 0;
-}
-
-std::string HexByte(uint8_t b) {
-    static const char* const kDigits = "0123456789ABCDEF";
-    std::string out;
-    if (b >= 16) {
-        out.push_back(kDigits[b >> 4]);
-    }
-    out.push_back(kDigits[b & 15]);
-    return out;
-}
-
-using Handler = void (*)(LinkSession&, SessionObserver&, std::string_view);
-
-struct Route {
-    uint8_t command;
-    Handler handler;
-};
-
-void Ignore(LinkSession&, SessionObserver&, std::string_view) {}
-
-// Complete frames by command byte. A server's 0xF2 is consumed whatever its
-// length; commands not listed are dropped without a log line.
-constexpr Route kRoutes[] = {
-    {0x80, decode::Password},        {0x81, decode::Identity}, {0xCC, decode::UserGroups},
-    {0xDF, decode::DisplayLists},    {0xF2, Ignore},           {0xFC, decode::AlphaTable},
-    {0xFD, decode::ButtonTemplates},
-};
+// Activity-log location of the download milestones.
+constexpr std::string_view kActivityLocation = "Server Module Download";
 
 } // namespace
 
@@ -53,16 +27,8 @@ void LinkSession::Receive(std::string_view bytes) {
     m_state.receiveBuffer.append(bytes);
 }
 
-std::string LinkSession::TrimBuffer(size_t count) {
-    std::string& buffer = m_state.receiveBuffer;
-    if (count >= buffer.size()) {
-        std::string all = std::move(buffer);
-        buffer.clear();
-        return all;
-    }
-    std::string head = buffer.substr(0, count);
-    buffer.erase(0, count);
-    return head;
+void LinkSession::DropFront(size_t count) {
+    m_state.receiveBuffer.erase(0, count);
 }
 
 void LinkSession::DecodeNext() {
@@ -84,68 +50,84 @@ void LinkSession::DecodeStep() {
     }
     // Every pass either returns or removes at least one byte, so the loop ends.
     for (;;) {
-        size_t garbage = 0;
-        while (garbage < buffer.size() && !TopBit(buffer[garbage])) {
-            ++garbage;
-        }
-        if (garbage > 0) {
-            const bool nothingElse = garbage == buffer.size();
-            TrimBuffer(garbage);
-            m_observer.WriteErrorLog("Invalid Data " + std::to_string(garbage) + " bytes",
+        const FrontOfBuffer front = ReadFront(buffer, CutRule::OnceEndArrives);
+        switch (front.kind) {
+        case FrontOfBuffer::Kind::Garbage: {
+            const bool nothingElse = front.length == buffer.size();
+            DropFront(front.length);
+            m_observer.WriteErrorLog("Invalid Data " + std::to_string(front.length) + " bytes",
                                      kFramingLocation);
             if (nothingElse) {
                 return;
             }
             continue;
         }
-
-        const auto command = static_cast<uint8_t>(buffer[0]);
-        if (command == 0xF5) {
-            TrimBuffer(1);
-            Queue(std::string(1, static_cast<char>(0xF4)));
-            m_state.acknowledged = false;
-            return;
-        }
-        if (command == 0xF4 || command == 0xF1 || command == 0xF3) {
-            TrimBuffer(1);
-            m_state.acknowledged = false;
-            return;
-        }
-
-        const size_t length = codec::FindEndOfMessage(buffer);
-        if (length == 0) {
+        case FrontOfBuffer::Kind::Cut:
+            // A new command byte inside the frame: the frame before it was
+            // cut short and is dropped.
+            m_observer.WriteErrorLog("Incomplete Message " + wire::HexByte(front.command),
+                                     kFramingLocation);
+            DropFront(front.length);
+            continue;
+        case FrontOfBuffer::Kind::Partial:
             return; // the rest of the frame has not arrived yet
+        case FrontOfBuffer::Kind::Frame:
+            HandleFront(front.length);
+            return;
         }
-        if (command != 0x81) {
-            size_t cut = 0;
-            for (size_t i = 1; i + 1 < length; ++i) {
-                if (TopBit(buffer[i])) {
-                    cut = i;
-                    break;
-                }
-            }
-            if (cut > 0) {
-                // A new command byte inside the frame: the frame before it
-                // was cut short and is dropped.
-                m_observer.WriteErrorLog("Incomplete Message " + HexByte(command),
-                                         kFramingLocation);
-                TrimBuffer(cut);
-                continue;
-            }
-        }
-        const std::string message = TrimBuffer(length);
-        Dispatch(command, message);
-        return;
     }
 }
 
-void LinkSession::Dispatch(uint8_t command, std::string_view message) {
-    for (const Route& route : kRoutes) {
-        if (route.command == command) {
-            route.handler(*this, m_observer, message);
-            return;
+void LinkSession::HandleFront(size_t length) {
+    const std::string& buffer = m_state.receiveBuffer;
+    const auto command = static_cast<uint8_t>(buffer[0]);
+    if (IsOneByte(command)) {
+        DropFront(1);
+        if (command == Byte(Command::Poll)) {
+            Queue(std::string(1, Char(Command::PollAnswer)));
+        }
+        m_state.acknowledged = false;
+        return;
+    }
+    // Decoding only reads the frame: it is decoded where it lies and taken
+    // out of the buffer before anything is reported or stored.
+    Decoded decoded = decode::Frame(std::string_view(buffer).substr(0, length), m_store);
+    DropFront(length);
+    Apply(std::move(decoded));
+}
+
+void LinkSession::Apply(Decoded&& decoded) {
+    for (const Problem& problem : decoded.problems) {
+        if (const auto* line = std::get_if<LogLine>(&problem)) {
+            m_observer.WriteErrorLog(line->message, line->location);
+        } else {
+            const auto& report = std::get<ErrorReport>(problem);
+            m_observer.ReportError(report.location, report.category, report.failure);
         }
     }
+    if (decoded.identityQuery) {
+        Queue(codec::IdentityAnswer());
+        RequestEverything();
+    }
+    if (decoded.again) {
+        RequestParts(PartSet{*decoded.again});
+    }
+    const Part part = decoded.part;
+    if (auto* password = std::get_if<std::string>(&decoded.value)) {
+        m_state.serverPassword = std::move(*password);
+        m_state.passwordReceived = true;
+    } else if (!std::holds_alternative<std::monostate>(decoded.value)) {
+        StorePart(m_store, part, std::move(decoded.value));
+    }
+    if (!decoded.complete) {
+        return;
+    }
+    const PartWire& wire = Wire(part);
+    (wire.mask == Mask::A ? m_state.pendingA : m_state.pendingC) &= ~wire.bit;
+    if (part != Part::Password) {
+        m_observer.LogActivity(Info(part).logText, kActivityLocation);
+    }
+    m_observer.PartReceived(part);
 }
 
 std::vector<std::string> LinkSession::TakeOutgoing() {
@@ -171,8 +153,13 @@ void LinkSession::RequestData(uint32_t maskA, uint32_t maskB, uint32_t maskC) {
     m_state.pendingC = maskC;
 }
 
+void LinkSession::RequestParts(PartSet parts) {
+    const RequestMasks masks = MasksFor(parts);
+    RequestData(masks.a, masks.b, masks.c);
+}
+
 void LinkSession::RequestEverything() {
-    RequestData(request::kEverythingA, 0, request::kEverythingC);
+    RequestParts(kAllParts);
 }
 
 void LinkSession::SendPassword() {
@@ -186,11 +173,8 @@ std::vector<std::string> LinkSession::BuildApplyMessages() const {
     return out;
 }
 
-std::vector<LinkSession::ApplyStep> LinkSession::BuildApplySteps() const {
-    std::vector<ApplyStep> steps;
-    for (codec::Upload& upload : codec::UploadMessages(m_store))
-        steps.push_back({std::move(upload.message), upload.failureLocation, upload.status});
-    return steps;
+std::vector<codec::Upload> LinkSession::BuildApplySteps() const {
+    return codec::UploadMessages(m_store);
 }
 
 void LinkSession::Queue(std::string message) {

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "link/codec.h"
+#include "link/decoded.h"
 #include "link/link_state.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
@@ -43,9 +45,6 @@ public:
     void Receive(std::string_view bytes);
     // Decode and handle at most one message from the front of the buffer.
     void DecodeNext();
-    // Remove and return the first `count` bytes of the receive buffer (all of
-    // it when `count` reaches past its end).
-    std::string TrimBuffer(size_t count);
     bool BufferEmpty() const { return m_state.receiveBuffer.empty(); }
 
     // Messages queued for sending, oldest first; the queue is emptied.
@@ -59,6 +58,8 @@ public:
 
     // Queue a data request and replace the three pending masks.
     void RequestData(uint32_t maskA, uint32_t maskB, uint32_t maskC);
+    // Queue the request for `parts` alone (replacing the pending masks).
+    void RequestParts(PartSet parts);
     void RequestEverything();
     // Queue the set-password message built from state().serverPassword.
     void SendPassword();
@@ -66,22 +67,23 @@ public:
     // The six Apply messages in order: display lists 11, 21, 31, 41, groups, buttons.
     std::vector<std::string> BuildApplyMessages() const;
 
-    // One Apply message with the location its failure is reported under
-    // ("Error Sending Panel Display Lists", ...). A message whose status is a
-    // failure holds a value the wire cannot carry and must not be sent.
-    struct ApplyStep {
-        std::string message;
-        std::string_view failureLocation;
-        Status status;
-    };
-    std::vector<ApplyStep> BuildApplySteps() const;
+    // The same with the location each failure is reported under and its
+    // status (a failed one must not be sent).
+    std::vector<codec::Upload> BuildApplySteps() const;
 
     // Queue one message for sending (the handlers' answers go this way).
     void Queue(std::string message);
 
 private:
     void DecodeStep();
-    void Dispatch(uint8_t command, std::string_view message);
+    // Remove the first `count` bytes of the receive buffer.
+    void DropFront(size_t count);
+    // Handle the whole frame of `length` bytes at the front of the buffer
+    // and remove it.
+    void HandleFront(size_t length);
+    // Report what a decoded frame found, store its value and settle its
+    // request bit.
+    void Apply(Decoded&& decoded);
 
     PanelStore& m_store;
     LinkState& m_state;

@@ -14,8 +14,11 @@ void Append14(std::string& out, int value);
 // Append the low 28 bits of `value` as four 7-bit groups, low group first.
 void Append28(std::string& out, uint32_t value);
 
-// The first `count` bytes of `text`; `text` keeps the rest.
-std::string SplitBytes(std::string& text, size_t count);
+// The 14-bit value of the first two bytes of `bytes` and the 28-bit value of
+// the first four, low group first, each byte taken as its low 7 bits. The
+// caller makes sure the bytes are there.
+int Read14(std::string_view bytes);
+uint32_t Read28(std::string_view bytes);
 
 // Sum modulo 128 of the bytes from index 1 up to and including index
 // last - tail (last = size - 1), reduced to 7 bits after every addition.
@@ -23,7 +26,10 @@ std::string SplitBytes(std::string& text, size_t count);
 // A range that is empty (or a message shorter than the tail) sums to 0.
 uint8_t Checksum(std::string_view message, int tail);
 
-// Append checksum (tail 0) and the 0xFF end marker to a message being built.
+// "DF": a byte as two upper-case hexadecimal digits, for log lines.
+std::string HexByte(uint8_t b);
+
+// Append checksum (tail 0) and the end marker to a message being built.
 void Finish(std::string& message);
 
 } // namespace lumeth::wire

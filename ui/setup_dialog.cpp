@@ -213,7 +213,7 @@ void SetupDialog::Ok() {
         m_connection.SendPassword();
         // Ask for the stored password only, so the server confirms the change
         // without a full download replacing edits that are not applied yet.
-        m_connection.session().RequestData(request::kPassword, 0, 0);
+        m_connection.session().RequestParts({Part::Password});
         m_connection.FlushSession();
     }
     accept();

@@ -24,7 +24,7 @@
 #include "app/main_views.h"
 #include "app/main_window.h"
 #include "link/codec.h"
-#include "link/session.h"
+#include "link/decoders.h"
 #include "model/list_records.h"
 #include "tests/gui/gui_support.h"
 #include "tests/support/store_builders.h"
@@ -100,14 +100,6 @@ void Select(QTreeView* view, const QList<int>& rows) {
 std::vector<int16_t> Channels(const DisplayList& list) {
     return {list.channels.begin(), list.channels.begin() + list.channelCount};
 }
-
-// Decodes the groups of an upload as the download does.
-struct QuietObserver : SessionObserver {
-    void PartReceived(Part) override {}
-    void WriteErrorLog(std::string_view, std::string_view) override {}
-    void ReportError(std::string_view, std::string_view, const Failure&) override {}
-    void LogActivity(std::string_view, std::string_view) override {}
-};
 
 } // namespace
 
@@ -371,22 +363,18 @@ private slots:
         QCOMPARE(Column(Available(), 0), QStringList({"Monitors (Output.0001)"}));
         Click("cmdClose");
 
-        std::string upload = codec::GroupMessage(m_store);
-        PanelStore received = Facility();
-        received.groups.userGroupCount = 0;
-        LinkState state;
-        QuietObserver observer;
-        LinkSession session(received, state, observer);
-        session.Receive(upload);
-        session.DecodeNext();
-        QCOMPARE(received.groups.userGroupCount, int16_t(2));
-        const UserGroup& group = received.groups.userGroups[0];
+        // The upload decoded as the download does.
+        const Decoded decoded = decode::UserGroups(codec::GroupMessage(m_store), Facility().groups);
+        QVERIFY(decoded.complete);
+        const auto& received = std::get<UserGroupTable>(decoded.value);
+        QCOMPARE(received.userGroupCount, int16_t(2));
+        const UserGroup& group = received.userGroups[0];
         QCOMPARE(std::vector<int16_t>(group.listIndexes.begin(), group.listIndexes.begin() + 4),
                  std::vector<int16_t>({1, 0, 2, 3}));
         QCOMPARE(std::vector<int16_t>(group.listTypes.begin(), group.listTypes.begin() + 4),
                  std::vector<int16_t>({11, 21, 11, 11}));
         QCOMPARE(group.listCount, int16_t(4));
-        QCOMPARE(received.groups.userGroups[1].listCount, int16_t(1));
+        QCOMPARE(received.userGroups[1].listCount, int16_t(1));
     }
 
     void duplicateNames_data() {

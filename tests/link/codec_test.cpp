@@ -2,6 +2,8 @@
 // frame layouts via tests/link/layout.h and messages.h, never from the builders.
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "link/codec.h"
 #include "tests/link/messages.h"
 
@@ -22,6 +24,26 @@ TEST(Codec, PasswordFitsOnlyWhatTheMessageCarriesWhole) {
                                                       {std::string("a\0b", 3), false}};
     for (const auto& [password, fits] : passwords) {
         EXPECT_EQ(codec::PasswordFitsMessage(password), fits) << password;
+    }
+}
+
+TEST(Codec, DataRequestParsesOnlyWellFormedRequests) {
+    const RequestMasks masks{0x03000302, 0x0ABCDEF, 0x00FC};
+    const std::string good = Request(masks.a, masks.b, masks.c);
+    std::string badSum = good;
+    badSum[15] = static_cast<char>((badSum[15] + 1) & 127);
+    std::string notRequest = good;
+    notRequest[0] = static_cast<char>(0xF1);
+    const std::pair<std::string, std::optional<RequestMasks>> cases[] = {
+        {good, masks},
+        {Request(0, 0, 0), RequestMasks{}},
+        {badSum, std::nullopt},
+        {notRequest, std::nullopt},
+        {good.substr(0, 16), std::nullopt},
+        {good + good, std::nullopt},
+    };
+    for (const auto& [message, expected] : cases) {
+        EXPECT_EQ(codec::ParseDataRequest(message), expected) << Hex(message);
     }
 }
 
@@ -84,7 +106,7 @@ TEST(CodecUpload, ButtonTemplates) {
     s.templates.buttonTemplates[0].number = 300;
     s.templates.buttonTemplates[0].buttonCount = 2;
     s.templates.buttonTemplates[0].buttons = {PanelButton{810, 1, "Listen to studio", 12, 7},
-                                    PanelButton::Cleared()};
+                                              PanelButton::Cleared()};
     s.templates.buttonTemplates[1] = ButtonTemplate{};
     s.templates.buttonTemplates[1].number = 1;
     EXPECT_BYTES(codec::ButtonMessage(s),

@@ -13,6 +13,7 @@
 #include "files/error_log.h"
 #include "link/connection.h"
 #include "link/link_state.h"
+#include "link/protocol.h"
 #include "model/panel_store.h"
 #include "tests/link/messages.h"
 #include "tests/support/temp_folder.h"
@@ -100,8 +101,8 @@ TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
         Raw({0x81, 0x11, 0x01, 0x12, 0xFF}) + testing::Request(0x03000302, 0, 0xFC);
     ASSERT_TRUE(peer.ReceivedAtLeast(expected.size()));
     EXPECT_EQ(peer.received(), expected);
-    EXPECT_EQ(m_state.pendingA, request::kEverythingA);
-    EXPECT_EQ(m_state.pendingC, request::kEverythingC);
+    EXPECT_EQ(m_state.pendingA, kRequestEverything.a);
+    EXPECT_EQ(m_state.pendingC, kRequestEverything.c);
 
     // The decode timer switches itself off once the buffer is drained.
     ASSERT_TRUE(QTest::qWaitFor([this] { return !m_connection->decodeTimer()->isActive(); }, 1000));
@@ -110,9 +111,7 @@ TEST_F(ConnectionTest, ConnectsAndExchangesMessagesThroughTheSession) {
     // What the session stores is announced as a store change.
     int passwordChanges = 0;
     QObject::connect(m_connection.get(), &Connection::partReceived,
-                     [&](Part part) {
-                         passwordChanges += part == Part::Password ? 1 : 0;
-                     });
+                     [&](Part part) { passwordChanges += part == Part::Password ? 1 : 0; });
     peer.Send(testing::PasswordAnswer("abc"));
     ASSERT_TRUE(QTest::qWaitFor([this] { return m_state.passwordReceived; }, 2000));
     EXPECT_EQ(m_state.serverPassword, "abc");

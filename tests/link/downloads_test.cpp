@@ -6,6 +6,9 @@
 #include <optional>
 #include <tuple>
 
+#include "link/decoders.h"
+#include "link/frame_reader.h"
+#include "link/protocol.h"
 #include "tests/link/messages.h"
 #include "tests/link/session_harness.h"
 
@@ -22,8 +25,8 @@ std::string Pad(const std::string& s, size_t w) {
 struct Downloading : Harness {
     Downloading() {
         store.ResetToDefaults();
-        state.pendingA = request::kEverythingA;
-        state.pendingC = request::kEverythingC;
+        state.pendingA = kRequestEverything.a;
+        state.pendingC = kRequestEverything.c;
     }
 };
 
@@ -35,35 +38,35 @@ TEST(Download, AcceptedMessagesClearTheirBitAndSayWhatChanged) {
         Part change;
     };
     const Case cases[] = {
-        {PasswordAnswer("abc"), request::kPassword, 0, {}, Part::Password},
+        {PasswordAnswer("abc"), Wire(Part::Password).bit, 0, {}, Part::Password},
         {AlphaBody(20, 5, {"beta"}, {0}).Finish(),
-         request::kOutputAlphas,
+         Wire(Part::OutputAlphas).bit,
          0,
          {"Output Alphas"},
          Part::OutputAlphas},
         {AlphaBody(40, 5, {"beta"}, {0}).Finish(),
-         request::kRelayAlphas,
+         Wire(Part::RelayAlphas).bit,
          0,
          {"Relay Alphas"},
          Part::RelayAlphas},
         {ListBody(11, 16, {{"Mix", {1}}}).Finish(),
          0,
-         request::kInputLists,
+         Wire(Part::InputLists).bit,
          {"Source Display Lists"},
          Part::InputLists},
         {ListBody(21, 16, {{"Mix", {1}}}).Finish(),
          0,
-         request::kOutputLists,
+         Wire(Part::OutputLists).bit,
          {"Destination Display Lists"},
          Part::OutputLists},
         {GroupBody(16, {{"Studio", {}}}).Finish(),
          0,
-         request::kUserGroups,
+         Wire(Part::UserGroups).bit,
          {"Group Data"},
          Part::UserGroups},
         {ButtonBody(1, 0, 8, 16, {{"Desk", 5, {}}}).Finish(),
          0,
-         request::kTemplates,
+         Wire(Part::Templates).bit,
          {"Button Templates"},
          Part::Templates},
     };
@@ -73,8 +76,8 @@ TEST(Download, AcceptedMessagesClearTheirBitAndSayWhatChanged) {
         h.Feed(c.message);
         EXPECT_TRUE(h.observer.Quiet());
         EXPECT_TRUE(h.Sent().empty());
-        EXPECT_EQ(h.state.pendingA, request::kEverythingA & ~c.bitA);
-        EXPECT_EQ(h.state.pendingC, request::kEverythingC & ~c.bitC);
+        EXPECT_EQ(h.state.pendingA, kRequestEverything.a & ~c.bitA);
+        EXPECT_EQ(h.state.pendingC, kRequestEverything.c & ~c.bitC);
         EXPECT_EQ(h.observer.activities, c.activities);
         EXPECT_EQ(h.observer.changes, std::vector<Part>{c.change});
     }
@@ -116,9 +119,9 @@ TEST(Download, RejectedMessagesLeaveTheStoreAsItWas) {
     const ExpectedReport groupSum{"48QX Check Sum Error", "", {}};
     const std::vector<std::string> lengthError{"Message Length Error|Source Display Lists"};
     const std::vector<std::string> buttonSum{"48QX Check Sum Error|Button Data"};
-    const std::pair<uint32_t, uint32_t> password{request::kPassword, 0};
-    const std::pair<uint32_t, uint32_t> relayLists{0, request::kRelayLists};
-    const std::pair<uint32_t, uint32_t> groups{0, request::kUserGroups};
+    const std::pair<uint32_t, uint32_t> password{Wire(Part::Password).bit, 0};
+    const std::pair<uint32_t, uint32_t> relayLists{0, Wire(Part::RelayLists).bit};
+    const std::pair<uint32_t, uint32_t> groups{0, Wire(Part::UserGroups).bit};
     struct Case {
         const char* what;
         std::string message;
@@ -169,8 +172,8 @@ TEST(Download, RejectedMessagesLeaveTheStoreAsItWas) {
             EXPECT_EQ(h.state.pendingC, cMask);
         } else {
             EXPECT_TRUE(h.Sent().empty());
-            EXPECT_EQ(h.state.pendingA, request::kEverythingA);
-            EXPECT_EQ(h.state.pendingC, request::kEverythingC);
+            EXPECT_EQ(h.state.pendingA, kRequestEverything.a);
+            EXPECT_EQ(h.state.pendingC, kRequestEverything.c);
         }
     }
 }
@@ -240,13 +243,13 @@ TEST(GroupDownload, ReplacesTheGroupsAndNoGroupsKeepsTheArrays) {
 
 TEST(GroupDownload, DamagedMessagesLeaveTheGroupsWrittenSoFar) {
     Downloading h;
-    h.state.pendingC = request::kUserGroups;
+    h.state.pendingC = Wire(Part::UserGroups).bit;
     const std::string body = GroupBody(8, {{"First", {{1, 21}}}, {"Second", {}}}).Body() + "x";
     h.Feed(Layout::Of(body).Finish());
     EXPECT_EQ(h.observer.logLines, std::vector<std::string>{"Message Length Error|"});
     EXPECT_EQ(h.store.groups.userGroupCount, 2);
     EXPECT_EQ(h.store.groups.userGroupNames[1], Pad("Second", 8));
-    EXPECT_EQ(h.state.pendingC, request::kUserGroups);
+    EXPECT_EQ(h.state.pendingC, Wire(Part::UserGroups).bit);
     EXPECT_TRUE(h.observer.changes.empty());
 
     Downloading shortRead;
@@ -266,7 +269,8 @@ TEST(ButtonDownload, FillsTemplatesAndButtons) {
     const PanelStore& s = h.store;
     EXPECT_EQ(s.templates.templateCount, 2);
     ASSERT_EQ(s.templates.buttonTemplates.size(), 2u);
-    EXPECT_EQ(s.templates.templateNames, (std::vector<std::string>{Pad("Desk", 16), Pad("Spare", 16)}));
+    EXPECT_EQ(s.templates.templateNames,
+              (std::vector<std::string>{Pad("Desk", 16), Pad("Spare", 16)}));
     EXPECT_EQ(s.templates.templateIndex, (std::vector<int16_t>{0, 1}));
     EXPECT_EQ(s.templates.templatePosition, (std::vector<int16_t>{0, 1}));
     const ButtonTemplate& t = s.templates.buttonTemplates[0];
@@ -398,6 +402,30 @@ TEST(DownloadSplitPoints, AnyChunkingGivesTheSameResult) {
         every.push_back(i);
     }
     EXPECT_EQ(FeedInChunks(stream, every), whole);
+}
+
+// The decoders' values put into a side copy of the configuration give the
+// store the session builds from the same bytes, damaged frames included.
+TEST(DownloadSplitPoints, DecodedValuesGiveTheSessionsStore) {
+    const std::string stream =
+        DownloadStream() +
+        Layout::Of(GroupBody(8, {{"First", {{1, 21}}}, {"Second", {}}}).Body() + "x").Finish() +
+        Layout::Of(ButtonBody(3, 0, 8, 16, {{"Desk", 5, {}}}).Body() + "zz").Finish();
+    Harness h;
+    h.store.ResetToDefaults();
+    h.Feed(stream);
+
+    PanelStore side;
+    side.ResetToDefaults();
+    FrameReader reader;
+    reader.Append(stream);
+    while (const auto event = reader.Next()) {
+        if (event->kind == FrameEvent::Kind::Frame) {
+            Decoded decoded = decode::Frame(event->bytes, side);
+            StorePart(side, decoded.part, std::move(decoded.value));
+        }
+    }
+    EXPECT_EQ(Dump(side), Dump(h.store));
 }
 
 } // namespace

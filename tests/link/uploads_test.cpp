@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "link/codec.h"
+#include "link/protocol.h"
 #include "tests/link/messages.h"
 #include "tests/link/session_harness.h"
 
@@ -25,17 +26,17 @@ TEST(Identity, QueryIsAnsweredWithTheRequestForEverything) {
 TEST(Requests, EachRequestReplacesAllThreeMasksAndPasswordIsSentAsItIs) {
     Harness h;
     h.session.RequestEverything();
-    h.session.RequestData(0, 0, request::kUserGroups);
+    h.session.RequestData(0, 0, Wire(Part::UserGroups).bit);
     EXPECT_EQ(h.state.pendingA, 0u);
-    EXPECT_EQ(h.state.pendingC, request::kUserGroups);
-    h.session.RequestData(request::kRelayAlphas, 5, 0);
-    EXPECT_EQ(h.state.pendingA, request::kRelayAlphas);
+    EXPECT_EQ(h.state.pendingC, Wire(Part::UserGroups).bit);
+    h.session.RequestData(Wire(Part::RelayAlphas).bit, 5, 0);
+    EXPECT_EQ(h.state.pendingA, Wire(Part::RelayAlphas).bit);
     EXPECT_EQ(h.state.pendingB, 5u);
     EXPECT_EQ(h.state.pendingC, 0u);
     const auto sent = h.Sent();
     ASSERT_EQ(sent.size(), 3u);
     EXPECT_EQ(sent[1], Request(0, 0, 4));
-    EXPECT_EQ(sent[2], Request(request::kRelayAlphas, 5, 0));
+    EXPECT_EQ(sent[2], Request(Wire(Part::RelayAlphas).bit, 5, 0));
     EXPECT_FALSE(h.session.HasOutgoing());
 
     // Setting the password sends the server password as it stands.
@@ -68,7 +69,7 @@ PanelStore EditedStore() {
     s.templates.buttonTemplates[0].number = 12;
     s.templates.buttonTemplates[0].buttonCount = 2;
     s.templates.buttonTemplates[0].buttons = {PanelButton{1012, 1, "Door relay", 3, 4},
-                                    PanelButton::Cleared()};
+                                              PanelButton::Cleared()};
     return s;
 }
 

@@ -36,16 +36,5 @@ TEST(Wire, ChecksumAndFinish) {
     EXPECT_EQ(m, Raw({0x80, 0x05, 0x00, 0x05, 0xFF}));
 }
 
-TEST(Wire, SplitBytes) {
-    std::string text(40000, 'x');
-    text[16384] = 'y';
-    EXPECT_EQ(wire::SplitBytes(text, 16384).size(), 16384u);
-    EXPECT_EQ(text.size(), 40000u - 16384u);
-    EXPECT_EQ(text[0], 'y');
-    std::string shortText = "abc";
-    EXPECT_EQ(wire::SplitBytes(shortText, 10), "abc");
-    EXPECT_TRUE(shortText.empty());
-}
-
 } // namespace
 } // namespace lumeth

@@ -6,9 +6,7 @@
 #include <QTemporaryDir>
 
 #include "link/codec.h"
-#include "link/link_state.h"
-#include "link/session.h"
-#include "tests/sim/client_recorder.h"
+#include "link/protocol.h"
 #include "tests/sim/sim_process.h"
 #include "tools/sim/demo_config.h"
 
@@ -35,25 +33,24 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     // A valid upload to spoil in several ways.
     PanelStore edited = sim::MakeDemo("demo").store;
     edited.groups.userGroupNames[0] = "Spoiled";
-    LinkState link;
-    ClientRecorder recorder;
-    LinkSession session(edited, link, recorder);
 
     RawClient client;
     ASSERT_TRUE(client.Connect(sim.port));
-    ASSERT_EQ(client.Read(1), std::vector<std::string>{std::string("\x81\x64\x64\xFF", 4)});
+    ASSERT_EQ(client.Read(1), std::vector<std::string>{codec::IdentityQuery()});
     client.Send(std::string(1000, '\x05')); // garbage
-    for (const auto& m : session.BuildApplyMessages()) {
+    for (const codec::Upload& upload : codec::UploadMessages(edited)) {
+        const std::string& m = upload.message;
         client.Send(m.substr(0, m.size() / 2)); // cut short...
         std::string wrong = m;                  // ...then a wrong checksum
         wrong[m.size() - 2] = static_cast<char>((m[m.size() - 2] + 3) & 127);
         client.Send(wrong);
     }
-    client.Send(std::string("\xDF\x0B", 2) + std::string(1 << 20, 'z')); // 1 MB, no end marker
-    client.Send(std::string("\xF2\x01\xFF", 3));                         // a short request
+    // 1 MB without an end marker, then a short request.
+    client.Send(Char(Command::DisplayLists) + std::string("\x0B") + std::string(1 << 20, 'z'));
+    client.Send(Char(Command::DataRequest) + std::string("\x01") + char(kEndMarker));
 
     // Still serving on the same connection.
-    client.Send(codec::DataRequest(request::kPassword, 0, 0));
+    client.Send(codec::DataRequest(Wire(Part::Password).bit, 0, 0));
     const auto answer = client.Read(1);
     ASSERT_EQ(answer.size(), 1u);
     EXPECT_EQ(answer[0], codec::PasswordMessage("studio"));
@@ -73,7 +70,7 @@ TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNo
     ASSERT_EQ(junk.Read(1).size(), 1u);
     const size_t junkBytes = 1 << 20;
     junk.Send(std::string(junkBytes, '\x90'));
-    junk.Send(codec::DataRequest(request::kPassword, 0, 0));
+    junk.Send(codec::DataRequest(Wire(Part::Password).bit, 0, 0));
     std::vector<std::string> answer;
     for (int i = 0; i < 200 && answer.empty(); ++i) {
         sim.Drain(20);
@@ -87,7 +84,7 @@ TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNo
     RawClient greedy;
     ASSERT_TRUE(greedy.Connect(sim.port));
     for (int i = 0; i < 100; ++i) {
-        greedy.Send(codec::DataRequest(request::kEverythingA, 0, request::kEverythingC));
+        greedy.Send(codec::DataRequest(kRequestEverything.a, 0, kRequestEverything.c));
     }
     EXPECT_TRUE(sim.WaitForLog("connection cut off", 20000)) << sim.Log().right(500).toStdString();
     EXPECT_TRUE(sim.Running());

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/sim/frame_reader.h"
+#include "link/frame_reader.h"
 
 namespace lumeth::testing {
 
@@ -121,7 +121,7 @@ public:
         timer.start();
         while (frames.size() < count && timer.elapsed() < timeoutMs) {
             while (auto event = m_reader.Next()) {
-                if (event->kind == sim::FrameEvent::Kind::Frame && event->bytes != "\xF5") {
+                if (event->kind == FrameEvent::Kind::Frame && event->bytes != "\xF5") {
                     frames.push_back(event->bytes);
                 }
             }
@@ -137,7 +137,7 @@ public:
 
 private:
     QTcpSocket m_socket;
-    sim::FrameReader m_reader;
+    FrameReader m_reader;
 };
 
 } // namespace lumeth::testing

@@ -55,7 +55,7 @@ TEST(StateFile, SavesTheWholeStateForItsOwnerAndAFailedWriteKeepsTheOldFile) {
     EXPECT_EQ(loaded.password(), "one");
     EXPECT_EQ(DumpStore(loaded.store()), DumpStore(state.store()));
 
-    state.ReplacePassword("two");
+    state.Replace(Part::Password, std::string("two"));
     {
         const lumeth::test::FileSizeLimit limit(100);
         EXPECT_EQ(SaveStateFile(path, state), "cannot write " + path + ": File too large");

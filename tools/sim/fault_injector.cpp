@@ -1,5 +1,7 @@
 #include "tools/sim/fault_injector.h"
 
+#include "link/protocol.h"
+
 #include <algorithm>
 
 namespace lumeth::sim {
@@ -28,7 +30,7 @@ Delivery FaultInjector::Shape(const std::string& message, bool answer) {
     }
 
     std::string bytes = message;
-    const bool framed = bytes.size() >= 3 && static_cast<uint8_t>(bytes.back()) == 0xFF;
+    const bool framed = bytes.size() >= 3 && static_cast<uint8_t>(bytes.back()) == kEndMarker;
 
     const bool badChecksum =
         m_random.Chance(m_options.checksum) ||

@@ -62,9 +62,9 @@ class FaultInjector {
 public:
     FaultInjector(const FaultOptions& options, uint64_t connectionNumber);
 
-    // `answer`: the message answers a data request (0x80, 0xFC, 0xDF, 0xCC,
-    // 0xFD); only answers get wrong checksums or are cut, because the
-    // administrator recovers from those by asking again, never from a broken
+    // `answer`: the message answers a data request (a password, alpha table,
+    // display list, user group or button data message); only answers get wrong checksums or are
+    // cut, because the administrator recovers from those by asking again, never from a broken
     // identity query.
     Delivery Shape(const std::string& message, bool answer);
 

@@ -1,62 +1,29 @@
 #include "tools/sim/sim_session.h"
 
-#include <cstdio>
-
 #include "link/codec.h"
-#include "link/session.h"
+#include "link/decoders.h"
+#include "link/protocol.h"
 #include "link/wire.h"
 
 namespace lumeth::sim {
 
 namespace {
 
-std::string HexByte(uint8_t b) {
-    char text[4];
-    std::snprintf(text, sizeof text, "%02X", b);
-    return text;
-}
-
-// Collects what the administrator's handler made of an upload.
-class UploadCheck : public SessionObserver {
-public:
-    bool changed = false;
-    Part part = Part::Password;
-    std::string problems;
-
-    void PartReceived(Part p) override {
-        changed = true;
-        part = p;
-    }
-    void WriteErrorLog(std::string_view message, std::string_view location) override {
-        Add(std::string(message) + (location.empty() ? "" : " (" + std::string(location) + ")"));
-    }
-    void ReportError(std::string_view location, std::string_view, const Failure& failure) override {
-        Add(std::string(location) + ": " + failure.LogMessage());
-    }
-    void LogActivity(std::string_view, std::string_view) override {}
-
-private:
-    void Add(const std::string& text) {
-        if (!problems.empty()) {
-            problems += "; ";
+// The problems the administrator's decoder found in an upload, for the log.
+std::string Describe(const std::vector<Problem>& problems) {
+    std::string text;
+    for (const Problem& problem : problems) {
+        if (!text.empty()) {
+            text += "; ";
         }
-        problems += text;
+        if (const auto* line = std::get_if<LogLine>(&problem)) {
+            text += line->message + (line->location.empty() ? "" : " (" + line->location + ")");
+        } else {
+            const auto& report = std::get<ErrorReport>(problem);
+            text += report.location + ": " + report.failure.LogMessage();
+        }
     }
-};
-
-constexpr AnswerKind kAnswerOrder[] = {
-    AnswerKind::Password,    AnswerKind::InputAlphas, AnswerKind::OutputAlphas,
-    AnswerKind::OptoAlphas,  AnswerKind::RelayAlphas, AnswerKind::InputLists,
-    AnswerKind::OutputLists, AnswerKind::OptoLists,   AnswerKind::RelayLists,
-    AnswerKind::UserGroups,  AnswerKind::Templates,
-};
-
-uint32_t Read28(std::string_view m, size_t index) {
-    uint32_t value = 0;
-    for (size_t k = 0; k < 4; ++k) {
-        value |= static_cast<uint32_t>(static_cast<uint8_t>(m[index + k]) & 127u) << (7 * k);
-    }
-    return value;
+    return text;
 }
 
 } // namespace
@@ -68,7 +35,7 @@ std::string Hex(std::string_view bytes) {
         if (!out.empty()) {
             out.push_back(' ');
         }
-        out += HexByte(static_cast<uint8_t>(c));
+        out += wire::HexByte(static_cast<uint8_t>(c));
     }
     return out;
 }
@@ -94,7 +61,7 @@ void SimSession::PollTick() {
     }
     ++m_stats.polls;
     m_pollOutstanding = true;
-    Queue(std::string(1, static_cast<char>(0xF5)), false);
+    Queue(std::string(1, Char(Command::Poll)), false);
 }
 
 std::vector<OutMessage> SimSession::TakeOutgoing() {
@@ -123,130 +90,87 @@ void SimSession::Handle(const FrameEvent& event) {
         break;
     case FrameEvent::Kind::Cut:
         ++m_stats.cutFrames;
-        Log("Incomplete Message " + HexByte(event.command) + " (" + std::to_string(event.dropped) +
-            " bytes dropped)");
+        Log("Incomplete Message " + wire::HexByte(event.command) + " (" +
+            std::to_string(event.dropped) + " bytes dropped)");
         break;
     case FrameEvent::Kind::Overlong:
         ++m_stats.cutFrames;
-        Log("frame " + HexByte(event.command) + " longer than " +
+        Log("frame " + wire::HexByte(event.command) + " longer than " +
             std::to_string(event.dropped - 1) + " bytes without an end marker, dropped");
         break;
     }
 }
 
 void SimSession::HandleFrame(const std::string& frame) {
-    const auto command = static_cast<uint8_t>(frame[0]);
+    const auto command = static_cast<Command>(static_cast<uint8_t>(frame[0]));
     switch (command) {
-    case 0x81:
+    case Command::Identity:
         if (frame == codec::IdentityAnswer()) {
             m_identified = true;
         } else {
             ++m_stats.badFrames;
             Log("unexpected identity answer " + Hex(frame));
         }
-        break;
-    case 0xF2:
+        return;
+    case Command::DataRequest:
         HandleRequest(frame);
-        break;
-    case 0xF4:
+        return;
+    case Command::PollAnswer:
         m_pollOutstanding = false;
-        break;
-    case 0xF5:
-        Queue(std::string(1, static_cast<char>(0xF4)), false);
-        break;
-    case 0xF1:
-    case 0xF3:
-        break;
-    case 0x80:
-    case 0xDF:
-    case 0xCC:
-    case 0xFD:
+        return;
+    case Command::Poll:
+        Queue(std::string(1, Char(Command::PollAnswer)), false);
+        return;
+    case Command::Acknowledge1:
+    case Command::Acknowledge3:
+        return;
+    case Command::Password:
+    case Command::DisplayLists:
+    case Command::UserGroups:
+    case Command::ButtonData:
         HandleUpload(frame);
-        break;
-    default:
-        ++m_stats.badFrames;
-        Log("unknown command " + HexByte(command) + " dropped (" + std::to_string(frame.size()) +
-            " bytes)");
+        return;
+    case Command::AlphaTable:
         break;
     }
+    ++m_stats.badFrames;
+    Log("unknown command " + wire::HexByte(Byte(command)) + " dropped (" +
+        std::to_string(frame.size()) + " bytes)");
 }
 
 void SimSession::HandleRequest(const std::string& frame) {
-    if (frame.size() != 17 || wire::Checksum(frame, 2) != static_cast<uint8_t>(frame[15])) {
+    const std::optional<RequestMasks> masks = codec::ParseDataRequest(frame);
+    if (!masks) {
         ++m_stats.badFrames;
         Log("bad data request dropped: " + Hex(frame));
         return;
     }
-    const uint32_t maskA = Read28(frame, 1);
-    const uint32_t maskC = static_cast<uint32_t>(frame[9]) | static_cast<uint32_t>(frame[10]) << 7;
     ++m_stats.requests;
-    for (AnswerKind kind : kAnswerOrder) {
-        const RequestBit bit = RequestBitOf(kind);
-        if (((bit.mask == 'A' ? maskA : maskC) & bit.bit) != 0) {
-            Queue(m_state.Answer(kind), true);
-            ++m_stats.answers;
-        }
-    }
+    ForEachPart(PartsIn(*masks), [&](Part part) {
+        Queue(m_state.Answer(part), true);
+        ++m_stats.answers;
+    });
 }
 
 void SimSession::HandleUpload(const std::string& frame) {
-    const auto command = static_cast<uint8_t>(frame[0]);
-    PanelStore scratch = m_state.ScratchFor(command);
-    LinkState link;
-    UploadCheck check;
-    {
-        // The administrator's own download handler decides whether the
-        // message is valid; what it would send (re-requests) is ignored.
-        LinkSession session(scratch, link, check);
-        session.Receive(frame);
-        session.DecodeNext();
-    }
-
-    const std::string name = "upload " + HexByte(command);
-    bool accepted = false;
-    if (check.changed) {
-        const PartInfo& info = Info(check.part);
-        switch (info.kind) {
-        case PartKind::Password:
-            accepted = command == 0x80;
-            if (accepted) {
-                m_state.ReplacePassword(link.serverPassword);
-            }
-            break;
-        case PartKind::DisplayLists:
-            accepted = command == 0xDF;
-            if (accepted) {
-                m_state.ReplaceDisplayLists(*info.subType, scratch);
-            }
-            break;
-        case PartKind::UserGroups:
-            accepted = command == 0xCC;
-            if (accepted) {
-                m_state.ReplaceUserGroups(scratch);
-            }
-            break;
-        case PartKind::Templates:
-            accepted = command == 0xFD;
-            if (accepted) {
-                m_state.ReplaceTemplates(scratch);
-            }
-            break;
-        case PartKind::Alphas:
-            break;
-        }
-    }
-    if (!accepted) {
+    // The administrator's own decoder decides whether the message is valid;
+    // what it would ask for again is ignored.
+    Decoded decoded = decode::Frame(frame, m_state.store());
+    const std::string name = "upload " + wire::HexByte(static_cast<uint8_t>(frame[0]));
+    if (!decoded.complete) {
         ++m_stats.uploadsRejected;
+        const std::string problems = Describe(decoded.problems);
         Log(name + " rejected (" + std::to_string(frame.size()) + " bytes)" +
-            (check.problems.empty() ? std::string() : ": " + check.problems));
+            (problems.empty() ? std::string() : ": " + problems));
         return;
     }
+    m_state.Replace(decoded.part, std::move(decoded.value));
     ++m_stats.uploadsAccepted;
     Log(name + " accepted (" + std::to_string(frame.size()) + " bytes)");
     if (!m_state.lastPersistError().empty()) {
         Log("state file not written: " + m_state.lastPersistError());
     }
-    Queue(std::string(1, static_cast<char>(0xF1)), false);
+    Queue(std::string(1, Char(Command::Acknowledge1)), false);
 }
 
 } // namespace lumeth::sim

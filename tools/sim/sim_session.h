@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/sim/frame_reader.h"
+#include "link/frame_reader.h"
 #include "tools/sim/sim_state.h"
 
 namespace lumeth::sim {
@@ -43,7 +43,7 @@ struct SessionStats {
 // feeds received bytes in and sends what TakeOutgoing hands out. The session
 // sends the identity query on Start, answers each data request with exactly
 // the messages its bits ask for, validates uploads with the administrator's
-// own download handlers against a scratch copy and commits only what passed,
+// own decoders and commits only what passed,
 // answers polls and sends its own. A bad message is logged and dropped; it
 // never changes the state and never ends the connection.
 class SimSession {

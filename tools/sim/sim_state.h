@@ -6,40 +6,17 @@
 #include <optional>
 #include <string>
 
+#include "link/decoded.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth::sim {
-
-// What one answer of the emulator carries.
-enum class AnswerKind : int {
-    Password = 0,
-    InputAlphas,
-    OutputAlphas,
-    OptoAlphas,
-    RelayAlphas,
-    InputLists,
-    OutputLists,
-    OptoLists,
-    RelayLists,
-    UserGroups,
-    Templates,
-};
-inline constexpr int kAnswerKinds = 11;
-
-// The request bits of a data request that ask for `kind`: (mask, bit) where
-// mask is 'A' or 'C'.
-struct RequestBit {
-    char mask;
-    uint32_t bit;
-};
-RequestBit RequestBitOf(AnswerKind kind);
 
 // The server module's configuration, shared by every client of one emulator:
 // the panel data (alpha tables by channel order in `alpha(s).channelNames`,
 // display lists, user groups, templates) and the panel password. Answers are
 // built from it on demand and kept until the next change. Every change goes
-// through the Replace* functions, which call the change listener (the state
-// file writer).
+// through Replace, which calls the change listener (the state file writer).
 class SimState {
 public:
     SimState() = default;
@@ -56,24 +33,17 @@ public:
     // Incremented on every change.
     uint64_t version() const { return m_version; }
 
-    // The complete message answering `kind`, built from the current state.
-    const std::string& Answer(AnswerKind kind);
+    // The complete message that sends `part`, built from the current state.
+    const std::string& Answer(Part part);
 
-    void ReplacePassword(std::string password);
-    void ReplaceDisplayLists(SubType subType, PanelStore& from);
-    void ReplaceUserGroups(PanelStore& from);
-    void ReplaceTemplates(PanelStore& from);
+    // Replace one part with an uploaded value (the password as its text).
+    void Replace(Part part, PartValue value);
 
     // Called after every change; a failure it returns is the caller's to log.
     using ChangeListener = std::function<std::string(const SimState&)>;
     void setChangeListener(ChangeListener listener) { m_listener = std::move(listener); }
     // Error text of the last listener call ("" when it succeeded).
     const std::string& lastPersistError() const { return m_persistError; }
-
-    // A scratch store for validating an upload with command `command`
-    // (0xDF, 0xCC, 0xFD): a copy of the part that upload replaces, the rest
-    // empty, so a rejected upload never touches the state.
-    PanelStore ScratchFor(uint8_t command) const;
 
 private:
     void Changed();
@@ -82,7 +52,7 @@ private:
     std::string m_password;
     int m_alphaWidth = 0;
     uint64_t m_version = 0;
-    std::array<std::optional<std::string>, kAnswerKinds> m_answers;
+    std::array<std::optional<std::string>, kPartCount> m_answers;
     ChangeListener m_listener;
     std::string m_persistError;
 };
