@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "files/cp1252.h"
+#include "files/json_schema.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
@@ -19,7 +20,7 @@ constexpr int kErrors = 2;
 std::vector<CheckFinding> PrintChecks(const Document& doc, std::ostream& out) {
     std::vector<CheckFinding> findings = CheckStore(doc.store, doc.hasAlphas);
     for (const CheckFinding& finding : findings)
-        out << cp1252::ToUtf8(finding.Line()) << "\n";
+        out << cp1252::ToUtf8(CheckFindingLine(finding)) << "\n";
     return findings;
 }
 
