@@ -682,8 +682,12 @@ Status CheckJsonDocumentSize(uintmax_t bytes) {
                                                  " MiB, more than a JSON document is read");
 }
 
+Status RequireJsonSections(PartSet present) {
+    return RequireSections(present, "every section is sent; write [] to send an empty one");
+}
+
 Status JsonReadResult::RequireAllSections() const {
-    return RequireSections(sections, "every section is sent; write [] to send an empty one");
+    return RequireJsonSections(sections);
 }
 
 bool WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions& options,

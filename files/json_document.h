@@ -57,6 +57,9 @@ struct JsonReadResult {
     Status RequireAllSections() const;
 };
 
+// Fails naming the sections a document holding `present` leaves out.
+Status RequireJsonSections(PartSet present);
+
 // Strict reader: replaces the lists, groups and templates of `store` (and the
 // alpha tables when the document has them: channel names in channel order,
 // sorted as a download would). On error `store` is left unchanged.
