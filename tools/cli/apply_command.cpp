@@ -70,7 +70,7 @@ int RunApply(const std::vector<std::string>& args) {
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
-        return UsageError(password.error);
+        return UsageError(password.status.failure().detail);
     }
 
     ServerClient client(options);

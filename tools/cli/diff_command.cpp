@@ -33,11 +33,11 @@ int LoadSide(const std::string& source, const ServerOptions& options,
     if (!fetched) {
         const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
         if (!password.password) {
-            UsageError(password.error);
+            UsageError(password.status.failure().detail);
             return ToInt(ExitCode::BadInput);
         }
         ServerClient client(options);
-        if (const int code = client.LogInAndDownload(*password.password); code != 0)
+        if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0)
             return code;
         client.Close();
         fetched = client.store();

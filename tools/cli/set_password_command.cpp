@@ -27,15 +27,15 @@ int RunSetPassword(const std::vector<std::string>& args) {
     }
     const PasswordResult current = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!current.password) {
-        return UsageError(current.error);
+        return UsageError(current.status.failure().detail);
     }
     const PasswordResult next =
         ReadPassword({newPasswordFile, "LUMETH_NEW_PASSWORD", "New password: "});
     if (!next.password) {
-        return UsageError(next.error);
+        return UsageError(next.status.failure().detail);
     }
-    if (const std::string problem = NewPasswordProblem(*next.password); !problem.empty()) {
-        return Error(ExitCode::BadInput, problem);
+    if (const Status usable = CheckNewPassword(*next.password); !usable) {
+        return Error(ExitCode::BadInput, usable.failure().detail);
     }
 
     ServerClient client(options);

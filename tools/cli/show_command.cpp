@@ -4,6 +4,7 @@
 
 #include "files/cp1252.h"
 #include "model/button_catalogue.h"
+#include "model/limits.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
@@ -14,8 +15,7 @@ namespace {
 // Names are stored blank-padded to their field width; the listing shows them
 // without the padding, as UTF-8.
 std::string Shown(const std::string& name) {
-    const auto end = name.find_last_not_of(' ');
-    return cp1252::ToUtf8(end == std::string::npos ? std::string() : name.substr(0, end + 1));
+    return cp1252::ToUtf8(TrimTrailingBlanks(name));
 }
 
 std::string Quoted(const std::string& name) {
