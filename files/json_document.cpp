@@ -489,22 +489,15 @@ public:
             store.lists(s).resize(ArraySizeFor(store.listCount(s)));
         }
         UserGroupTable& groups = store.groups;
-        groups.userGroupCount = static_cast<int16_t>(m_groups.size());
         groups.userGroupNames = std::move(m_groupNames);
         groups.userGroups = std::move(m_groups);
-        groups.userGroupIndex.clear();
-        groups.userGroupNumber.clear();
-        groups.Resize(groups.userGroupCount);
-        OwnPositions(groups.userGroupIndex, groups.userGroupNumber, groups.userGroupCount);
+        Finish(groups, groups.userGroupCount, groups.userGroups.size(), groups.userGroupIndex,
+               groups.userGroupNumber);
         TemplateTable& templates = store.templates;
-        templates.templateCount = static_cast<int16_t>(m_templates.size());
         templates.templateNames = std::move(m_templateNames);
         templates.buttonTemplates = std::move(m_templates);
-        templates.templateIndex.clear();
-        templates.templatePosition.clear();
-        templates.Resize(templates.templateCount);
-        // Like a download: each template's index pair is its own position.
-        OwnPositions(templates.templateIndex, templates.templatePosition, templates.templateCount);
+        Finish(templates, templates.templateCount, templates.buttonTemplates.size(),
+               templates.templateIndex, templates.templatePosition);
         if (m_hasAlphas) {
             for (SubType s : kAllSubTypes) {
                 BuildAlphaTable(store.alpha(s), std::move(m_alphas[Index(s)]));
@@ -519,11 +512,19 @@ public:
     }
 
 private:
-    // Both values of each entry's index pair are its own position.
-    static void OwnPositions(std::vector<int16_t>& a, std::vector<int16_t>& b, int16_t count) {
+    // The count from the records read, every array sized for it, and both
+    // values of each record's index pair its own position, as a download
+    // leaves them.
+    template <typename Table>
+    static void Finish(Table& table, int16_t& count, size_t records, std::vector<int16_t>& index,
+                       std::vector<int16_t>& position) {
+        count = static_cast<int16_t>(records);
+        index.clear();
+        position.clear();
+        table.Resize(count);
         for (int16_t i = 0; i < count; ++i) {
-            a[static_cast<size_t>(i)] = i;
-            b[static_cast<size_t>(i)] = i;
+            index[static_cast<size_t>(i)] = i;
+            position[static_cast<size_t>(i)] = i;
         }
     }
 
