@@ -31,15 +31,33 @@ class DocumentWriter {
 public:
     explicit DocumentWriter(const ByteSink& sink) : m_sink(sink) {
         m_buffer.reserve(kChunk + 4096);
+        // Each key with what comes before it and its colon: the
+        // document's members one per line, a record's inline after its
+        // opening brace, a group's list entries without blanks.
+        for (const JsonNode& node : JsonSchema()) {
+            if (node.key == nullptr || node.slot == JsonSlot::Lists ||
+                node.slot == JsonSlot::Alphas) {
+                continue; // array elements; sub type sections are written by part
+            }
+            const bool first = JsonMembers(node.parent).front() == &node;
+            const bool compact = node.parent == JsonSlot::Entry;
+            std::string& text = m_keys[static_cast<size_t>(node.slot)];
+            if (node.parent == JsonSlot::Document) {
+                text = first ? "\n  " : ",\n  ";
+            } else {
+                text = first ? "{" : (compact ? "," : ", ");
+            }
+            text += '"' + std::string(node.key) + (compact ? "\":" : "\": ");
+        }
     }
 
     bool Write(const PanelStore& store, const JsonDocumentOptions& options) {
         Raw("{");
-        Member(JsonSlot::Format, "\n  ");
+        Member(JsonSlot::Format);
         String(kJsonFormatName);
-        Member(JsonSlot::Version, ",\n  ");
+        Member(JsonSlot::Version);
         Number(kJsonFormatVersion);
-        Member(JsonSlot::ListSections, ",\n  ");
+        Member(JsonSlot::ListSections);
         Raw("{");
         for (SubType s : kAllSubTypes) {
             DisplayLists(store, s);
@@ -48,7 +66,7 @@ public:
         UserGroups(store.groups);
         Templates(store.templates);
         if (options.includeAlphas) {
-            Member(JsonSlot::AlphaSections, ",\n  ");
+            Member(JsonSlot::AlphaSections);
             Raw("{");
             for (SubType s : kAllSubTypes) {
                 Alphas(store.alpha(s).channelNames, s);
@@ -56,7 +74,7 @@ public:
             Raw("\n  }");
         }
         if (options.password) {
-            Member(JsonSlot::Password, ",\n  ");
+            Member(JsonSlot::Password);
             Name(*options.password, std::string::npos);
         }
         Raw("\n}\n");
@@ -78,9 +96,9 @@ private:
         for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
             const DisplayList& list = RefAt(store.lists(s), i);
             Item(i, 6);
-            Member(JsonSlot::ListName, "{");
+            Member(JsonSlot::ListName);
             Name(list.name, kNameWidth);
-            Member(JsonSlot::Channels, ", ");
+            Member(JsonSlot::Channels);
             Raw("[");
             for (int k = 0; k < ValidCount(list.channelCount); ++k) {
                 if (k > 0) {
@@ -94,19 +112,22 @@ private:
     }
 
     void UserGroups(const UserGroupTable& groups) {
-        Member(JsonSlot::Groups, ",\n  ");
+        Member(JsonSlot::Groups);
         Raw("[");
         for (int i = 0; i < ValidCount(groups.userGroupCount); ++i) {
             const UserGroup& group = RefAt(groups.userGroups, i);
             Item(i, 4);
-            Member(JsonSlot::GroupName, "{");
+            Member(JsonSlot::GroupName);
             Name(RefAt(groups.userGroupNames, i), kNameWidth);
-            Member(JsonSlot::Entries, ", ");
+            Member(JsonSlot::Entries);
             Raw("[");
             for (int k = 0; k < ValidCount(group.listCount); ++k) {
-                Member(JsonSlot::EntryType, k > 0 ? ",{" : "{", ":");
+                if (k > 0) {
+                    m_buffer += ',';
+                }
+                Member(JsonSlot::EntryType);
                 Number(RefAt(group.listTypes, k));
-                Member(JsonSlot::EntryIndex, ",", ":");
+                Member(JsonSlot::EntryIndex);
                 Number(RefAt(group.listIndexes, k));
                 Raw("}");
             }
@@ -116,16 +137,16 @@ private:
     }
 
     void Templates(const TemplateTable& templates) {
-        Member(JsonSlot::Templates, ",\n  ");
+        Member(JsonSlot::Templates);
         Raw("[");
         for (int i = 0; i < ValidCount(templates.templateCount); ++i) {
             const ButtonTemplate& tmpl = RefAt(templates.buttonTemplates, i);
             Item(i, 4);
-            Member(JsonSlot::TemplateName, "{");
+            Member(JsonSlot::TemplateName);
             Name(RefAt(templates.templateNames, i), kNameWidth);
-            Member(JsonSlot::TemplateNumber, ", ");
+            Member(JsonSlot::TemplateNumber);
             Number(tmpl.number);
-            Member(JsonSlot::Buttons, ", ");
+            Member(JsonSlot::Buttons);
             Raw("[");
             for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
                 Item(k, 6);
@@ -138,15 +159,15 @@ private:
     }
 
     void Button(const PanelButton& b) {
-        Member(JsonSlot::ButtonType, "{");
+        Member(JsonSlot::ButtonType);
         Number(b.type);
-        Member(JsonSlot::CaptionOption, ", ");
+        Member(JsonSlot::CaptionOption);
         Number(b.captionOption);
-        Member(JsonSlot::Label, ", ");
+        Member(JsonSlot::Label);
         Name(b.label, kLabelWidth);
-        Member(JsonSlot::ButtonChannel, ", ");
+        Member(JsonSlot::ButtonChannel);
         Number(b.channel);
-        Member(JsonSlot::ButtonChannel2, ", ");
+        Member(JsonSlot::ButtonChannel2);
         Number(b.channel2);
         Raw("}");
     }
@@ -160,14 +181,8 @@ private:
         Close(!names.empty(), 4, ']');
     }
 
-    // `before`, the key of `slot` quoted, then `colon`.
-    void Member(JsonSlot slot, std::string_view before, std::string_view colon = ": ") {
-        m_buffer += before;
-        m_buffer += '"';
-        m_buffer += JsonKey(slot);
-        m_buffer += '"';
-        Raw(colon);
-    }
+    // The key of `slot` with its colon, after the separator before it.
+    void Member(JsonSlot slot) { Raw(m_keys[static_cast<size_t>(slot)]); }
 
     void Raw(std::string_view text) {
         m_buffer += text;
@@ -250,6 +265,7 @@ private:
     }
 
     const ByteSink& m_sink;
+    std::array<std::string, kJsonSlotCount> m_keys;
     std::string m_buffer;
     bool m_ok = true;
 };
@@ -292,7 +308,8 @@ public:
     bool binary(binary_t&) override { return Scalar("binary"); }
 
     bool string(string_t& value) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
@@ -300,13 +317,13 @@ public:
         case Slot::Format:
             return value == kJsonFormatName || Mismatch(slot, "string");
         case Slot::ListName:
-            return Text(slot, value, m_lists[m_subType].back().name);
+            return Text(node, value, m_lists[m_subType].back().name);
         case Slot::GroupName:
-            return Text(slot, value, m_groupNames.back());
+            return Text(node, value, m_groupNames.back());
         case Slot::TemplateName:
-            return Text(slot, value, m_templateNames.back());
+            return Text(node, value, m_templateNames.back());
         case Slot::Label:
-            return Text(slot, value, m_templates.back().buttons.back().label);
+            return Text(node, value, m_templates.back().buttons.back().label);
         case Slot::AlphaName:
             m_alphas[m_subType].push_back(cp1252::FromUtf8(value));
             return true;
@@ -319,11 +336,12 @@ public:
     }
 
     bool start_object(std::size_t) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
-        if (JsonNodeOf(slot).value != JsonValue::Object) {
+        if (node.value != JsonValue::Object) {
             return Mismatch(slot, "object");
         }
         switch (slot) {
@@ -363,7 +381,7 @@ public:
         default:
             break;
         }
-        m_frames.emplace_back(slot, false);
+        m_frames.emplace_back(node, false);
         return true;
     }
 
@@ -373,7 +391,7 @@ public:
         for (const JsonNode* member : JsonMembers(frame.slot)) {
             if (name == member->key) {
                 frame.key = member->key;
-                frame.child = member->slot;
+                frame.child = member;
                 frame.seen |= 1u << bit;
                 if (member->slot == Slot::Lists || member->slot == Slot::Alphas) {
                     m_part = *member->part;
@@ -417,11 +435,12 @@ public:
     }
 
     bool start_array(std::size_t) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
-        if (!JsonElement(slot)) {
+        if (node.value != JsonValue::Array) {
             return Mismatch(slot, "array");
         }
         switch (slot) {
@@ -456,7 +475,7 @@ public:
         default:
             break;
         }
-        m_frames.emplace_back(slot, true);
+        m_frames.emplace_back(node, true);
         return true;
     }
 
@@ -529,68 +548,72 @@ private:
     }
 
     struct Frame {
-        Frame(Slot s, bool isArray) : slot(s), array(isArray) {}
+        Frame(const JsonNode& node, bool isArray)
+            : slot(node.slot), array(isArray), limit(static_cast<size_t>(node.max)),
+              element(isArray ? &JsonNodeOf(*JsonElement(node.slot)) : nullptr) {}
         Slot slot;
         bool array;
-        size_t count = 0;            // array: elements begun so far
-        std::string_view key;        // object: the current key
-        Slot child = Slot::Document; // object: the slot of the current key
-        unsigned seen = 0;           // object: bit per key of its rule
+        size_t limit;                    // array: the most elements
+        const JsonNode* element;         // array: the node of its elements
+        size_t count = 0;                // array: elements begun so far
+        std::string_view key;            // object: the current key
+        const JsonNode* child = nullptr; // object: the node of the current key
+        unsigned seen = 0;               // object: bit per key of its schema node
     };
 
-    // The slot of the value that begins now. An array counts its element and
-    // closes the element off with the count it finishes (lists, groups and
-    // templates keep their counts from their array sizes).
-    Slot Begin() {
+    // The schema node of the value that begins now. An array counts its
+    // element (lists, groups and templates keep their counts from their
+    // array sizes).
+    const JsonNode& Begin() {
         if (m_frames.empty()) {
-            return Slot::Document;
+            return JsonNodeOf(Slot::Document);
         }
         Frame& frame = m_frames.back();
         if (!frame.array) {
-            return frame.child;
+            return *frame.child;
         }
-        if (frame.count == static_cast<size_t>(JsonNodeOf(frame.slot).max)) {
-            m_frames.back().count = SIZE_MAX; // the path names the array itself
-            Fail(ErrorCode::Overflow, frame.slot == Slot::Alphas
-                                          ? "more than " + std::to_string(kNoChannel) + " channels"
-                                          : "more than " + std::to_string(INT16_MAX) + " entries");
-            return frame.slot;
+        if (frame.count == frame.limit) {
+            frame.count = SIZE_MAX; // the path names the array itself
+            Fail(ErrorCode::Overflow, "more than " + std::to_string(frame.limit) +
+                                          (frame.slot == Slot::Alphas ? " channels" : " entries"));
+            return JsonNodeOf(frame.slot);
         }
         ++frame.count;
-        return *JsonElement(frame.slot);
+        return *frame.element;
     }
 
     bool Scalar(const char* found) {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
         if (m_failed) {
             return false;
         }
-        return Mismatch(slot, found);
+        return Mismatch(node.slot, found);
     }
 
     bool Integer(int64_t value) {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
         if (m_failed) {
             return false;
         }
-        const JsonNode& node = JsonNodeOf(slot);
         if (node.value != JsonValue::Integer) {
-            return Mismatch(slot, "an integer");
-        }
-        if (slot == Slot::Version) {
-            return value == kJsonFormatVersion || Mismatch(slot, "");
+            return Mismatch(node.slot, "an integer");
         }
         if (value < node.min || value > node.max) {
+            if (node.slot == Slot::Version) {
+                return Mismatch(node.slot, "");
+            }
             return Fail(ErrorCode::Overflow, "out of range " + std::to_string(node.min) + ".." +
                                                  std::to_string(node.max));
         }
-        *Target(slot) = static_cast<int16_t>(value);
+        *Target(node.slot) = static_cast<int16_t>(value);
         return true;
     }
 
     // Where the store keeps the integer of `slot`.
     int16_t* Target(Slot slot) {
         switch (slot) {
+        case Slot::Version:
+            return &m_version; // its range allows the one version read
         case Slot::Channel:
             return &m_lists[m_subType].back().channels.emplace_back();
         case Slot::EntryType:
@@ -612,8 +635,8 @@ private:
 
     // Characters are counted after the UTF-8 text is mapped to Windows-1252
     // bytes, one byte per character.
-    bool Text(Slot slot, const std::string& utf8, std::string& target) {
-        const auto maxChars = static_cast<size_t>(JsonNodeOf(slot).max);
+    bool Text(const JsonNode& node, const std::string& utf8, std::string& target) {
+        const auto maxChars = static_cast<size_t>(node.max);
         if (cp1252::Utf8Length(utf8) > maxChars) {
             return Fail(ErrorCode::Overflow,
                         "longer than " + std::to_string(maxChars) + " characters");
@@ -670,6 +693,7 @@ private:
     bool m_hasAlphas = false;
     std::array<std::vector<std::string>, 4> m_alphas;
     std::optional<std::string> m_password;
+    int16_t m_version = 0;
 };
 
 } // namespace

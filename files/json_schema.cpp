@@ -176,10 +176,6 @@ std::optional<JsonSlot> JsonElement(JsonSlot array) {
     return Lookup().element[static_cast<size_t>(array)];
 }
 
-const char* JsonKey(JsonSlot slot) {
-    return JsonNodeOf(slot).key;
-}
-
 const JsonNode& JsonSection(Part part) {
     return *Lookup().section[static_cast<size_t>(part)];
 }

@@ -82,8 +82,6 @@ const JsonNode& JsonNodeOf(JsonSlot slot);
 const std::vector<const JsonNode*>& JsonMembers(JsonSlot object);
 // The slot of an array slot's elements.
 std::optional<JsonSlot> JsonElement(JsonSlot array);
-// The key of a member slot ("channels").
-const char* JsonKey(JsonSlot slot);
 // The section node that holds `part`.
 const JsonNode& JsonSection(Part part);
 
