@@ -19,89 +19,64 @@ constexpr int kMaxEntries = INT16_MAX;
 // The keys of a sub type's section, in sub type order.
 constexpr const char* kSubTypeKeys[kSubTypeCount] = {"input", "output", "opto", "relay"};
 
+// A sub type's section of display lists or channel names.
 constexpr JsonNode Section(S slot, S parent, SubType s, Part part) {
     return {slot,      parent, kSubTypeKeys[Index(s)],
             V::Array,  false,  part,
             F::Record, 0,      slot == S::Alphas ? kNoChannel : kMaxEntries};
 }
 
+constexpr int kMin = INT16_MIN;
+constexpr int kMax = INT16_MAX;
+constexpr int kName = static_cast<int>(kNameWidth);
+constexpr int kLabel = static_cast<int>(kLabelWidth);
+
+// Each object's keys in the order they are written; required keys first.
+// clang-format off
 constexpr JsonNode kNodes[] = {
-    {S::Document, S::Document, nullptr, V::Object, false, {}},
-    {S::Format, S::Document, "format", V::Text, true, {}},
-    {S::Version,
-     S::Document,
-     "version",
-     V::Integer,
-     true,
-     {},
-     F::Record,
-     kJsonFormatVersion,
-     kJsonFormatVersion},
-    {S::ListSections, S::Document, "display_lists", V::Object, false, {}},
-    {S::Groups, S::Document, "user_groups", V::Array, false, Part::UserGroups, F::Record, 0,
-     kMaxEntries},
-    {S::Templates, S::Document, "templates", V::Array, false, Part::Templates, F::Record, 0,
-     kMaxEntries},
-    {S::AlphaSections, S::Document, "alphas", V::Object, false, {}},
-    {S::Password, S::Document, "password", V::Text, false, Part::Password},
+    {S::Document,       S::Document,      nullptr,          V::Object,  false, {}},
+    {S::Format,         S::Document,      "format",         V::Text,    true,  {}},
+    {S::Version,        S::Document,      "version",        V::Integer, true,  {}, F::Record, kJsonFormatVersion, kJsonFormatVersion},
+    {S::ListSections,   S::Document,      "display_lists",  V::Object,  false, {}},
+    {S::Groups,         S::Document,      "user_groups",    V::Array,   false, Part::UserGroups, F::Record, 0, kMaxEntries},
+    {S::Templates,      S::Document,      "templates",      V::Array,   false, Part::Templates, F::Record, 0, kMaxEntries},
+    {S::AlphaSections,  S::Document,      "alphas",         V::Object,  false, {}},
+    {S::Password,       S::Document,      "password",       V::Text,    false, Part::Password},
 
     Section(S::Lists, S::ListSections, SubType::Input, Part::InputLists),
     Section(S::Lists, S::ListSections, SubType::Output, Part::OutputLists),
     Section(S::Lists, S::ListSections, SubType::Opto, Part::OptoLists),
     Section(S::Lists, S::ListSections, SubType::Relay, Part::RelayLists),
-    {S::List, S::Lists, nullptr, V::Object, false, {}},
-    {S::ListName, S::List, "name", V::Text, true, {}, F::Name, 0, int{kNameWidth}},
-    {S::Channels, S::List, "channels", V::Array, true, {}, F::Record, 0, kMaxEntries},
-    {S::Channel, S::Channels, nullptr, V::Integer, false, {}, F::Channel, 0, kNoChannel},
+    {S::List,           S::Lists,         nullptr,          V::Object,  false, {}},
+    {S::ListName,       S::List,          "name",           V::Text,    true,  {}, F::Name, 0, kName},
+    {S::Channels,       S::List,          "channels",       V::Array,   true,  {}, F::Record, 0, kMaxEntries},
+    {S::Channel,        S::Channels,      nullptr,          V::Integer, false, {}, F::Channel, 0, kNoChannel},
 
-    {S::Group, S::Groups, nullptr, V::Object, false, {}},
-    {S::GroupName, S::Group, "name", V::Text, true, {}, F::Name, 0, int{kNameWidth}},
-    {S::Entries, S::Group, "lists", V::Array, true, {}, F::Record, 0, kMaxEntries},
-    {S::Entry, S::Entries, nullptr, V::Object, false, {}, F::GroupEntry},
-    {S::EntryType, S::Entry, "type", V::Integer, true, {}, F::EntryType, INT16_MIN, INT16_MAX},
-    {S::EntryIndex, S::Entry, "index", V::Integer, true, {}, F::EntryIndex, INT16_MIN, INT16_MAX},
+    {S::Group,          S::Groups,        nullptr,          V::Object,  false, {}},
+    {S::GroupName,      S::Group,         "name",           V::Text,    true,  {}, F::Name, 0, kName},
+    {S::Entries,        S::Group,         "lists",          V::Array,   true,  {}, F::Record, 0, kMaxEntries},
+    {S::Entry,          S::Entries,       nullptr,          V::Object,  false, {}, F::GroupEntry},
+    {S::EntryType,      S::Entry,         "type",           V::Integer, true,  {}, F::EntryType, kMin, kMax},
+    {S::EntryIndex,     S::Entry,         "index",          V::Integer, true,  {}, F::EntryIndex, kMin, kMax},
 
-    {S::Template, S::Templates, nullptr, V::Object, false, {}},
-    {S::TemplateName, S::Template, "name", V::Text, true, {}, F::Name, 0, int{kNameWidth}},
-    {S::TemplateNumber,
-     S::Template,
-     "number",
-     V::Integer,
-     true,
-     {},
-     F::TemplateNumber,
-     INT16_MIN,
-     INT16_MAX},
-    {S::Buttons, S::Template, "buttons", V::Array, true, {}, F::Record, 0, kMaxEntries},
-    {S::Button, S::Buttons, nullptr, V::Object, false, {}, F::Button},
-    {S::ButtonType, S::Button, "type", V::Integer, true, {}, F::ButtonType, INT16_MIN, INT16_MAX},
-    {S::CaptionOption,
-     S::Button,
-     "caption_option",
-     V::Integer,
-     true,
-     {},
-     F::CaptionOption,
-     INT16_MIN,
-     INT16_MAX},
-    {S::Label, S::Button, "label", V::Text, true, {}, F::Label, 0, int{kLabelWidth}},
-    {S::ButtonChannel, S::Button, "channel", V::Integer, true, {}, F::ButtonChannel, 0, kNoChannel},
-    {S::ButtonChannel2,
-     S::Button,
-     "channel2",
-     V::Integer,
-     true,
-     {},
-     F::ButtonChannel2,
-     0,
-     kNoChannel},
+    {S::Template,       S::Templates,     nullptr,          V::Object,  false, {}},
+    {S::TemplateName,   S::Template,      "name",           V::Text,    true,  {}, F::Name, 0, kName},
+    {S::TemplateNumber, S::Template,      "number",         V::Integer, true,  {}, F::TemplateNumber, kMin, kMax},
+    {S::Buttons,        S::Template,      "buttons",        V::Array,   true,  {}, F::Record, 0, kMaxEntries},
+    {S::Button,         S::Buttons,       nullptr,          V::Object,  false, {}, F::Button},
+    {S::ButtonType,     S::Button,        "type",           V::Integer, true,  {}, F::ButtonType, kMin, kMax},
+    {S::CaptionOption,  S::Button,        "caption_option", V::Integer, true,  {}, F::CaptionOption, kMin, kMax},
+    {S::Label,          S::Button,        "label",          V::Text,    true,  {}, F::Label, 0, kLabel},
+    {S::ButtonChannel,  S::Button,        "channel",        V::Integer, true,  {}, F::ButtonChannel, 0, kNoChannel},
+    {S::ButtonChannel2, S::Button,        "channel2",       V::Integer, true,  {}, F::ButtonChannel2, 0, kNoChannel},
 
     Section(S::Alphas, S::AlphaSections, SubType::Input, Part::InputAlphas),
     Section(S::Alphas, S::AlphaSections, SubType::Output, Part::OutputAlphas),
     Section(S::Alphas, S::AlphaSections, SubType::Opto, Part::OptoAlphas),
     Section(S::Alphas, S::AlphaSections, SubType::Relay, Part::RelayAlphas),
-    {S::AlphaName, S::Alphas, nullptr, V::Text, false, {}},
+    {S::AlphaName,      S::Alphas,        nullptr,          V::Text,    false, {}},
 };
+// clang-format on
 
 // The table looked up by slot and by part, built once.
 struct SchemaIndex {
