@@ -6,6 +6,7 @@
 
 #include "app/main_window.h"
 #include "app/program_folder.h"
+#include "files/user_data_folder.h"
 #include "lumeth/version.h"
 
 namespace {
@@ -29,8 +30,10 @@ int Run(int argc, char* argv[]) {
     }
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName("Lumeth Admin");
-    QApplication::setOrganizationName("KOV");
+    QApplication::setApplicationName(QString::fromUtf8(lumeth::kDataApplication.data(),
+                                                       qsizetype(lumeth::kDataApplication.size())));
+    QApplication::setOrganizationName(QString::fromUtf8(
+        lumeth::kDataOrganisation.data(), qsizetype(lumeth::kDataOrganisation.size())));
     QApplication::setApplicationVersion(lumeth::kProductVersion);
     // Matches the installed launcher entry, so the desktop groups the window under it.
     QGuiApplication::setDesktopFileName("lumeth-admin");

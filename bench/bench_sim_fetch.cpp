@@ -108,6 +108,7 @@ double RunCli(const QStringList& args, const QString& folder) {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("LUMETH_PASSWORD", "studio");
+    env.insert("XDG_DATA_HOME", folder); // its error log stays in the bench's folder
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(folder);
     QEventLoop loop;

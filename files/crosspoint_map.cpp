@@ -5,6 +5,7 @@
 #include "files/file_io.h"
 #include "model/channel_alpha.h"
 #include "model/cp1252.h"
+#include "model/limits.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
@@ -26,9 +27,7 @@ void AppendField(std::string& csv, std::string_view field) {
 }
 
 std::string Shown(std::string_view name) {
-    const size_t end = name.find_last_not_of(' ');
-    return cp1252::ToUtf8(end == std::string_view::npos ? std::string_view()
-                                                        : name.substr(0, end + 1));
+    return cp1252::ToUtf8(TrimTrailingBlanks(name));
 }
 
 bool HasChannelNames(const PanelStore& store) {

@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "files/json_schema.h"
 #include "files/panel_data_file.h"
 #include "model/alpha_sort.h"
 #include "model/cp1252.h"
@@ -19,21 +20,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kFormatName = "lumeth-panel-data";
-constexpr int kFormatVersion = 1;
-constexpr const char* kSubTypeKeys[4] = {"input", "output", "opto", "relay"};
-
 // ---- writing ----------------------------------------------------------------
-
-template <typename T> const T& At(const std::vector<T>& v, int i) {
-    static const T kEmpty{};
-    const auto pos = static_cast<size_t>(i);
-    return pos < v.size() ? v[pos] : kEmpty;
-}
-
-int ValidCount(int16_t count) {
-    return count < 0 ? 0 : count;
-}
 
 // Writes the document for people and for diff: one display list, group,
 // button or channel name per line, with its channel numbers or list entries
@@ -44,96 +31,50 @@ class DocumentWriter {
 public:
     explicit DocumentWriter(const ByteSink& sink) : m_sink(sink) {
         m_buffer.reserve(kChunk + 4096);
+        // Each key with what comes before it and its colon: the
+        // document's members one per line, a record's inline after its
+        // opening brace, a group's list entries without blanks.
+        for (const JsonNode& node : JsonSchema()) {
+            if (node.key == nullptr || node.slot == JsonSlot::Lists ||
+                node.slot == JsonSlot::Alphas) {
+                continue; // array elements; sub type sections are written by part
+            }
+            const bool first = JsonMembers(node.parent).front() == &node;
+            const bool compact = node.parent == JsonSlot::Entry;
+            std::string& text = m_keys[static_cast<size_t>(node.slot)];
+            if (node.parent == JsonSlot::Document) {
+                text = first ? "\n  " : ",\n  ";
+            } else {
+                text = first ? "{" : (compact ? "," : ", ");
+            }
+            text += '"' + std::string(node.key) + (compact ? "\":" : "\": ");
+        }
     }
 
     bool Write(const PanelStore& store, const JsonDocumentOptions& options) {
-        Raw("{\n  \"format\": ");
-        String(kFormatName);
-        Raw(",\n  \"version\": ");
-        Number(kFormatVersion);
-        Raw(",\n  \"display_lists\": {");
+        Raw("{");
+        Member(JsonSlot::Format);
+        String(kJsonFormatName);
+        Member(JsonSlot::Version);
+        Number(kJsonFormatVersion);
+        Member(JsonSlot::ListSections);
+        Raw("{");
         for (SubType s : kAllSubTypes) {
-            Raw(s == SubType::Input ? "\n    " : ",\n    ");
-            String(kSubTypeKeys[static_cast<size_t>(s)]);
-            Raw(": [");
-            for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
-                const DisplayList& list = At(store.lists(s), i);
-                Item(i, 6);
-                Raw("{\"name\": ");
-                Name(list.name, kNameWidth);
-                Raw(", \"channels\": [");
-                for (int k = 0; k < ValidCount(list.channelCount); ++k) {
-                    if (k > 0) {
-                        m_buffer += ',';
-                    }
-                    Number(At(list.channels, k));
-                }
-                Raw("]}");
-            }
-            Close(store.listCount(s) > 0, 4, ']');
+            DisplayLists(store, s);
         }
-        Raw("\n  },\n  \"user_groups\": [");
-        for (int i = 0; i < ValidCount(store.groups.userGroupCount); ++i) {
-            const UserGroup& group = At(store.groups.userGroups, i);
-            Item(i, 4);
-            Raw("{\"name\": ");
-            Name(At(store.groups.userGroupNames, i), kNameWidth);
-            Raw(", \"lists\": [");
-            for (int k = 0; k < ValidCount(group.listCount); ++k) {
-                Raw(k > 0 ? ",{\"type\":" : "{\"type\":");
-                Number(At(group.listTypes, k));
-                Raw(",\"index\":");
-                Number(At(group.listIndexes, k));
-                Raw("}");
-            }
-            Raw("]}");
-        }
-        Close(store.groups.userGroupCount > 0, 2, ']');
-        Raw(",\n  \"templates\": [");
-        for (int i = 0; i < ValidCount(store.templates.templateCount); ++i) {
-            const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
-            Item(i, 4);
-            Raw("{\"name\": ");
-            Name(At(store.templates.templateNames, i), kNameWidth);
-            Raw(", \"number\": ");
-            Number(tmpl.number);
-            Raw(", \"buttons\": [");
-            for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
-                const PanelButton& b = At(tmpl.buttons, k);
-                Item(k, 6);
-                Raw("{\"type\": ");
-                Number(b.type);
-                Raw(", \"caption_option\": ");
-                Number(b.captionOption);
-                Raw(", \"label\": ");
-                Name(b.label, kLabelWidth);
-                Raw(", \"channel\": ");
-                Number(b.channel);
-                Raw(", \"channel2\": ");
-                Number(b.channel2);
-                Raw("}");
-            }
-            Close(tmpl.buttonCount > 0, 4, ']');
-            Raw("}");
-        }
-        Close(store.templates.templateCount > 0, 2, ']');
+        Raw("\n  }");
+        UserGroups(store.groups);
+        Templates(store.templates);
         if (options.includeAlphas) {
-            Raw(",\n  \"alphas\": {");
+            Member(JsonSlot::AlphaSections);
+            Raw("{");
             for (SubType s : kAllSubTypes) {
-                Raw(s == SubType::Input ? "\n    " : ",\n    ");
-                String(kSubTypeKeys[static_cast<size_t>(s)]);
-                Raw(": [");
-                const auto& names = store.alpha(s).channelNames;
-                for (size_t i = 0; i < names.size(); ++i) {
-                    Item(static_cast<int>(i), 6);
-                    Name(names[i], std::string::npos);
-                }
-                Close(!names.empty(), 4, ']');
+                Alphas(store.alpha(s).channelNames, s);
             }
             Raw("\n  }");
         }
         if (options.password) {
-            Raw(",\n  \"password\": ");
+            Member(JsonSlot::Password);
             Name(*options.password, std::string::npos);
         }
         Raw("\n}\n");
@@ -142,6 +83,106 @@ public:
 
 private:
     static constexpr size_t kChunk = 64 * 1024;
+
+    // A sub type's section opens its object's first line without a comma.
+    void SectionKey(Part part, SubType s) {
+        Raw(s == SubType::Input ? "\n    \"" : ",\n    \"");
+        Raw(JsonSection(part).key);
+        Raw("\": [");
+    }
+
+    void DisplayLists(const PanelStore& store, SubType s) {
+        SectionKey(ListsPart(s), s);
+        for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
+            const DisplayList& list = RefAt(store.lists(s), i);
+            Item(i, 6);
+            Member(JsonSlot::ListName);
+            Name(list.name, kNameWidth);
+            Member(JsonSlot::Channels);
+            Raw("[");
+            for (int k = 0; k < ValidCount(list.channelCount); ++k) {
+                if (k > 0) {
+                    m_buffer += ',';
+                }
+                Number(RefAt(list.channels, k));
+            }
+            Raw("]}");
+        }
+        Close(store.listCount(s) > 0, 4, ']');
+    }
+
+    void UserGroups(const UserGroupTable& groups) {
+        Member(JsonSlot::Groups);
+        Raw("[");
+        for (int i = 0; i < ValidCount(groups.userGroupCount); ++i) {
+            const UserGroup& group = RefAt(groups.userGroups, i);
+            Item(i, 4);
+            Member(JsonSlot::GroupName);
+            Name(RefAt(groups.userGroupNames, i), kNameWidth);
+            Member(JsonSlot::Entries);
+            Raw("[");
+            for (int k = 0; k < ValidCount(group.listCount); ++k) {
+                if (k > 0) {
+                    m_buffer += ',';
+                }
+                Member(JsonSlot::EntryType);
+                Number(RefAt(group.listTypes, k));
+                Member(JsonSlot::EntryIndex);
+                Number(RefAt(group.listIndexes, k));
+                Raw("}");
+            }
+            Raw("]}");
+        }
+        Close(groups.userGroupCount > 0, 2, ']');
+    }
+
+    void Templates(const TemplateTable& templates) {
+        Member(JsonSlot::Templates);
+        Raw("[");
+        for (int i = 0; i < ValidCount(templates.templateCount); ++i) {
+            const ButtonTemplate& tmpl = RefAt(templates.buttonTemplates, i);
+            Item(i, 4);
+            Member(JsonSlot::TemplateName);
+            Name(RefAt(templates.templateNames, i), kNameWidth);
+            Member(JsonSlot::TemplateNumber);
+            Number(tmpl.number);
+            Member(JsonSlot::Buttons);
+            Raw("[");
+            for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
+                Item(k, 6);
+                Button(RefAt(tmpl.buttons, k));
+            }
+            Close(tmpl.buttonCount > 0, 4, ']');
+            Raw("}");
+        }
+        Close(templates.templateCount > 0, 2, ']');
+    }
+
+    void Button(const PanelButton& b) {
+        Member(JsonSlot::ButtonType);
+        Number(b.type);
+        Member(JsonSlot::CaptionOption);
+        Number(b.captionOption);
+        Member(JsonSlot::Label);
+        Name(b.label, kLabelWidth);
+        Member(JsonSlot::ButtonChannel);
+        Number(b.channel);
+        Member(JsonSlot::ButtonChannel2);
+        Number(b.channel2);
+        Raw("}");
+    }
+
+    void Alphas(const std::vector<std::string>& names, SubType s) {
+        SectionKey(AlphasPart(s), s);
+        for (size_t i = 0; i < names.size(); ++i) {
+            Item(static_cast<int>(i), 6);
+            Name(names[i], std::string::npos);
+        }
+        Close(!names.empty(), 4, ']');
+    }
+
+    // The key of `slot` with its colon, after the separator before it.
+    void Member(JsonSlot slot) { Raw(m_keys[static_cast<size_t>(slot)]); }
 
     void Raw(std::string_view text) {
         m_buffer += text;
@@ -224,160 +265,28 @@ private:
     }
 
     const ByteSink& m_sink;
+    std::array<std::string, kJsonSlotCount> m_keys;
     std::string m_buffer;
     bool m_ok = true;
 };
 
 // ---- reading ----------------------------------------------------------------
 
-std::string Element(const std::string& path, size_t index) {
-    return path + "[" + std::to_string(index) + "]";
-}
-
-// Where a value sits in the document decides what it must be.
-enum class Slot {
-    Document,
-    Format,
-    Version,
-    Password,
-    ListSections, // "display_lists": {"input": [...], ...}
-    Lists,        // one sub type's display lists
-    List,
-    ListName,
-    Channels,
-    Channel,
-    Groups,
-    Group,
-    GroupName,
-    Entries,
-    Entry,
-    EntryType,
-    EntryIndex,
-    Templates,
-    Template,
-    TemplateName,
-    TemplateNumber,
-    Buttons,
-    Button,
-    ButtonType,
-    CaptionOption,
-    Label,
-    ButtonChannel,
-    ButtonChannel2,
-    AlphaSections,
-    Alphas,
-    AlphaName,
-};
-
-struct Key {
-    const char* name;
-    Slot slot;
-    int subType; // for the four sub type keys
-};
-
-// The keys an object may hold; the first `required` of them must be present.
-struct ObjectRule {
-    std::initializer_list<Key> keys;
-    size_t required;
-};
-
-const ObjectRule* RuleFor(Slot slot) {
-    static const ObjectRule kDocument{{{"format", Slot::Format, 0},
-                                       {"version", Slot::Version, 0},
-                                       {"display_lists", Slot::ListSections, 0},
-                                       {"user_groups", Slot::Groups, 0},
-                                       {"templates", Slot::Templates, 0},
-                                       {"alphas", Slot::AlphaSections, 0},
-                                       {"password", Slot::Password, 0}},
-                                      2};
-    static const ObjectRule kListSections{{{"input", Slot::Lists, 0},
-                                           {"output", Slot::Lists, 1},
-                                           {"opto", Slot::Lists, 2},
-                                           {"relay", Slot::Lists, 3}},
-                                          0};
-    static const ObjectRule kList{{{"name", Slot::ListName, 0}, {"channels", Slot::Channels, 0}},
-                                  2};
-    static const ObjectRule kGroup{{{"name", Slot::GroupName, 0}, {"lists", Slot::Entries, 0}}, 2};
-    static const ObjectRule kEntry{{{"type", Slot::EntryType, 0}, {"index", Slot::EntryIndex, 0}},
-                                   2};
-    static const ObjectRule kTemplate{{{"name", Slot::TemplateName, 0},
-                                       {"number", Slot::TemplateNumber, 0},
-                                       {"buttons", Slot::Buttons, 0}},
-                                      3};
-    static const ObjectRule kButton{{{"type", Slot::ButtonType, 0},
-                                     {"caption_option", Slot::CaptionOption, 0},
-                                     {"label", Slot::Label, 0},
-                                     {"channel", Slot::ButtonChannel, 0},
-                                     {"channel2", Slot::ButtonChannel2, 0}},
-                                    5};
-    static const ObjectRule kAlphaSections{{{"input", Slot::Alphas, 0},
-                                            {"output", Slot::Alphas, 1},
-                                            {"opto", Slot::Alphas, 2},
-                                            {"relay", Slot::Alphas, 3}},
-                                           0};
-    switch (slot) {
-    case Slot::Document:
-        return &kDocument;
-    case Slot::ListSections:
-        return &kListSections;
-    case Slot::List:
-        return &kList;
-    case Slot::Group:
-        return &kGroup;
-    case Slot::Entry:
-        return &kEntry;
-    case Slot::Template:
-        return &kTemplate;
-    case Slot::Button:
-        return &kButton;
-    case Slot::AlphaSections:
-        return &kAlphaSections;
-    default:
-        return nullptr;
-    }
-}
-
-// The slot of an array's elements, for the slots that are arrays.
-std::optional<Slot> ElementSlot(Slot slot) {
-    switch (slot) {
-    case Slot::Lists:
-        return Slot::List;
-    case Slot::Channels:
-        return Slot::Channel;
-    case Slot::Groups:
-        return Slot::Group;
-    case Slot::Entries:
-        return Slot::Entry;
-    case Slot::Templates:
-        return Slot::Template;
-    case Slot::Buttons:
-        return Slot::Button;
-    case Slot::Alphas:
-        return Slot::AlphaName;
-    default:
-        return std::nullopt;
-    }
-}
+using Slot = JsonSlot;
 
 // What a slot holds, for "expected ..." messages.
 const char* Expected(Slot slot) {
-    if (RuleFor(slot) != nullptr) {
+    switch (JsonNodeOf(slot).value) {
+    case JsonValue::Object:
         return "an object";
-    }
-    if (ElementSlot(slot)) {
+    case JsonValue::Array:
         return "an array";
-    }
-    switch (slot) {
-    case Slot::ListName:
-    case Slot::GroupName:
-    case Slot::TemplateName:
-    case Slot::Label:
-    case Slot::AlphaName:
-    case Slot::Password:
+    case JsonValue::Text:
         return "a string";
-    default:
-        return "an integer";
+    case JsonValue::Integer:
+        break;
     }
+    return "an integer";
 }
 
 // Reads the document straight into store parts while the parser goes
@@ -399,21 +308,22 @@ public:
     bool binary(binary_t&) override { return Scalar("binary"); }
 
     bool string(string_t& value) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
         switch (slot) {
         case Slot::Format:
-            return value == kFormatName || Mismatch(slot, "string");
+            return value == kJsonFormatName || Mismatch(slot, "string");
         case Slot::ListName:
-            return Text(value, kNameWidth, m_lists[m_subType].back().name);
+            return Text(node, value, m_lists[m_subType].back().name);
         case Slot::GroupName:
-            return Text(value, kNameWidth, m_groupNames.back());
+            return Text(node, value, m_groupNames.back());
         case Slot::TemplateName:
-            return Text(value, kNameWidth, m_templateNames.back());
+            return Text(node, value, m_templateNames.back());
         case Slot::Label:
-            return Text(value, kLabelWidth, m_templates.back().buttons.back().label);
+            return Text(node, value, m_templates.back().buttons.back().label);
         case Slot::AlphaName:
             m_alphas[m_subType].push_back(cp1252::FromUtf8(value));
             return true;
@@ -426,19 +336,20 @@ public:
     }
 
     bool start_object(std::size_t) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
-        if (RuleFor(slot) == nullptr) {
+        if (node.value != JsonValue::Object) {
             return Mismatch(slot, "object");
         }
         switch (slot) {
         case Slot::ListSections:
             // A repeated key replaces what came before, as in any JSON reader.
-            for (int s = 0; s < 4; ++s) {
-                m_lists[s].clear();
-                m_listsSeen[s] = false;
+            for (SubType s : kAllSubTypes) {
+                m_lists[Index(s)].clear();
+                m_sections.remove(ListsPart(s));
             }
             break;
         case Slot::List:
@@ -470,21 +381,21 @@ public:
         default:
             break;
         }
-        m_frames.emplace_back(slot, false);
+        m_frames.emplace_back(node, false);
         return true;
     }
 
     bool key(string_t& name) override {
         Frame& frame = m_frames.back();
-        const ObjectRule& rule = *RuleFor(frame.slot);
         size_t bit = 0;
-        for (const Key& key : rule.keys) {
-            if (name == key.name) {
-                frame.key = key.name;
-                frame.child = key.slot;
+        for (const JsonNode* member : JsonMembers(frame.slot)) {
+            if (name == member->key) {
+                frame.key = member->key;
+                frame.child = member;
                 frame.seen |= 1u << bit;
-                if (key.slot == Slot::Lists || key.slot == Slot::Alphas) {
-                    m_subType = key.subType;
+                if (member->slot == Slot::Lists || member->slot == Slot::Alphas) {
+                    m_part = *member->part;
+                    m_subType = Index(*Info(m_part).subType);
                 }
                 return true;
             }
@@ -496,14 +407,10 @@ public:
 
     bool end_object() override {
         const Frame& frame = m_frames.back();
-        const ObjectRule& rule = *RuleFor(frame.slot);
         size_t bit = 0;
-        for (const Key& key : rule.keys) {
-            if (bit == rule.required) {
-                break;
-            }
-            if ((frame.seen & (1u << bit)) == 0) {
-                m_frames.back().key = key.name;
+        for (const JsonNode* member : JsonMembers(frame.slot)) {
+            if (member->required && (frame.seen & (1u << bit)) == 0) {
+                m_frames.back().key = member->key;
                 return Fail(ErrorCode::InvalidFileFormat, "missing");
             }
             ++bit;
@@ -528,25 +435,26 @@ public:
     }
 
     bool start_array(std::size_t) override {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
+        const Slot slot = node.slot;
         if (m_failed) {
             return false;
         }
-        if (!ElementSlot(slot)) {
+        if (node.value != JsonValue::Array) {
             return Mismatch(slot, "array");
         }
         switch (slot) {
         case Slot::Lists:
             m_lists[m_subType].clear();
-            m_listsSeen[m_subType] = true;
+            m_sections.add(m_part);
             break;
         case Slot::Groups:
-            m_groupsSeen = true;
+            m_sections.add(Part::UserGroups);
             m_groupNames.clear();
             m_groups.clear();
             break;
         case Slot::Templates:
-            m_templatesSeen = true;
+            m_sections.add(Part::Templates);
             m_templateNames.clear();
             m_templates.clear();
             break;
@@ -562,11 +470,12 @@ public:
             break;
         case Slot::Alphas:
             m_alphas[m_subType].clear();
+            m_sections.add(m_part);
             break;
         default:
             break;
         }
-        m_frames.emplace_back(slot, true);
+        m_frames.emplace_back(node, true);
         return true;
     }
 
@@ -592,152 +501,142 @@ public:
 
     // Replace the store's parts with what was read.
     void MoveInto(PanelStore& store, JsonReadResult& result) {
-        static const char* const kListKeys[4] = {"display_lists.input", "display_lists.output",
-                                                 "display_lists.opto", "display_lists.relay"};
         for (SubType s : kAllSubTypes) {
-            const auto i = static_cast<size_t>(s);
-            if (!m_listsSeen[i]) {
-                result.missingSections.push_back(kListKeys[i]);
-            }
+            const size_t i = Index(s);
             store.listCount(s) = static_cast<int16_t>(m_lists[i].size());
             store.lists(s) = std::move(m_lists[i]);
             store.lists(s).resize(ArraySizeFor(store.listCount(s)));
         }
-        if (!m_groupsSeen) {
-            result.missingSections.push_back("user_groups");
-        }
-        store.groups.userGroupCount = static_cast<int16_t>(m_groups.size());
-        store.groups.userGroupNames = std::move(m_groupNames);
-        store.groups.userGroups = std::move(m_groups);
-        store.groups.userGroupIndex.clear();
-        store.groups.userGroupNumber.clear();
-        store.groups.Resize(store.groups.userGroupCount);
-        OwnPositions(store.groups.userGroupIndex, store.groups.userGroupNumber, store.groups.userGroupCount);
-        if (!m_templatesSeen) {
-            result.missingSections.push_back("templates");
-        }
-        store.templates.templateCount = static_cast<int16_t>(m_templates.size());
-        store.templates.templateNames = std::move(m_templateNames);
-        store.templates.buttonTemplates = std::move(m_templates);
-        store.templates.templateIndex.clear();
-        store.templates.templatePosition.clear();
-        store.templates.Resize(store.templates.templateCount);
-        // Like a download: each template's index pair is its own position.
-        OwnPositions(store.templates.templateIndex, store.templates.templatePosition, store.templates.templateCount);
+        UserGroupTable& groups = store.groups;
+        groups.userGroupNames = std::move(m_groupNames);
+        groups.userGroups = std::move(m_groups);
+        Finish(groups, groups.userGroupCount, groups.userGroups.size(), groups.userGroupIndex,
+               groups.userGroupNumber);
+        TemplateTable& templates = store.templates;
+        templates.templateNames = std::move(m_templateNames);
+        templates.buttonTemplates = std::move(m_templates);
+        Finish(templates, templates.templateCount, templates.buttonTemplates.size(),
+               templates.templateIndex, templates.templatePosition);
         if (m_hasAlphas) {
             for (SubType s : kAllSubTypes) {
-                BuildAlphaTable(store.alpha(s), std::move(m_alphas[static_cast<size_t>(s)]));
+                BuildAlphaTable(store.alpha(s), std::move(m_alphas[Index(s)]));
             }
         }
+        if (m_password) {
+            m_sections.add(Part::Password);
+        }
+        result.sections = m_sections;
         result.hasAlphas = m_hasAlphas;
         result.password = std::move(m_password);
     }
 
 private:
-    // Both values of each entry's index pair are its own position.
-    static void OwnPositions(std::vector<int16_t>& a, std::vector<int16_t>& b, int16_t count) {
+    // The count from the records read, every array sized for it, and both
+    // values of each record's index pair its own position, as a download
+    // leaves them.
+    template <typename Table>
+    static void Finish(Table& table, int16_t& count, size_t records, std::vector<int16_t>& index,
+                       std::vector<int16_t>& position) {
+        count = static_cast<int16_t>(records);
+        index.clear();
+        position.clear();
+        table.Resize(count);
         for (int16_t i = 0; i < count; ++i) {
-            a[static_cast<size_t>(i)] = i;
-            b[static_cast<size_t>(i)] = i;
+            index[static_cast<size_t>(i)] = i;
+            position[static_cast<size_t>(i)] = i;
         }
     }
 
     struct Frame {
-        Frame(Slot s, bool isArray) : slot(s), array(isArray) {}
+        Frame(const JsonNode& node, bool isArray)
+            : slot(node.slot), array(isArray), limit(static_cast<size_t>(node.max)),
+              element(isArray ? &JsonNodeOf(*JsonElement(node.slot)) : nullptr) {}
         Slot slot;
         bool array;
-        size_t count = 0;            // array: elements begun so far
-        std::string_view key;        // object: the current key
-        Slot child = Slot::Document; // object: the slot of the current key
-        unsigned seen = 0;           // object: bit per key of its rule
+        size_t limit;                    // array: the most elements
+        const JsonNode* element;         // array: the node of its elements
+        size_t count = 0;                // array: elements begun so far
+        std::string_view key;            // object: the current key
+        const JsonNode* child = nullptr; // object: the node of the current key
+        unsigned seen = 0;               // object: bit per key of its schema node
     };
 
-    // The slot of the value that begins now. An array counts its element and
-    // closes the element off with the count it finishes (lists, groups and
-    // templates keep their counts from their array sizes).
-    Slot Begin() {
+    // The schema node of the value that begins now. An array counts its
+    // element (lists, groups and templates keep their counts from their
+    // array sizes).
+    const JsonNode& Begin() {
         if (m_frames.empty()) {
-            return Slot::Document;
+            return JsonNodeOf(Slot::Document);
         }
         Frame& frame = m_frames.back();
         if (!frame.array) {
-            return frame.child;
+            return *frame.child;
         }
-        const size_t limit = frame.slot == Slot::Alphas ? static_cast<size_t>(kNoChannel)
-                                                        : static_cast<size_t>(INT16_MAX);
-        if (frame.count == limit) {
-            m_frames.back().count = SIZE_MAX; // the path names the array itself
-            Fail(ErrorCode::Overflow, frame.slot == Slot::Alphas
-                                          ? "more than " + std::to_string(kNoChannel) + " channels"
-                                          : "more than " + std::to_string(INT16_MAX) + " entries");
-            return frame.slot;
+        if (frame.count == frame.limit) {
+            frame.count = SIZE_MAX; // the path names the array itself
+            Fail(ErrorCode::Overflow, "more than " + std::to_string(frame.limit) +
+                                          (frame.slot == Slot::Alphas ? " channels" : " entries"));
+            return JsonNodeOf(frame.slot);
         }
         ++frame.count;
-        return *ElementSlot(frame.slot);
+        return *frame.element;
     }
 
     bool Scalar(const char* found) {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
         if (m_failed) {
             return false;
         }
-        return Mismatch(slot, found);
+        return Mismatch(node.slot, found);
     }
 
     bool Integer(int64_t value) {
-        const Slot slot = Begin();
+        const JsonNode& node = Begin();
         if (m_failed) {
             return false;
         }
-        int64_t min = INT16_MIN;
-        int64_t max = INT16_MAX;
-        int16_t* target = nullptr;
+        if (node.value != JsonValue::Integer) {
+            return Mismatch(node.slot, "an integer");
+        }
+        if (value < node.min || value > node.max) {
+            if (node.slot == Slot::Version) {
+                return Mismatch(node.slot, "");
+            }
+            return Fail(ErrorCode::Overflow, "out of range " + std::to_string(node.min) + ".." +
+                                                 std::to_string(node.max));
+        }
+        *Target(node.slot) = static_cast<int16_t>(value);
+        return true;
+    }
+
+    // Where the store keeps the integer of `slot`.
+    int16_t* Target(Slot slot) {
         switch (slot) {
         case Slot::Version:
-            return value == kFormatVersion || Mismatch(slot, "");
+            return &m_version; // its range allows the one version read
         case Slot::Channel:
-            m_lists[m_subType].back().channels.push_back(0);
-            target = &m_lists[m_subType].back().channels.back();
-            min = 0;
-            max = kNoChannel;
-            break;
+            return &m_lists[m_subType].back().channels.emplace_back();
         case Slot::EntryType:
-            target = &m_groups.back().listTypes.back();
-            break;
+            return &m_groups.back().listTypes.back();
         case Slot::EntryIndex:
-            target = &m_groups.back().listIndexes.back();
-            break;
+            return &m_groups.back().listIndexes.back();
         case Slot::TemplateNumber:
-            target = &m_templates.back().number;
-            break;
+            return &m_templates.back().number;
         case Slot::ButtonType:
-            target = &m_templates.back().buttons.back().type;
-            break;
+            return &m_templates.back().buttons.back().type;
         case Slot::CaptionOption:
-            target = &m_templates.back().buttons.back().captionOption;
-            break;
+            return &m_templates.back().buttons.back().captionOption;
         case Slot::ButtonChannel:
-        case Slot::ButtonChannel2: {
-            PanelButton& button = m_templates.back().buttons.back();
-            target = slot == Slot::ButtonChannel ? &button.channel : &button.channel2;
-            min = 0;
-            max = kNoChannel;
-            break;
-        }
+            return &m_templates.back().buttons.back().channel;
         default:
-            return Mismatch(slot, "an integer");
+            return &m_templates.back().buttons.back().channel2;
         }
-        if (value < min || value > max) {
-            return Fail(ErrorCode::Overflow,
-                        "out of range " + std::to_string(min) + ".." + std::to_string(max));
-        }
-        *target = static_cast<int16_t>(value);
-        return true;
     }
 
     // Characters are counted after the UTF-8 text is mapped to Windows-1252
     // bytes, one byte per character.
-    bool Text(const std::string& utf8, size_t maxChars, std::string& target) {
+    bool Text(const JsonNode& node, const std::string& utf8, std::string& target) {
+        const auto maxChars = static_cast<size_t>(node.max);
         if (cp1252::Utf8Length(utf8) > maxChars) {
             return Fail(ErrorCode::Overflow,
                         "longer than " + std::to_string(maxChars) + " characters");
@@ -750,11 +649,11 @@ private:
     bool Mismatch(Slot slot, const char* found) {
         if (slot == Slot::Format) {
             return Fail(ErrorCode::InvalidFileFormat,
-                        std::string("expected \"") + kFormatName + "\"");
+                        std::string("expected \"") + kJsonFormatName + "\"");
         }
         if (slot == Slot::Version) {
-            return Fail(ErrorCode::InvalidFileFormat,
-                        "unsupported version (expected " + std::to_string(kFormatVersion) + ")");
+            return Fail(ErrorCode::InvalidFileFormat, "unsupported version (expected " +
+                                                          std::to_string(kJsonFormatVersion) + ")");
         }
         return Fail(ErrorCode::TypeMismatch,
                     std::string("expected ") + Expected(slot) + ", found " + found);
@@ -766,7 +665,7 @@ private:
         for (const Frame& frame : m_frames) {
             if (frame.array) {
                 if (frame.count != SIZE_MAX) {
-                    path = Element(path, frame.count - 1);
+                    path += JsonIndex(frame.count - 1);
                 }
             } else {
                 if (!path.empty()) {
@@ -783,18 +682,18 @@ private:
     std::vector<Frame> m_frames;
     bool m_failed = false;
     Status m_status;
+    Part m_part = Part::InputLists; // the sub type section being read
     size_t m_subType = 0;
+    PartSet m_sections;
     std::array<std::vector<DisplayList>, 4> m_lists;
-    std::array<bool, 4> m_listsSeen{};
-    bool m_groupsSeen = false;
     std::vector<std::string> m_groupNames;
     std::vector<UserGroup> m_groups;
-    bool m_templatesSeen = false;
     std::vector<std::string> m_templateNames;
     std::vector<ButtonTemplate> m_templates;
     bool m_hasAlphas = false;
     std::array<std::vector<std::string>, 4> m_alphas;
     std::optional<std::string> m_password;
+    int16_t m_version = 0;
 };
 
 } // namespace
@@ -808,17 +707,12 @@ Status CheckJsonDocumentSize(uintmax_t bytes) {
                                                  " MiB, more than a JSON document is read");
 }
 
+Status RequireJsonSections(PartSet present) {
+    return RequireSections(present, "every section is sent; write [] to send an empty one");
+}
+
 Status JsonReadResult::RequireAllSections() const {
-    if (missingSections.empty()) {
-        return Status::Ok();
-    }
-    std::string names;
-    for (const std::string& name : missingSections) {
-        names += (names.empty() ? "" : ", ") + name;
-    }
-    return Status::Fail(ErrorCode::InvalidFileFormat,
-                        "missing " + names +
-                            " (every section is sent; write [] to send an empty one)");
+    return RequireJsonSections(sections);
 }
 
 bool WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions& options,
@@ -837,42 +731,36 @@ std::string WriteJsonDocument(const PanelStore& store, const JsonDocumentOptions
 
 Status CheckJsonDocumentValues(const PanelStore& store) {
     const auto outside = [](int16_t channel) { return channel < 0 || channel > kNoChannel; };
-    const auto fail = [](const std::string& path) {
+    const auto fail = [](const StoreLocation& at) {
         return Status::Fail(ErrorCode::Overflow,
-                            path + ": out of range 0.." + std::to_string(kNoChannel));
+                            JsonPath(at) + ": out of range 0.." + std::to_string(kNoChannel));
     };
     for (SubType s : kAllSubTypes) {
         for (int i = 0; i < ValidCount(store.listCount(s)); ++i) {
-            const DisplayList& list = At(store.lists(s), i);
+            const DisplayList& list = RefAt(store.lists(s), i);
             for (int k = 0; k < ValidCount(list.channelCount); ++k) {
-                if (outside(At(list.channels, k))) {
-                    return fail(std::string("display_lists.") +
-                                kSubTypeKeys[static_cast<size_t>(s)] +
-                                Element("", static_cast<size_t>(i)) + ".channels" +
-                                Element("", static_cast<size_t>(k)));
+                if (outside(RefAt(list.channels, k))) {
+                    return fail({ListsPart(s), i, StoreField::Channel, k});
                 }
             }
         }
     }
     for (int i = 0; i < ValidCount(store.templates.templateCount); ++i) {
-        const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
+        const ButtonTemplate& tmpl = RefAt(store.templates.buttonTemplates, i);
         for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
-            const PanelButton& b = At(tmpl.buttons, k);
-            const std::string at = "templates" + Element("", static_cast<size_t>(i)) + ".buttons" +
-                                   Element("", static_cast<size_t>(k));
+            const PanelButton& b = RefAt(tmpl.buttons, k);
             if (outside(b.channel)) {
-                return fail(at + ".channel");
+                return fail({Part::Templates, i, StoreField::ButtonChannel, k});
             }
             if (outside(b.channel2)) {
-                return fail(at + ".channel2");
+                return fail({Part::Templates, i, StoreField::ButtonChannel2, k});
             }
         }
     }
     for (SubType s : kAllSubTypes) {
         if (store.alpha(s).channelNames.size() > static_cast<size_t>(kNoChannel)) {
-            return Status::Fail(ErrorCode::Overflow,
-                                std::string("alphas.") + kSubTypeKeys[static_cast<size_t>(s)] +
-                                    ": more than " + std::to_string(kNoChannel) + " channels");
+            return Status::Fail(ErrorCode::Overflow, JsonPath({AlphasPart(s)}) + ": more than " +
+                                                         std::to_string(kNoChannel) + " channels");
         }
     }
     return Status::Ok();

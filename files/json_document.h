@@ -9,6 +9,7 @@
 #include "files/file_io.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
 
@@ -48,14 +49,16 @@ struct JsonReadResult {
     Status status; // detail names the JSON path on error
     bool hasAlphas = false;
     std::optional<std::string> password; // bytes
-    // Sections the document leaves out ("display_lists.opto", "user_groups",
-    // "templates"); they are read as empty.
-    std::vector<std::string> missingSections;
+    // The sections the document holds; the others are read as empty.
+    PartSet sections;
 
     // Fails naming the missing sections: for sending a document, where a
     // missing section would empty that part on the server module.
     Status RequireAllSections() const;
 };
+
+// Fails naming the sections a document holding `present` leaves out.
+Status RequireJsonSections(PartSet present);
 
 // Strict reader: replaces the lists, groups and templates of `store` (and the
 // alpha tables when the document has them: channel names in channel order,

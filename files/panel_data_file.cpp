@@ -10,6 +10,7 @@
 
 #include "files/byte_order.h"
 #include "files/file_io.h"
+#include "model/limits.h"
 
 namespace lumeth {
 
@@ -111,7 +112,7 @@ private:
 
     bool ReadBody() {
         for (SubType s : kAllSubTypes) {
-            if ((s == SubType::Opto || s == SubType::Relay) && m_version != 3) {
+            if (!PanelDataSections(m_version).has(ListsPart(s))) {
                 continue; // older files keep the default single list
             }
             if (!ReadDisplayLists(s)) {
@@ -169,7 +170,8 @@ private:
             const auto what = [&](const std::string& field) {
                 return "user group " + std::to_string(i) + " " + field;
             };
-            if (!Text(kNameWidth, m_store.groups.userGroupNames[pos], [&] { return what("name"); })) {
+            if (!Text(kNameWidth, m_store.groups.userGroupNames[pos],
+                      [&] { return what("name"); })) {
                 return false;
             }
             if (!Count(group.listCount, [&] { return what("list count"); })) {
@@ -209,7 +211,8 @@ private:
             const auto what = [&](const std::string& field) {
                 return "template " + std::to_string(i) + " " + field;
             };
-            if (!Text(kNameWidth, m_store.templates.templateNames[pos], [&] { return what("name"); })) {
+            if (!Text(kNameWidth, m_store.templates.templateNames[pos],
+                      [&] { return what("name"); })) {
                 return false;
             }
             if (hasNumbers && !Int(tmpl.number, [&] { return what("number"); })) {
@@ -246,13 +249,7 @@ private:
 // A count as written: negative counts (never made by the store's own
 // operations) are written as 0 so that the file stays readable.
 int16_t CountToWrite(int16_t count) {
-    return count < 0 ? int16_t{0} : count;
-}
-
-template <typename T> const T& At(const std::vector<T>& v, int i) {
-    static const T kEmpty{};
-    const auto pos = static_cast<size_t>(i);
-    return pos < v.size() ? v[pos] : kEmpty;
+    return static_cast<int16_t>(ValidCount(count));
 }
 
 Status IoFailure(ErrorCode code, const std::string& what, int err) {
@@ -264,15 +261,18 @@ size_t EncodedSize(const PanelStore& store) {
     size_t size = 8 + 4 * 2 + 2 + 2;
     for (SubType s : kAllSubTypes) {
         for (int i = 0; i < CountToWrite(store.listCount(s)); ++i) {
-            size += kNameWidth + 2 + 2 * size_t(CountToWrite(At(store.lists(s), i).channelCount));
+            size +=
+                kNameWidth + 2 + 2 * size_t(CountToWrite(RefAt(store.lists(s), i).channelCount));
         }
     }
     for (int i = 0; i < CountToWrite(store.groups.userGroupCount); ++i) {
-        size += kNameWidth + 2 + 4 * size_t(CountToWrite(At(store.groups.userGroups, i).listCount));
+        size +=
+            kNameWidth + 2 + 4 * size_t(CountToWrite(RefAt(store.groups.userGroups, i).listCount));
     }
     for (int i = 0; i < CountToWrite(store.templates.templateCount); ++i) {
         size += kNameWidth + 4 +
-                (8 + kLabelWidth) * size_t(CountToWrite(At(store.templates.buttonTemplates, i).buttonCount));
+                (8 + kLabelWidth) *
+                    size_t(CountToWrite(RefAt(store.templates.buttonTemplates, i).buttonCount));
     }
     return size;
 }
@@ -288,6 +288,11 @@ void ResetForLoad(PanelStore& store) {
 }
 
 } // namespace
+
+PartSet PanelDataSections(int version) {
+    return version == kPanelDataVersion ? kUploadParts
+                                        : kUploadParts - PartSet{Part::OptoLists, Part::RelayLists};
+}
 
 LoadResult LoadPanelData(std::string_view bytes, PanelStore& store) {
     ResetForLoad(store);
@@ -336,12 +341,12 @@ std::string EncodePanelData(const PanelStore& store) {
         const int16_t count = CountToWrite(store.listCount(s));
         w.WriteInt16(count);
         for (int i = 0; i < count; ++i) {
-            const DisplayList& list = At(store.lists(s), i);
+            const DisplayList& list = RefAt(store.lists(s), i);
             const int16_t channels = CountToWrite(list.channelCount);
             w.WriteFixedText(list.name, kNameWidth);
             w.WriteInt16(channels);
             for (int k = 0; k < channels; ++k) {
-                w.WriteInt16(At(list.channels, k));
+                w.WriteInt16(RefAt(list.channels, k));
             }
         }
     }
@@ -349,26 +354,26 @@ std::string EncodePanelData(const PanelStore& store) {
     const int16_t groups = CountToWrite(store.groups.userGroupCount);
     w.WriteInt16(groups);
     for (int i = 0; i < groups; ++i) {
-        const UserGroup& group = At(store.groups.userGroups, i);
+        const UserGroup& group = RefAt(store.groups.userGroups, i);
         const int16_t entries = CountToWrite(group.listCount);
-        w.WriteFixedText(At(store.groups.userGroupNames, i), kNameWidth);
+        w.WriteFixedText(RefAt(store.groups.userGroupNames, i), kNameWidth);
         w.WriteInt16(entries);
         for (int k = 0; k < entries; ++k) {
-            w.WriteInt16(At(group.listIndexes, k));
-            w.WriteInt16(At(group.listTypes, k));
+            w.WriteInt16(RefAt(group.listIndexes, k));
+            w.WriteInt16(RefAt(group.listTypes, k));
         }
     }
 
     const int16_t templates = CountToWrite(store.templates.templateCount);
     w.WriteInt16(templates);
     for (int i = 0; i < templates; ++i) {
-        const ButtonTemplate& tmpl = At(store.templates.buttonTemplates, i);
+        const ButtonTemplate& tmpl = RefAt(store.templates.buttonTemplates, i);
         const int16_t buttons = CountToWrite(tmpl.buttonCount);
-        w.WriteFixedText(At(store.templates.templateNames, i), kNameWidth);
+        w.WriteFixedText(RefAt(store.templates.templateNames, i), kNameWidth);
         w.WriteInt16(tmpl.number);
         w.WriteInt16(buttons);
         for (int k = 0; k < buttons; ++k) {
-            const PanelButton& b = At(tmpl.buttons, k);
+            const PanelButton& b = RefAt(tmpl.buttons, k);
             w.WriteInt16(b.type);
             w.WriteInt16(b.captionOption);
             w.WriteInt16(b.channel);

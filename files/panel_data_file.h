@@ -7,6 +7,7 @@
 
 #include "model/failure.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
 
@@ -30,6 +31,10 @@ struct LoadResult {
     int version = 3;
     Status status; // failure detail for NotPanelData and Failed
 };
+
+// The parts a file of `version` holds: before version 3 there are no Opto
+// and Relay display lists (a load leaves their single default list).
+PartSet PanelDataSections(int version);
 
 // Load `path` into `store` (ResetToDefaults first, then versions 0..3).
 LoadResult LoadPanelDataFile(const std::string& path, PanelStore& store);

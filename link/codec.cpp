@@ -216,28 +216,16 @@ std::string BuildTemplates(const TemplateTable& templates, Status& status) {
 
 } // namespace
 
-std::string DisplayListMessage(const PanelStore& store, SubType subType, Status* status) {
-    Upload upload = UploadMessage(store, ListsPart(subType));
-    if (status != nullptr) {
-        *status = upload.status;
-    }
-    return std::move(upload.message);
+std::string DisplayListMessage(const PanelStore& store, SubType subType) {
+    return UploadMessage(store, ListsPart(subType)).message;
 }
 
-std::string GroupMessage(const PanelStore& store, Status* status) {
-    Upload upload = UploadMessage(store, Part::UserGroups);
-    if (status != nullptr) {
-        *status = upload.status;
-    }
-    return std::move(upload.message);
+std::string GroupMessage(const PanelStore& store) {
+    return UploadMessage(store, Part::UserGroups).message;
 }
 
-std::string ButtonMessage(const PanelStore& store, Status* status) {
-    Upload upload = UploadMessage(store, Part::Templates);
-    if (status != nullptr) {
-        *status = upload.status;
-    }
-    return std::move(upload.message);
+std::string ButtonMessage(const PanelStore& store) {
+    return UploadMessage(store, Part::Templates).message;
 }
 
 std::string FixedWidth(std::string_view text, size_t width) {

@@ -56,10 +56,10 @@ Upload UploadMessage(const PanelStore& store, Part part);
 // Apply sends them: display lists 11, 21, 31, 41, user groups, templates.
 std::vector<Upload> UploadMessages(const PanelStore& store, PartSet parts = kUploadParts);
 
-// The message of UploadMessage alone; `status`, when given, receives its status.
-std::string DisplayListMessage(const PanelStore& store, SubType subType, Status* status = nullptr);
-std::string GroupMessage(const PanelStore& store, Status* status = nullptr);
-std::string ButtonMessage(const PanelStore& store, Status* status = nullptr);
+// The message of UploadMessage alone.
+std::string DisplayListMessage(const PanelStore& store, SubType subType);
+std::string GroupMessage(const PanelStore& store);
+std::string ButtonMessage(const PanelStore& store);
 
 // Cut or blank-pad to exactly `width` bytes.
 std::string FixedWidth(std::string_view text, size_t width);

@@ -1,22 +1,23 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "model/panel_store.h"
+#include "model/store_location.h"
 
 namespace lumeth {
 
-// One finding of CheckStore, located by its path in the JSON document
-// ("display_lists.input[2].channels[5]").
+// One finding of CheckStore, located by the value it is about. A reader of
+// a file format names the location in that format's terms.
 struct CheckFinding {
     enum class Severity { Warning, Error };
     Severity severity = Severity::Warning;
-    std::string path;
+    StoreLocation location;
     std::string message; // bytes (Windows-1252)
-
-    // "error: user_groups[0].lists[1]: ..." / "warning: ..."
-    std::string Line() const;
+    // The other record the message ends with ("... is also the name of" it).
+    std::optional<StoreLocation> other;
 };
 
 // Problems that Apply would pass on to the panels. Errors: a channel outside

@@ -37,7 +37,12 @@ protected:
 
     CliResult Run(const QStringList& args, const QProcessEnvironment& env = Environment()) {
         QProcess process;
-        process.setProcessEnvironment(env);
+        // The per-user data folder is the test's own, never the real one.
+        QProcessEnvironment childEnv = env;
+        if (!childEnv.contains("XDG_DATA_HOME")) {
+            childEnv.insert("XDG_DATA_HOME", QString::fromStdString(m_data.path()));
+        }
+        process.setProcessEnvironment(childEnv);
         process.setWorkingDirectory(QString::fromStdString(m_dir.path()));
         if (m_childSetup) {
             process.setChildProcessModifier(m_childSetup);
@@ -65,6 +70,7 @@ protected:
     QString Path(const std::string& name) const { return QString::fromStdString(m_dir.file(name)); }
 
     test::TempFolder m_dir;
+    test::TempFolder m_data; // $XDG_DATA_HOME of the commands run
     // Runs in the child before lumeth-cli starts (limits, signal dispositions).
     std::function<void()> m_childSetup;
 };

@@ -10,8 +10,12 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <QCoreApplication>
+#include <QStandardPaths>
+
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "files/user_data_folder.h"
 
 namespace lumeth {
 namespace {
@@ -169,6 +173,41 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
         EXPECT_EQ(r.exitCode, 2);
         EXPECT_TRUE(r.err.starts_with("lumeth-cli: " + m_dir.file(name) + ": missing " + missing))
             << r.err;
+    }
+}
+
+// The error log goes to --home DIR, else to the per-user data folder the
+// installed window uses (Qt's rule, followed without Qt), never to the
+// current folder.
+TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
+    std::filesystem::create_directory(m_dir.file("logs"));
+    const std::string dataLog = m_data.file("KOV/Lumeth Admin/Errorlog.txt");
+    const struct {
+        QStringList home;
+        std::string log;
+    } cases[] = {{{}, dataLog}, {{"--home", Path("logs")}, m_dir.file("logs/Errorlog.txt")}};
+    for (const auto& c : cases) {
+        const testing::CliResult r =
+            Run(QStringList{"fetch", "--server", "127.0.0.1:1", "-o", Path("out.json")} + c.home,
+                Environment("studio"));
+        EXPECT_EQ(r.exitCode, 3) << r.err;
+        EXPECT_NE(test::ReadFile(c.log).find("Error Connecting to Switcher"), std::string::npos)
+            << c.log;
+        std::filesystem::remove(c.log);
+    }
+    EXPECT_FALSE(m_dir.Exists("Errorlog.txt"));
+    EXPECT_FALSE(std::filesystem::exists(dataLog)); // --home kept it out of the data folder
+
+    QCoreApplication::setOrganizationName(QString::fromUtf8(kDataOrganisation));
+    QCoreApplication::setApplicationName(QString::fromUtf8(kDataApplication));
+    const std::string data = m_data.file("share");
+    for (const char* xdg : {data.c_str(), static_cast<const char*>(nullptr)}) {
+        const std::string saved = std::getenv("XDG_DATA_HOME") ? std::getenv("XDG_DATA_HOME") : "";
+        xdg ? ::setenv("XDG_DATA_HOME", xdg, 1) : ::unsetenv("XDG_DATA_HOME");
+        EXPECT_EQ(UserDataFolder(),
+                  QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString() +
+                      "/");
+        saved.empty() ? ::unsetenv("XDG_DATA_HOME") : ::setenv("XDG_DATA_HOME", saved.c_str(), 1);
     }
 }
 

@@ -305,8 +305,9 @@ TEST_F(ServerFlowsTest, UnreachableServerExits3) {
         Run({"fetch", "--server", Server(port), "-o", Path("out.json")}, Environment("x"));
     EXPECT_EQ(result.exitCode, 3) << result.err;
     EXPECT_FALSE(m_dir.Exists("out.json"));
-    // The failed connect is in the error log of the current folder.
-    EXPECT_NE(m_dir.Read("Errorlog.txt").find("Error Connecting to Switcher"), std::string::npos);
+    // The failed connect is in the error log of the per-user data folder.
+    EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find("Error Connecting to Switcher"),
+              std::string::npos);
 }
 
 // fetch keeps its own record of the eleven parts: a re-request by the

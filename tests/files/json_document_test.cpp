@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "files/json_document.h"
+#include "files/json_schema.h"
 #include "files/panel_data_file.h"
 #include "model/panel_store.h"
 
@@ -236,7 +237,7 @@ TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
     s.templates.buttonTemplates[0].number = -7;
     s.templates.buttonTemplates[0].buttonCount = 2;
     s.templates.buttonTemplates[0].buttons = {PanelButton{-5, 2, "\x80uro    ", 16383, 0},
-                                    PanelButton::Cleared()};
+                                              PanelButton::Cleared()};
     const std::string file = EncodePanelData(s);
 
     PanelStore loaded;
@@ -251,6 +252,41 @@ TEST(JsonDocument, PanelDataFileRoundTripIsByteIdentical) {
     EXPECT_FALSE(r.password.has_value());
     // Without an alphas section the tables stay as they were.
     EXPECT_EQ(viaJson.alpha(SubType::Opto).channelNames, std::vector<std::string>{"kept"});
+}
+
+// Store locations (of check findings and value errors) as the document's
+// paths, for every part and field the document holds.
+TEST(JsonDocument, StoreLocationsBecomeDocumentPaths) {
+    using F = StoreField;
+    const std::pair<StoreLocation, std::string> cases[] = {
+        {{Part::OptoLists}, "display_lists.opto"},
+        {{Part::InputLists, 2}, "display_lists.input[2]"},
+        {{Part::RelayLists, 0, F::Name}, "display_lists.relay[0].name"},
+        {{Part::InputLists, 2, F::Channel, 5}, "display_lists.input[2].channels[5]"},
+        {{Part::UserGroups, 0, F::Name}, "user_groups[0].name"},
+        {{Part::UserGroups, 0, F::GroupEntry, 1}, "user_groups[0].lists[1]"},
+        {{Part::UserGroups, 3, F::EntryType, 1}, "user_groups[3].lists[1].type"},
+        {{Part::UserGroups, 3, F::EntryIndex, 0}, "user_groups[3].lists[0].index"},
+        {{Part::Templates, 1, F::TemplateNumber}, "templates[1].number"},
+        {{Part::Templates, 0, F::Button, 12}, "templates[0].buttons[12]"},
+        {{Part::Templates, 0, F::ButtonType, 3}, "templates[0].buttons[3].type"},
+        {{Part::Templates, 0, F::CaptionOption, 3}, "templates[0].buttons[3].caption_option"},
+        {{Part::Templates, 0, F::Label, 3}, "templates[0].buttons[3].label"},
+        {{Part::Templates, 4, F::ButtonChannel2, 31}, "templates[4].buttons[31].channel2"},
+        {{Part::OutputAlphas, 7}, "alphas.output[7]"},
+        {{Part::Password}, "password"},
+    };
+    for (const auto& [at, path] : cases) {
+        EXPECT_EQ(JsonPath(at), path);
+    }
+    // The reader names a bad value by the same path.
+    PanelStore store;
+    const JsonReadResult r =
+        ReadJsonDocument(Doc(R"("templates": [{"name": "T", "number": 0, "buttons": [{"type": 0,
+        "caption_option": 0, "label": "", "channel": 0, "channel2": -1}]}])"),
+                         store);
+    EXPECT_EQ(r.status.failure().detail,
+              JsonPath({Part::Templates, 0, F::ButtonChannel2, 0}) + ": out of range 0..16383");
 }
 
 } // namespace

@@ -30,13 +30,17 @@ struct CliResult {
     QString err;
 };
 
-// Runs lumeth-cli in `home`, where it keeps its Errorlog.txt.
+// The error log of a lumeth-cli run with $XDG_DATA_HOME at its folder.
+const QString kErrorLog = QStringLiteral("KOV/Lumeth Admin/Errorlog.txt");
+
+// Runs lumeth-cli in `home`, which is also its per-user data folder.
 CliResult RunCli(const QString& home, const QStringList& args, const QString& password = "studio",
                  const QString& newPassword = {}) {
     EnsureApp();
     QProcess cli;
     cli.setWorkingDirectory(home);
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_DATA_HOME", home);
     env.insert("LUMETH_PASSWORD", password);
     if (!newPassword.isEmpty()) {
         env.insert("LUMETH_NEW_PASSWORD", newPassword);
@@ -106,7 +110,7 @@ protected:
     QString File(const QString& name) const { return m_dir.filePath(name); }
     // What the administrator wrote to its error log.
     QString ErrorLog() const {
-        QFile f(File("Errorlog.txt"));
+        QFile f(File(kErrorLog));
         return f.open(QIODevice::ReadOnly) ? QString::fromLatin1(f.readAll()) : QString();
     }
     CliResult Run(const QStringList& args, const QString& password = "studio",
@@ -212,6 +216,7 @@ TEST_F(CliAgainstSim, ApplyToAServerThatStopsAnsweringSaysItsStateIsUnknown) {
     QProcess cli;
     cli.setWorkingDirectory(m_dir.path());
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("XDG_DATA_HOME", m_dir.path());
     env.insert("LUMETH_PASSWORD", "studio");
     cli.setProcessEnvironment(env);
     cli.start(CliBinary(),
@@ -239,7 +244,7 @@ TEST_F(CliAgainstSim, AllFaultsTogether) {
     options.dropAfter = 4;
     for (options.seed = 1; options.seed <= 3; ++options.seed) {
         SCOPED_TRACE(options.seed);
-        QFile::remove(File("Errorlog.txt"));
+        QFile::remove(File(kErrorLog));
         SimProcess sim;
         ASSERT_TRUE(sim.Start(QStringList{"--state", statePath} + FaultArgs(options)));
         EXPECT_NE(Fetch(sim, "lost.json", "studio", {"--timeout", "3"}).exitCode, 0);

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "model/cp1252.h"
+#include "files/json_schema.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
@@ -16,10 +17,10 @@ constexpr int kErrors = 2;
 
 } // namespace
 
-std::vector<CheckFinding> PrintChecks(const Document& doc, std::ostream& out) {
-    std::vector<CheckFinding> findings = CheckStore(doc.store, doc.hasAlphas);
+std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out) {
+    std::vector<CheckFinding> findings = CheckStore(config.store, config.hasAlphas);
     for (const CheckFinding& finding : findings)
-        out << cp1252::ToUtf8(finding.Line()) << "\n";
+        out << cp1252::ToUtf8(CheckFindingLine(finding)) << "\n";
     return findings;
 }
 
@@ -30,11 +31,10 @@ int RunCheck(const std::vector<std::string>& args) {
         UsageError("check needs exactly one FILE");
         return kErrors;
     }
-    Document doc;
-    std::string error;
-    if (!LoadDocument(args[0], doc, error))
-        return Error(ExitCode::BadInput, error);
-    const std::vector<CheckFinding> findings = PrintChecks(doc, std::cout);
+    const Configuration config = ReadConfiguration(args[0]);
+    if (!config.status)
+        return InputError(args[0], config.status);
+    const std::vector<CheckFinding> findings = PrintChecks(config, std::cout);
     if (findings.empty()) {
         std::cout << args[0] << ": no problems found\n";
         return kClean;

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <iosfwd>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "files/file_io.h"
+#include "files/configuration_file.h"
+#include "model/failure.h"
 #include "model/panel_store.h"
 
 namespace lumeth::cli {
@@ -43,39 +43,16 @@ int UsageError(const std::string& message);
 // One line on stderr; returns `code`.
 int Error(ExitCode code, const std::string& line);
 
-// A panel configuration read from a file, with the optional parts a JSON
-// document may carry.
-struct Document {
-    enum class Form { PanelData, Json };
-    Form form = Form::PanelData;
-    int version = 0; // panel data file version
-    PanelStore store;
-    bool hasAlphas = false;
-    std::optional<std::string> password;
-    // Fails naming the sections a JSON document leaves out (read as empty)
-    // or a panel data file before version 3 has no place for (Opto, Relay).
-    Status allSections;
-};
+// One line on stderr naming the input `source` and what is wrong with it;
+// returns ExitCode::BadInput.
+int InputError(const std::string& source, const Status& status);
 
-// Read `path` as a panel data file or a JSON document, told apart by content:
-// a JSON document starts with '{' (after blanks or a byte order mark). On
-// failure returns false and sets `error` to "<path>: <what is wrong>".
-bool LoadDocument(const std::string& path, Document& doc, std::string& error);
-
-// The form an output file gets from its extension (.dat or .json, any case).
-std::optional<Document::Form> FormForPath(const std::string& path);
-
-// Whether `doc` can be written in `form` (a panel data file can hold channel
-// numbers the JSON document does not allow); on failure `error` says why.
-bool CheckEncodable(const Document& doc, Document::Form form, std::string& error);
-// `doc` in `form`, piece by piece into `sink`; false when the sink failed.
-bool EncodeDocument(const Document& doc, Document::Form form, const ByteSink& sink);
-// Check `doc`, then replace `path` with it atomically (a new file holding the
-// password is readable by its owner only). Prints one line on failure and
+// Check `config`, then replace `path` with it atomically (a new file holding
+// the password is readable by its owner only). Prints one line on failure and
 // returns the exit code: BadInput naming `source` when the content cannot be
 // written in that form, WriteFailed when the file cannot be written.
-int WriteDocumentFile(const Document& doc, Document::Form form, const std::string& path,
-                      const std::string& source);
+int WriteConfigurationFile(const Configuration& config, ConfigurationForm form,
+                           const std::string& path, const std::string& source);
 
 // Display lists of all four sub types, for one-line summaries.
 int DisplayListTotal(const PanelStore& store);

@@ -36,7 +36,8 @@ const char* CommandOptionsHelp() {
            "  --password-file FILE    the panel password is FILE's first line; without it\n"
            "                          LUMETH_PASSWORD, or asked on the terminal. Passwords\n"
            "                          are never given as arguments and never printed.\n"
-           "  --home DIR              folder for Errorlog.txt (default: the current folder)\n"
+           "  --home DIR              folder for Errorlog.txt (default: the per-user data\n"
+           "                          folder, ~/.local/share/KOV/Lumeth Admin/)\n"
            "  The new password of set-password comes from --new-password-file FILE,\n"
            "  LUMETH_NEW_PASSWORD, or is asked on the terminal.\n";
 }

@@ -7,7 +7,8 @@
 // One function per lumeth-cli command; each returns the process exit code.
 namespace lumeth {
 struct CheckFinding;
-}
+struct Configuration;
+} // namespace lumeth
 
 namespace lumeth::cli {
 
@@ -20,9 +21,8 @@ int RunCrosspoints(const std::vector<std::string>& args);
 int RunDiff(const std::vector<std::string>& args);
 int RunCheck(const std::vector<std::string>& args);
 
-struct Document;
-// The checks of `check` on `doc`, one line each on `out`; apply runs them
+// The checks of `check` on `config`, one line each on `out`; apply runs them
 // before connecting.
-std::vector<CheckFinding> PrintChecks(const Document& doc, std::ostream& out);
+std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out);
 
 } // namespace lumeth::cli

@@ -18,12 +18,11 @@ int RunConvert(const std::vector<std::string>& args) {
         return UsageError("cannot tell the form of " + out + " (use .dat or .json)");
     }
 
-    Document doc;
-    std::string error;
-    if (!LoadDocument(in, doc, error)) {
-        return Error(ExitCode::BadInput, error);
+    const Configuration config = ReadConfiguration(in);
+    if (!config.status) {
+        return InputError(in, config.status);
     }
-    return WriteDocumentFile(doc, *form, out, in);
+    return WriteConfigurationFile(config, *form, out, in);
 }
 
 } // namespace lumeth::cli

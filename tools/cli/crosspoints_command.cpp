@@ -29,15 +29,13 @@ int RunCrosspoints(const std::vector<std::string>& args) {
         return UsageError("crosspoints needs FILE and -o OUT");
     }
 
-    Document doc;
-    std::string error;
-    if (!LoadDocument(in, doc, error)) {
-        return Error(ExitCode::BadInput, error);
+    const Configuration config = ReadConfiguration(in);
+    if (!config.status) {
+        return InputError(in, config.status);
     }
     std::string csv;
-    const Status encoded = EncodeCrosspointMap(doc.store, csv);
-    if (!encoded) {
-        return Error(ExitCode::BadInput, in + ": " + encoded.failure().detail);
+    if (const Status encoded = EncodeCrosspointMap(config.store, csv); !encoded) {
+        return InputError(in, encoded);
     }
     const Status written = ReplaceFileContents(out, csv);
     if (!written) {

@@ -5,6 +5,7 @@
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
+#include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
 namespace lumeth::cli {
@@ -23,21 +24,20 @@ constexpr const char* kServer = "server";
 int LoadSide(const std::string& source, const ServerOptions& options,
              std::optional<PanelStore>& fetched, PanelStore& store) {
     if (source != kServer) {
-        Document doc;
-        std::string error;
-        if (!LoadDocument(source, doc, error))
-            return Error(ExitCode::BadInput, error);
-        store = std::move(doc.store);
+        Configuration config = ReadConfiguration(source);
+        if (!config.status)
+            return InputError(source, config.status);
+        store = std::move(config.store);
         return 0;
     }
     if (!fetched) {
         const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
         if (!password.password) {
-            UsageError(password.error);
+            UsageError(password.status.failure().detail);
             return ToInt(ExitCode::BadInput);
         }
         ServerClient client(options);
-        if (const int code = client.LogInAndDownload(*password.password); code != 0)
+        if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0)
             return code;
         client.Close();
         fetched = client.store();
@@ -53,9 +53,8 @@ int LoadSide(const std::string& source, const ServerOptions& options,
 int RunDiff(const std::vector<std::string>& args) {
     ServerOptions options;
     std::vector<std::string> rest;
-    std::string error;
-    if (!ParseServerArguments(args, options, rest, error)) {
-        UsageError(error);
+    if (const Status parsed = ParseServerOptions(args, options, rest); !parsed) {
+        UsageError(parsed.failure().detail);
         return ToInt(ExitCode::BadInput);
     }
     if (rest.size() != 2 || rest[0].starts_with("-") || rest[1].starts_with("-")) {

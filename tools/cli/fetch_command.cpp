@@ -3,6 +3,7 @@
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
+#include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
 namespace lumeth::cli {
@@ -13,9 +14,8 @@ namespace lumeth::cli {
 int RunFetch(const std::vector<std::string>& args) {
     ServerOptions options;
     std::vector<std::string> rest;
-    std::string error;
-    if (!ParseServerArguments(args, options, rest, error)) {
-        return UsageError(error);
+    if (const Status parsed = ParseServerOptions(args, options, rest); !parsed) {
+        return UsageError(parsed.failure().detail);
     }
     std::string out;
     for (size_t i = 0; i < rest.size(); ++i) {
@@ -34,7 +34,7 @@ int RunFetch(const std::vector<std::string>& args) {
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
-        return UsageError(password.error);
+        return UsageError(password.status.failure().detail);
     }
 
     ServerClient client(options);
@@ -43,15 +43,15 @@ int RunFetch(const std::vector<std::string>& args) {
     }
     client.Close();
 
-    Document doc;
-    doc.form = *form;
-    doc.store = client.store();
-    doc.hasAlphas = true; // only the JSON document carries them
-    if (const int code = WriteDocumentFile(doc, *form, out, out); code != 0) {
+    Configuration fetched;
+    fetched.form = *form;
+    fetched.store = client.store();
+    fetched.hasAlphas = true; // only the JSON document carries them
+    if (const int code = WriteConfigurationFile(fetched, *form, out, out); code != 0) {
         return code;
     }
 
-    const PanelStore& store = doc.store;
+    const PanelStore& store = fetched.store;
     std::cout << "wrote " << out << ": ";
     for (SubType subType : kAllSubTypes) {
         std::cout << store.alpha(subType).count << " " << SubTypeName(subType) << ", ";

@@ -60,7 +60,8 @@ PasswordResult ReadPassword(const PasswordSource& source) {
     if (source.file) {
         std::ifstream in(*source.file, std::ios::binary);
         if (!in) {
-            result.error = *source.file + ": cannot read the password file";
+            result.status = Status::Fail(ErrorCode::PathFileAccessError,
+                                         *source.file + ": cannot read the password file");
             return result;
         }
         // Only the first line counts: no more is read than a password can
@@ -77,8 +78,9 @@ PasswordResult ReadPassword(const PasswordSource& source) {
     }
     result.password = PromptWithoutEcho(source.prompt);
     if (!result.password) {
-        result.error = std::string("no password: set ") + source.environmentVariable +
-                       ", give a password file, or run on a terminal";
+        result.status = Status::Fail(ErrorCode::InvalidProcedureCall,
+                                     std::string("no password: set ") + source.environmentVariable +
+                                         ", give a password file, or run on a terminal");
     }
     return result;
 }
@@ -87,7 +89,7 @@ std::string PasswordBytes(const std::string& utf8) {
     return cp1252::FromUtf8(utf8);
 }
 
-std::string NewPasswordProblem(const std::string& utf8) {
+Status CheckNewPassword(const std::string& utf8) {
     const std::string bytes = PasswordBytes(utf8);
     // A control character crosses the link but cannot be typed at the
     // window's login: the operators would be locked out.
@@ -95,10 +97,11 @@ std::string NewPasswordProblem(const std::string& utf8) {
         return static_cast<unsigned char>(c) >= 0x20 && static_cast<unsigned char>(c) != 0x7F;
     });
     if (printable && cp1252::ToUtf8(bytes) == utf8 && codec::PasswordFitsMessage(bytes)) {
-        return {};
+        return Status::Ok();
     }
-    return "the new password cannot be sent to the server module: it takes at most 127 "
-           "characters, each a letter, digit, blank or sign of plain ASCII";
+    return Status::Fail(ErrorCode::InvalidProcedureCall,
+                        "the new password cannot be sent to the server module: it takes at "
+                        "most 127 characters, each a letter, digit, blank or sign of plain ASCII");
 }
 
 } // namespace lumeth::cli

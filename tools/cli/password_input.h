@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "model/failure.h"
+
 namespace lumeth::cli {
 
 // Where a password comes from, in this order: a file named on the command
@@ -17,7 +19,7 @@ struct PasswordSource {
 
 struct PasswordResult {
     std::optional<std::string> password; // UTF-8 text as read
-    std::string error;                   // set when there is no password; names what to do
+    Status status;                       // fails when there is no password, naming what to do
 };
 
 PasswordResult ReadPassword(const PasswordSource& source);
@@ -26,11 +28,10 @@ PasswordResult ReadPassword(const PasswordSource& source);
 // table as the window's password boxes.
 std::string PasswordBytes(const std::string& utf8);
 
-// For a password about to be stored in the server module: empty when the
-// set-password message carries `utf8` whole, else the one line that says why
-// not. A character outside the table, or one that becomes a byte at or above
-// 0x80, cannot cross the link; a control character cannot be typed at the
-// window's login.
-std::string NewPasswordProblem(const std::string& utf8);
+// For a password about to be stored in the server module: fails, saying why
+// in one line, unless the set-password message carries `utf8` whole. A character outside the table,
+// or one that becomes a byte at or above 0x80, cannot cross the link; a control character cannot be
+// typed at the window's login.
+Status CheckNewPassword(const std::string& utf8);
 
 } // namespace lumeth::cli

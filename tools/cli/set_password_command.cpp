@@ -3,6 +3,7 @@
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
+#include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
 namespace lumeth::cli {
@@ -13,9 +14,8 @@ namespace lumeth::cli {
 int RunSetPassword(const std::vector<std::string>& args) {
     ServerOptions options;
     std::vector<std::string> rest;
-    std::string error;
-    if (!ParseServerArguments(args, options, rest, error)) {
-        return UsageError(error);
+    if (const Status parsed = ParseServerOptions(args, options, rest); !parsed) {
+        return UsageError(parsed.failure().detail);
     }
     std::optional<std::string> newPasswordFile;
     for (size_t i = 0; i < rest.size(); ++i) {
@@ -27,15 +27,15 @@ int RunSetPassword(const std::vector<std::string>& args) {
     }
     const PasswordResult current = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!current.password) {
-        return UsageError(current.error);
+        return UsageError(current.status.failure().detail);
     }
     const PasswordResult next =
         ReadPassword({newPasswordFile, "LUMETH_NEW_PASSWORD", "New password: "});
     if (!next.password) {
-        return UsageError(next.error);
+        return UsageError(next.status.failure().detail);
     }
-    if (const std::string problem = NewPasswordProblem(*next.password); !problem.empty()) {
-        return Error(ExitCode::BadInput, problem);
+    if (const Status usable = CheckNewPassword(*next.password); !usable) {
+        return Error(ExitCode::BadInput, usable.failure().detail);
     }
 
     ServerClient client(options);

@@ -4,6 +4,7 @@
 
 #include "model/button_catalogue.h"
 #include "model/cp1252.h"
+#include "model/limits.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
@@ -14,8 +15,7 @@ namespace {
 // Names are stored blank-padded to their field width; the listing shows them
 // without the padding, as UTF-8.
 std::string Shown(const std::string& name) {
-    const auto end = name.find_last_not_of(' ');
-    return cp1252::ToUtf8(end == std::string::npos ? std::string() : name.substr(0, end + 1));
+    return cp1252::ToUtf8(TrimTrailingBlanks(name));
 }
 
 std::string Quoted(const std::string& name) {
@@ -27,7 +27,7 @@ std::string Quoted(const std::string& name) {
 
 // "MIC 1 [0001]" as the window shows a channel; channel n is numbered n+1.
 // Without channel names only the number is shown.
-std::string ChannelText(const Document& doc, SubType s, int16_t channel) {
+std::string ChannelText(const Configuration& doc, SubType s, int16_t channel) {
     if (channel == kNoChannel) {
         return "none";
     }
@@ -50,7 +50,7 @@ template <typename T> const T* Entry(const std::vector<T>& v, int i, int count) 
     return &v[static_cast<size_t>(i)];
 }
 
-void ShowDisplayLists(const Document& doc, std::ostream& out) {
+void ShowDisplayLists(const Configuration& doc, std::ostream& out) {
     for (SubType s : kAllSubTypes) {
         const int count = doc.store.listCount(s);
         out << SubTypeName(s) << " display lists: " << count << "\n";
@@ -71,12 +71,13 @@ void ShowDisplayLists(const Document& doc, std::ostream& out) {
     }
 }
 
-void ShowUserGroups(const Document& doc, std::ostream& out) {
+void ShowUserGroups(const Configuration& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
     out << "User groups: " << store.groups.userGroupCount << "\n";
     for (int i = 0; i < store.groups.userGroupCount; ++i) {
         const UserGroup* group = Entry(store.groups.userGroups, i, store.groups.userGroupCount);
-        const std::string* name = Entry(store.groups.userGroupNames, i, store.groups.userGroupCount);
+        const std::string* name =
+            Entry(store.groups.userGroupNames, i, store.groups.userGroupCount);
         if (group == nullptr || name == nullptr) {
             break;
         }
@@ -100,12 +101,14 @@ void ShowUserGroups(const Document& doc, std::ostream& out) {
     }
 }
 
-void ShowTemplates(const Document& doc, std::ostream& out) {
+void ShowTemplates(const Configuration& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
     out << "Button templates: " << store.templates.templateCount << "\n";
     for (int i = 0; i < store.templates.templateCount; ++i) {
-        const ButtonTemplate* tmpl = Entry(store.templates.buttonTemplates, i, store.templates.templateCount);
-        const std::string* name = Entry(store.templates.templateNames, i, store.templates.templateCount);
+        const ButtonTemplate* tmpl =
+            Entry(store.templates.buttonTemplates, i, store.templates.templateCount);
+        const std::string* name =
+            Entry(store.templates.templateNames, i, store.templates.templateCount);
         if (tmpl == nullptr || name == nullptr) {
             break;
         }
@@ -161,22 +164,21 @@ int RunShow(const std::vector<std::string>& args) {
         return UsageError("show needs a FILE");
     }
 
-    Document doc;
-    std::string error;
-    if (!LoadDocument(path, doc, error)) {
-        return Error(ExitCode::BadInput, error);
+    const Configuration doc = ReadConfiguration(path);
+    if (!doc.status) {
+        return InputError(path, doc.status);
     }
     if (json) {
-        if (!CheckEncodable(doc, Document::Form::Json, error)) {
-            return Error(ExitCode::BadInput, path + ": " + error);
+        if (const Status encodable = CheckEncodable(doc, ConfigurationForm::Json); !encodable) {
+            return InputError(path, encodable);
         }
-        EncodeDocument(doc, Document::Form::Json, [](std::string_view piece) {
+        EncodeConfiguration(doc, ConfigurationForm::Json, [](std::string_view piece) {
             return static_cast<bool>(std::cout.write(piece.data(), std::streamsize(piece.size())));
         });
         return std::cout.good() ? ToInt(ExitCode::Ok) : ToInt(ExitCode::BadInput);
     }
 
-    if (doc.form == Document::Form::PanelData) {
+    if (doc.form == ConfigurationForm::PanelData) {
         std::cout << path << ": panel data file, version " << doc.version << "\n";
     } else {
         std::cout << path << ": JSON document"

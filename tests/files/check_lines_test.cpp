@@ -1,6 +1,7 @@
 // The checks of a configuration: one line per finding, with its JSON path.
 #include <gtest/gtest.h>
 
+#include "files/json_schema.h"
 #include "model/store_check.h"
 #include "tests/support/store_builders.h"
 
@@ -30,7 +31,7 @@ TEST(StoreCheck, FindingsNameTheirPathAndSeverity) {
 
     std::vector<std::string> lines;
     for (const CheckFinding& finding : CheckStore(store, true))
-        lines.push_back(finding.Line());
+        lines.push_back(CheckFindingLine(finding));
     const std::vector<std::string> expected{
         "error: display_lists.input[0].channels[1]: channel 2 is outside the 2 Input channel names",
         "warning: display_lists.input[1].name: name \"Mics\" is also the name of "
