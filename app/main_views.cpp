@@ -277,22 +277,25 @@ void MainViews::SelectFirstGroup() {
         m_groups->setCurrentItem(first);
 }
 
-void MainViews::GroupClicked() {
+bool MainViews::TakeCurrentGroup() {
     QTreeWidgetItem* item = m_groups->currentItem();
     if (m_groups->topLevelItemCount() == 0 || !item)
-        return;
+        return false;
     m_store.currentUserGroup = static_cast<int16_t>(KeyNumber(ItemKey(item).toStdString()) - 1);
     m_store.editorListType = kUserGroupListType;
+    return true;
+}
+
+void MainViews::GroupClicked() {
+    if (!TakeCurrentGroup())
+        return;
     DetermineSubType();
     ShowGroupData(m_store.currentUserGroup);
 }
 
 void MainViews::GroupDoubleClicked() {
-    QTreeWidgetItem* item = m_groups->currentItem();
-    if (m_groups->topLevelItemCount() == 0 || !item)
+    if (!TakeCurrentGroup())
         return;
-    m_store.currentUserGroup = static_cast<int16_t>(KeyNumber(ItemKey(item).toStdString()) - 1);
-    m_store.editorListType = kUserGroupListType;
     if (m_showListEditor)
         m_showListEditor();
     // The first group is shown after an edit, whichever was selected.

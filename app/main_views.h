@@ -92,6 +92,9 @@ protected:
 
 private:
     void Report(std::string_view location, const std::exception& error);
+    // The group of the current item becomes the current user group and the
+    // editor's mode; false when there is none.
+    bool TakeCurrentGroup();
     static void Fill(QTreeWidget* view, const std::vector<ViewRow>& rows, bool withType);
 
     PanelStore& m_store;

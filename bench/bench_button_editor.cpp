@@ -35,16 +35,10 @@ Fixture& Shared() {
         f->models = std::make_unique<ChannelListModels>();
         f->models->RebuildAll(f->store);
         f->editor = std::make_unique<ButtonEditor>(f->store, *f->models, nullptr, "/tmp/");
-        f->editor->resize(1100, 620);
-        f->editor->show();
-        QApplication::processEvents();
+        bench::ShowAt(*f->editor, 1100, 620);
         return f;
     }();
     return *fixture;
-}
-
-void Settle() {
-    QApplication::processEvents();
 }
 
 // Consecutive buttons of the generated templates have different functions,
@@ -54,7 +48,7 @@ void BM_DisplayCurrentButton(benchmark::State& state) {
     int p = 0;
     for (auto _ : state) {
         f.editor->ButtonClicked(p);
-        Settle();
+        bench::Settle();
         p = (p + 1) % 16;
     }
     state.counters["channels"] = f.store.alpha(SubType::Input).count;
@@ -66,7 +60,7 @@ void BM_DisplayCurrentTemplate(benchmark::State& state) {
     int step = 0;
     for (auto _ : state) {
         f.editor->Navigate(step++ % 2 == 0 ? 3 : 2); // next, previous
-        Settle();
+        bench::Settle();
     }
     state.counters["templates"] = f.store.templates.templateCount;
 }
@@ -80,9 +74,9 @@ void BM_OpenChannelList(benchmark::State& state) {
     auto* combo = f.editor->findChild<QComboBox*>("cmbChannel_0");
     for (auto _ : state) {
         combo->showPopup();
-        Settle();
+        bench::Settle();
         combo->hidePopup();
-        Settle();
+        bench::Settle();
     }
     state.counters["entries"] = combo->count();
 }

@@ -41,16 +41,10 @@ Fixture& Shared() {
         std::iota(all.channels.begin(), all.channels.end(), int16_t(0));
 
         f->editor = std::make_unique<DisplayListEditor>(f->store, "/tmp/", ErrorReporter{});
-        f->editor->resize(880, 620);
-        f->editor->show();
-        QApplication::processEvents();
+        bench::ShowAt(*f->editor, 880, 620);
         return f;
     }();
     return *fixture;
-}
-
-void Settle() {
-    QApplication::processEvents();
 }
 
 void OpenOn(Fixture& f, int list) {
@@ -64,7 +58,7 @@ void BM_OpenOnInputList(benchmark::State& state) {
     const int list = state.range(0) == 0 ? 0 : f.fullList;
     for (auto _ : state) {
         OpenOn(f, list);
-        Settle();
+        bench::Settle();
     }
     state.counters["available"] = f.editor->findChild<QTreeView*>("lvChannel")->model()->rowCount();
     state.counters["members"] = f.editor->findChild<QTreeView*>("lvList")->model()->rowCount();
@@ -78,10 +72,10 @@ void BM_AddAllIntoEmptyList(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         f.editor->RemoveAll();
-        Settle();
+        bench::Settle();
         state.ResumeTiming();
         f.editor->AddAll();
-        Settle();
+        bench::Settle();
     }
     state.counters["members"] = f.editor->findChild<QTreeView*>("lvList")->model()->rowCount();
 }
@@ -107,7 +101,7 @@ void BM_FilterKeystroke(benchmark::State& state) {
     int shown = 0;
     for (auto _ : state) {
         filter->setText(texts[shown % 2]);
-        Settle();
+        bench::Settle();
         ++shown;
     }
     filter->clear();

@@ -51,20 +51,14 @@ Fixture& Shared() {
         ++group.listCount;
 
         f->host = std::make_unique<QWidget>();
-        f->host->resize(1200, 700);
         f->views = new MainViews(f->store, {}, f->host.get());
         f->views->groups()->setGeometry(0, 30, 380, 660);
         f->views->displayLists()->setGeometry(400, 30, 380, 660);
         f->views->items()->setGeometry(800, 30, 380, 660);
-        f->host->show();
-        QApplication::processEvents();
+        bench::ShowAt(*f->host, 1200, 700);
         return f;
     }();
     return *fixture;
-}
-
-void Settle() {
-    QApplication::processEvents();
 }
 
 double ResidentMegabytes() {
@@ -78,7 +72,7 @@ void BM_DisplayUserGroups(benchmark::State& state) {
     Fixture& f = Shared();
     for (auto _ : state) {
         f.views->DisplayUserGroups();
-        Settle();
+        bench::Settle();
     }
     state.counters["groups"] = f.views->groups()->topLevelItemCount();
 }
@@ -89,7 +83,7 @@ void BM_ShowGroupData(benchmark::State& state) {
     f.store.currentListType = ListTypeCode(SubType::Input);
     for (auto _ : state) {
         f.views->ShowGroupData(0);
-        Settle();
+        bench::Settle();
     }
     state.counters["lists"] = f.views->displayLists()->topLevelItemCount();
 }
@@ -100,7 +94,7 @@ void BM_ShowDisplayListData(benchmark::State& state) {
     f.store.currentListType = ListTypeCode(SubType::Input);
     for (auto _ : state) {
         f.views->ShowDisplayListData(f.bigList);
-        Settle();
+        bench::Settle();
     }
     state.counters["channels"] = f.views->items()->topLevelItemCount();
 }
@@ -125,7 +119,7 @@ void BM_FullRedraw(benchmark::State& state) {
         f.views->DetermineSubType();
         f.views->ShowGroupData(0);
         f.views->ShowDisplayListData(f.bigList);
-        Settle();
+        bench::Settle();
     }
     state.counters["channels"] = f.views->items()->topLevelItemCount();
     state.counters["rss_MB"] = ResidentMegabytes();

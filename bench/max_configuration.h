@@ -19,6 +19,19 @@ inline std::unique_ptr<QApplication> OffscreenApplication() {
     return std::make_unique<QApplication>(argc, argv);
 }
 
+// Let the window draw what the last step changed.
+inline void Settle() {
+    QApplication::processEvents();
+}
+
+// Show `widget` at a fixed size, drawn once, so that the timed steps measure
+// redraws only.
+inline void ShowAt(QWidget& widget, int width, int height) {
+    widget.resize(width, height);
+    widget.show();
+    Settle();
+}
+
 // The emulator's largest generated configuration, its channel names sorted as
 // a download leaves them.
 inline PanelStore MaxConfiguration() {

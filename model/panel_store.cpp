@@ -2,20 +2,23 @@
 
 namespace lumeth {
 
-void UserGroupTable::Resize(int count) {
+namespace {
+
+// Give every parallel array of a table max(count, 1) entries; new ones are
+// value-initialised (empty names and records, index values 0).
+template <typename... Arrays> void ResizeParallel(int count, Arrays&... arrays) {
     const size_t n = ArraySizeFor(count);
-    userGroupNames.resize(n);
-    userGroups.resize(n);
-    userGroupIndex.resize(n, 0);
-    userGroupNumber.resize(n, 0);
+    (arrays.resize(n), ...);
+}
+
+} // namespace
+
+void UserGroupTable::Resize(int count) {
+    ResizeParallel(count, userGroupNames, userGroups, userGroupIndex, userGroupNumber);
 }
 
 void TemplateTable::Resize(int count) {
-    const size_t n = ArraySizeFor(count);
-    templateNames.resize(n);
-    buttonTemplates.resize(n);
-    templateIndex.resize(n, 0);
-    templatePosition.resize(n, 0);
+    ResizeParallel(count, templateNames, buttonTemplates, templateIndex, templatePosition);
 }
 
 void PanelStore::ResetToDefaults() {

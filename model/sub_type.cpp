@@ -2,48 +2,30 @@
 
 namespace lumeth {
 
+namespace {
+
+constexpr const char* kSubTypeNames[kSubTypeCount] = {"Input", "Output", "Opto", "Relay"};
+
+// The sub type whose code `codeOf` gives `code`.
+template <typename CodeOf> std::optional<SubType> FindSubType(int code, CodeOf codeOf) {
+    for (SubType s : kAllSubTypes)
+        if (codeOf(s) == code)
+            return s;
+    return std::nullopt;
+}
+
+} // namespace
+
 std::optional<SubType> SubTypeFromAlphaCode(int code) {
-    switch (code) {
-    case 10:
-        return SubType::Input;
-    case 20:
-        return SubType::Output;
-    case 30:
-        return SubType::Opto;
-    case 40:
-        return SubType::Relay;
-    default:
-        return std::nullopt;
-    }
+    return FindSubType(code, AlphaTypeCode);
 }
 
 std::optional<SubType> SubTypeFromListCode(int code) {
-    switch (code) {
-    case 11:
-        return SubType::Input;
-    case 21:
-        return SubType::Output;
-    case 31:
-        return SubType::Opto;
-    case 41:
-        return SubType::Relay;
-    default:
-        return std::nullopt;
-    }
+    return FindSubType(code, ListTypeCode);
 }
 
 const char* SubTypeName(SubType s) {
-    switch (s) {
-    case SubType::Input:
-        return "Input";
-    case SubType::Output:
-        return "Output";
-    case SubType::Opto:
-        return "Opto";
-    case SubType::Relay:
-        return "Relay";
-    }
-    return "";
+    return Index(s) < kSubTypeCount ? kSubTypeNames[Index(s)] : "";
 }
 
 } // namespace lumeth
