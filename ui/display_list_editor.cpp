@@ -327,8 +327,8 @@ void DisplayListEditor::Open() {
         if (m_listType == kUserGroupListType) {
             m_currentIndex = m_store.currentUserGroup;
             m_itemCount = m_store.groups.userGroupCount;
-            if (QRadioButton* button = m_subTypeButtons.at(
-                    static_cast<size_t>(SubTypeFromListCode(m_store.currentListType).value())))
+            if (QRadioButton* button =
+                    m_subTypeButtons.at(static_cast<size_t>(SubTypeFromListCode(m_store.currentListType).value())))
                 button->setChecked(true);
         } else {
             m_currentIndex = m_store.currentList;
@@ -791,7 +791,7 @@ bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
         if (key->key() == Qt::Key_Escape)
             return true;
         // Names are at most 16 characters: a typed character is refused once
-        // the box holds 16. Backspace, Escape and editing keys pass.
+        // the box holds 16. Backspace and editing keys pass.
         return TypedCharacter(key) && size_t(m_listAlpha->text().size()) >= kNameWidth;
     }
     if (watched == m_channelView && enter) {
