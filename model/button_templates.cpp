@@ -50,6 +50,12 @@ int AddButtonTemplate(PanelStore& store) {
     return t;
 }
 
+PanelButton GrownButton(int b) {
+    PanelButton button = PanelButton::Cleared();
+    button.label = "Button " + std::to_string(b + 1);
+    return button;
+}
+
 Status FillButtonTemplate(PanelStore& store, int t) {
     if (!IsTemplate(store, t)) {
         return NoTemplate(t, "to fill");
@@ -60,11 +66,8 @@ Status FillButtonTemplate(PanelStore& store, int t) {
     }
     const int kept = std::clamp<int>(tpl.buttonCount, 0, kTemplateButtons);
     tpl.buttons.resize(kTemplateButtons, PanelButton::Cleared());
-    for (int b = kept; b < kTemplateButtons; ++b) {
-        PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
-        button = PanelButton::Cleared();
-        button.label = "Button " + std::to_string(b + 1);
-    }
+    for (int b = kept; b < kTemplateButtons; ++b)
+        tpl.buttons[static_cast<size_t>(b)] = GrownButton(b);
     tpl.buttonCount = kTemplateButtons;
     return Status::Ok();
 }

@@ -18,9 +18,12 @@ inline constexpr int kPageButtons = 16;
 // position. Returns that position.
 int AddButtonTemplate(PanelStore& store);
 
-// Give template `t` exactly 32 buttons; each added button is a cleared one
-// labelled "Button " + its 1-based number. Fails when `t` is not a template
-// position.
+// The button that growing a template to 32 buttons adds at 0-based position
+// `b`: a cleared one labelled "Button " + its 1-based number.
+PanelButton GrownButton(int b);
+
+// Give template `t` exactly 32 buttons; each added button is GrownButton.
+// Fails when `t` is not a template position.
 Status FillButtonTemplate(PanelStore& store, int t);
 
 // Reset template `t`: every button loses its channel, caption option and label

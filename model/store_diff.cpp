@@ -7,7 +7,9 @@
 #include <unordered_set>
 
 #include "model/button_catalogue.h"
+#include "model/button_templates.h"
 #include "model/limits.h"
+#include "model/number_text.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
@@ -298,19 +300,38 @@ private:
             if (was.number != now.number)
                 Add(name + ": number " + std::to_string(was.number) + " changed to " +
                     std::to_string(now.number));
-            // A button a template does not hold reads as a cleared one, so a
-            // template grown to 32 buttons is no change by itself.
-            const int buttons = std::max(ValidCount(was.buttonCount), ValidCount(now.buttonCount));
-            for (int k = 0; k < buttons; ++k) {
-                const PanelButton a = k < ValidCount(was.buttonCount) ? RefAt(was.buttons, k)
-                                                                      : PanelButton::Cleared();
-                const PanelButton b = k < ValidCount(now.buttonCount) ? RefAt(now.buttons, k)
-                                                                      : PanelButton::Cleared();
+            Buttons(i, name, was, now);
+        }
+    }
+
+    // The growth to 32 buttons, said once: template 01 "Host": grown from 1
+    // to 32 buttons. Its buttons are then listed only where they differ from
+    // what the growth adds (or from a cleared one, as a button a template does
+    // not hold reads).
+    void Buttons(int i, const std::string& name, const ButtonTemplate& was,
+                 const ButtonTemplate& now) {
+        const int held = ValidCount(was.buttonCount);
+        const int holds = ValidCount(now.buttonCount);
+        if (holds > held)
+            Add("template " + ZeroPadded(i + 1, 2) + " " +
+                Quoted(RefAt(m_after.templates.templateNames, i), kNameWidth) + ": grown from " +
+                std::to_string(held) + " to " + Count(holds, "button"));
+        for (int k = 0; k < std::max(held, holds); ++k) {
+            const PanelButton b = k < holds ? RefAt(now.buttons, k) : PanelButton::Cleared();
+            if (k < held) {
+                const PanelButton& a = RefAt(was.buttons, k);
                 if (!SameButton(a, b))
-                    Add(name + " button " + std::to_string(k + 1) + ": " + Button(a) +
-                        " changed to " + Button(b));
+                    Add(ButtonLine(name, k, a, b));
+            } else if (!SameButton(PanelButton::Cleared(), b) && !SameButton(GrownButton(k), b)) {
+                Add(ButtonLine(name, k, GrownButton(k), b));
             }
         }
+    }
+
+    std::string ButtonLine(const std::string& name, int k, const PanelButton& a,
+                           const PanelButton& b) const {
+        return name + " button " + std::to_string(k + 1) + ": " + Button(a) + " changed to " +
+               Button(b);
     }
 
     void Add(std::string line) { m_lines.push_back(std::move(line)); }

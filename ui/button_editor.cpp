@@ -306,7 +306,7 @@ QGroupBox* ButtonEditor::createCaptionGroup(QWidget* parent) {
     m_caption = new QLineEdit(frCaption);
     m_caption->setObjectName("txtCaption");
     m_caption->setToolTip("The button's own label, at most 8 characters. Enter stores it.");
-    m_caption->setReadOnly(true);
+    SetCaptionEditable(false);
     m_caption->installEventFilter(this);
     auto* layout = new QVBoxLayout(frCaption);
     layout->addWidget(m_captionOptions[1]);
@@ -489,7 +489,7 @@ void ButtonEditor::DisplayCurrentButton() {
     const bool custom = (button.captionOption & 1) != 0;
     m_captionOptions[custom ? 1 : 0]->setChecked(true);
     m_caption->setText(custom ? ToQt(button.label) : InputAlpha(button.channel));
-    m_caption->setReadOnly(!custom);
+    SetCaptionEditable(custom);
 }
 
 void ButtonEditor::ButtonClicked(int position) {
@@ -533,11 +533,11 @@ void ButtonEditor::CaptionOptionChosen(int option) {
         PanelButton& button = CurrentButtonRecord();
         if (option == 1) {
             m_caption->setText(ToQt(button.label));
-            m_caption->setReadOnly(false);
+            SetCaptionEditable(true);
         } else {
             // The Input table whatever the function, as the panels expect.
             m_caption->setText(InputAlpha(button.channel));
-            m_caption->setReadOnly(true);
+            SetCaptionEditable(false);
         }
         // Flipped, not set: this runs once per change of option, which keeps
         // the bit and the option in step.
@@ -629,12 +629,27 @@ void ButtonEditor::ExportLabelSheet() {
 }
 
 void ButtonEditor::StoreCaption() {
-    // In system-alpha mode the box shows the channel's name, not a label of
-    // the button's own, so there is nothing to store.
-    if (m_caption->isReadOnly())
-        return;
-    Guarded(m_reporter, "Error Changing Templates", kButtonError,
-            [this] { CurrentButtonRecord().label = FromQt(m_caption->text()); });
+    // What the box shows becomes the button's custom label in either label
+    // mode (in "Use System Alpha" the channel's name). The stored label shown
+    // again is no change: one longer than 8 characters, as received, stays
+    // whole until it is edited.
+    Guarded(m_reporter, "Error Changing Templates", kButtonError, [this] {
+        PanelButton& button = CurrentButtonRecord();
+        std::string text = FromQt(m_caption->text());
+        if (text == button.label)
+            return;
+        text.resize(std::min(text.size(), kLabelWidth));
+        button.label = std::move(text);
+        if (!m_caption->isReadOnly())
+            m_caption->setText(ToQt(button.label));
+    });
+}
+
+void ButtonEditor::SetCaptionEditable(bool editable) {
+    m_caption->setReadOnly(!editable);
+    // Leaving the box stores what it shows: in "Use System Alpha" only a
+    // click enters it, so that tabbing through the window changes no label.
+    m_caption->setFocusPolicy(editable ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 void ButtonEditor::StoreTemplateName() {
@@ -650,9 +665,8 @@ bool ButtonEditor::CaptionKey(QKeyEvent* key) {
         return true;
     }
     if (key->key() == Qt::Key_Escape) {
-        if (!m_caption->isReadOnly())
-            Guarded(m_reporter, "Error Changing Templates", kButtonError,
-                    [this] { m_caption->setText(ToQt(CurrentButtonRecord().label)); });
+        Guarded(m_reporter, "Error Changing Templates", kButtonError,
+                [this] { m_caption->setText(ToQt(CurrentButtonRecord().label)); });
         return true;
     }
     return RefusedWhenFull(m_caption, key, kLabelWidth);

@@ -94,6 +94,7 @@ private:
     bool TemplateNameKey(QKeyEvent* key);
     bool TemplateNumberKey(QKeyEvent* key);
     void StoreCaption();
+    void SetCaptionEditable(bool editable);
     void StoreTemplateName();
 
     PanelStore& m_store;

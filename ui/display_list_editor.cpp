@@ -188,8 +188,8 @@ QGridLayout* DisplayListEditor::createNameGrid() {
     m_listAlphaLabel = MakeLabel(this, "lblListAlpha", "Current List Label");
     m_listAlpha = new QLineEdit("Text1", this);
     m_listAlpha->setObjectName("txtListAlpha");
-    // The key filter refuses a typed 17th character; this also cuts a pasted
-    // or dropped text to the 16 characters a name holds.
+    // The key filter refuses a typed 17th character; the length limit (see
+    // ShowListAlpha) also cuts a pasted or dropped text.
     m_listAlpha->setMaxLength(int(kNameWidth));
     m_listAlpha->installEventFilter(this);
     m_listAlphaLabel->setBuddy(m_listAlpha);
@@ -419,7 +419,15 @@ void DisplayListEditor::FillListAlphas() {
     if (m_currentIndex < 0 || m_currentIndex >= m_listAlphas->count())
         throw std::out_of_range("no list at position " + std::to_string(m_currentIndex));
     m_listAlphas->setCurrentIndex(m_currentIndex);
-    m_listAlpha->setText(m_listAlphas->itemText(m_currentIndex));
+    ShowListAlpha(m_listAlphas->itemText(m_currentIndex));
+}
+
+void DisplayListEditor::ShowListAlpha(const QString& name) {
+    // A name from the server module may be longer than the 16 characters a
+    // typed one holds: the box shows all of it, so that showing it changes
+    // nothing (the limit applies to what is typed or pasted).
+    m_listAlpha->setMaxLength(std::max(int(kNameWidth), int(name.size())));
+    m_listAlpha->setText(name);
 }
 
 void DisplayListEditor::FillList() {
@@ -490,17 +498,23 @@ void DisplayListEditor::CommitEditedList() {
         if (const Status replaced = ReplaceGroupEntries(group, m_store.currentListType, numbers);
             !replaced)
             throw std::out_of_range(replaced.failure().detail);
-        m_storeChanged = m_storeChanged || !SameGroup(group, m_store.groups.userGroups.at(at)) ||
-                         m_groupNames.at(at) != m_store.groups.userGroupNames.at(at);
-        m_store.groups.userGroups = m_groups;
-        m_store.groups.userGroupNames = m_groupNames;
+        // An unchanged record is not written back: the store keeps its own
+        // copy, so a commit of nothing changes nothing.
+        if (!SameGroup(group, m_store.groups.userGroups.at(at)) ||
+            m_groupNames.at(at) != m_store.groups.userGroupNames.at(at)) {
+            m_storeChanged = true;
+            m_store.groups.userGroups = m_groups;
+            m_store.groups.userGroupNames = m_groupNames;
+        }
     } else {
         DisplayList& list = m_lists.at(at);
         list.channelCount = static_cast<int16_t>(numbers.size());
         list.channels = numbers.empty() ? std::vector<int16_t>{0} : std::move(numbers);
         const SubType subType = SubTypeFromListCode(m_listType).value();
-        m_storeChanged = m_storeChanged || !SameList(list, m_store.lists(subType).at(at));
-        m_store.lists(subType) = m_lists;
+        if (!SameList(list, m_store.lists(subType).at(at))) {
+            m_storeChanged = true;
+            m_store.lists(subType) = m_lists;
+        }
     }
     LoadWorkingCopy();
     m_changed = false;
@@ -539,7 +553,7 @@ void DisplayListEditor::ListAlphasClicked(int item) {
             const BusyFlag::Scope busy;
             CommitIfChanged();
             m_currentIndex = static_cast<int16_t>(item);
-            m_listAlpha->setText(m_listAlphas->itemText(item));
+            ShowListAlpha(m_listAlphas->itemText(item));
             FillList();
         })) {
         // The box shows the list being edited.
@@ -651,12 +665,16 @@ void DisplayListEditor::ApplyListAlpha() {
                                 : m_lists.at(size_t(m_currentIndex)).name;
         std::string text = FromQt(m_listAlpha->text());
         if (text == name)
-            return;
+            return; // shown, not edited: a long name stays whole
         // A rename is a change of the edited list: it is committed with it.
+        // An edited name holds at most 16 characters.
+        text.resize(std::min(text.size(), kNameWidth));
         name = std::move(text);
         m_changed = true;
+        const QString shown = ToQt(name);
+        ShowListAlpha(shown);
         const QSignalBlocker block(m_listAlphas);
-        m_listAlphas->setItemText(m_currentIndex, m_listAlpha->text());
+        m_listAlphas->setItemText(m_currentIndex, shown);
     });
 }
 
@@ -768,8 +786,12 @@ bool DisplayListEditor::eventFilter(QObject* watched, QEvent* event) {
             ApplyListAlpha();
             return true;
         }
+        // Escape is the box's own key, as typed: it leaves the text as it is
+        // and does not reach the dialog, which would close the editor.
+        if (key->key() == Qt::Key_Escape)
+            return true;
         // Names are at most 16 characters: a typed character is refused once
-        // the box holds 16. Backspace, Escape and editing keys pass.
+        // the box holds 16. Backspace and editing keys pass.
         return TypedCharacter(key) && size_t(m_listAlpha->text().size()) >= kNameWidth;
     }
     if (watched == m_channelView && enter) {

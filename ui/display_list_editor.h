@@ -105,6 +105,7 @@ private:
     void LoadWorkingCopy();
     void FillChannels();
     void FillListAlphas();
+    void ShowListAlpha(const QString& name);
     void FillList();
     void SetModeCaptions();
     void SelectRows(QTreeView* view, const QList<int>& rows);

@@ -7,6 +7,7 @@
 #include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "model/button_templates.h"
 #include "model/cp1252.h"
 
 namespace lumeth {
@@ -41,6 +42,17 @@ TEST_F(DiffCheck, DiffExitsLikeDiff) {
     const QString same = Edited("same.json", [](PanelStore&) {});
     const QString renamed =
         Edited("renamed.json", [](PanelStore& s) { s.groups.userGroupNames[0] = "Renamed"; });
+    // A template of one button, and the same grown to 32 as the button editor does.
+    const auto shortTemplate = [](PanelStore& s) {
+        s.templates.buttonTemplates[0].buttonCount = 1;
+        s.templates.buttonTemplates[0].buttons.resize(1);
+        s.templates.templateNames[0] = "Host";
+    };
+    const QString held = Edited("short.json", shortTemplate);
+    const QString grown = Edited("grown.json", [&](PanelStore& s) {
+        shortTemplate(s);
+        ASSERT_TRUE(FillButtonTemplate(s, 0));
+    });
     const struct {
         QStringList args;
         int exitCode;
@@ -48,6 +60,7 @@ TEST_F(DiffCheck, DiffExitsLikeDiff) {
     } cases[] = {
         {{"diff", kDemo, same}, 0, "No changes.\n"},
         {{"diff", kDemo, renamed}, 1, "Group \"" + DemoGroup() + "\" renamed to \"Renamed\"\n"},
+        {{"diff", held, grown}, 1, "template 01 \"Host\": grown from 1 to 32 buttons\n"},
         {{"diff", kDemo}, 2, ""},
         {{"diff", kDemo, Path("missing.dat")}, 2, ""},
     };

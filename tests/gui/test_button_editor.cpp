@@ -315,6 +315,98 @@ private slots:
         QCOMPARE(combo->currentText(), QString("MIC 2 [0002]"));
     }
 
+    void captionKeysInBothModes_data() {
+        QTest::addColumn<bool>("custom");
+        QTest::addColumn<QString>("stored"); // the button's label before
+        QTest::addColumn<QString>("alpha");  // its channel's name
+        QTest::addColumn<QString>("typed");  // over the whole box; "" types nothing
+        QTest::addColumn<int>("key");        // then pressed; other than Enter and Escape
+                                             // the box is then left
+        QTest::addColumn<QString>("label");  // the button's label after
+        QTest::addColumn<QString>("shown");  // the box after
+        const int enter = Qt::Key_Return, escape = Qt::Key_Escape;
+        QTest::newRow("custom Enter") << true << "L1"
+                                      << "MIC 2"
+                                      << "NEW" << enter << "NEW"
+                                      << "NEW";
+        QTest::newRow("custom leave") << true << "L1"
+                                      << "MIC 2"
+                                      << "NEW" << 0 << "NEW"
+                                      << "NEW";
+        QTest::newRow("custom Escape") << true << "L1"
+                                       << "MIC 2"
+                                       << "NEW" << escape << "L1"
+                                       << "L1";
+        QTest::newRow("system Enter") << false << "L1"
+                                      << "MIC 2"
+                                      << "" << enter << "MIC 2"
+                                      << "MIC 2";
+        QTest::newRow("system leave") << false << "L1"
+                                      << "MIC 2"
+                                      << "" << 0 << "MIC 2"
+                                      << "MIC 2";
+        QTest::newRow("system Escape") << false << "L1"
+                                       << "MIC 2"
+                                       << "" << escape << "L1"
+                                       << "L1";
+        QTest::newRow("system long name") << false << "L1"
+                                          << "MICROPHONE 2    "
+                                          << "" << enter << "MICROPHO"
+                                          << "MICROPHONE 2    ";
+        QTest::newRow("long label unedited") << true << "LONGLABEL12"
+                                             << "MIC 2"
+                                             << "" << 0 << "LONGLABEL12"
+                                             << "LONGLABEL12";
+        QTest::newRow("long label edited") << true << "LONGLABEL12"
+                                           << "MIC 2"
+                                           << "" << int(Qt::Key_Backspace) << "LONGLABE"
+                                           << "LONGLABE";
+    }
+    void captionKeysInBothModes() {
+        QFETCH(bool, custom);
+        QFETCH(QString, stored);
+        QFETCH(QString, alpha);
+        QFETCH(QString, typed);
+        QFETCH(int, key);
+        QFETCH(QString, label);
+        QFETCH(QString, shown);
+        PanelStore store = MakeStore(1);
+        store.templates.buttonTemplates[0].buttons[1].captionOption = custom ? 1 : 0;
+        store.templates.buttonTemplates[0].buttons[1].label = stored.toStdString();
+        store.alpha(SubType::Input).channelNames[1] = alpha.toStdString();
+        Open(std::move(store));
+        Key(1)->click();
+        auto* caption = Get<QLineEdit>("txtCaption");
+        QCOMPARE(caption->isReadOnly(), !custom);
+        QCOMPARE(caption->text(), custom ? stored : alpha);
+        if (!typed.isEmpty()) {
+            caption->selectAll();
+            QTest::keyClicks(caption, typed);
+        }
+        if (key != 0)
+            QTest::keyClick(caption, Qt::Key(key));
+        if (key != Qt::Key_Return && key != Qt::Key_Escape) {
+            QFocusEvent leave(QEvent::FocusOut);
+            QApplication::sendEvent(caption, &leave);
+        }
+        QVERIFY(m_editor->isVisible());
+        QCOMPARE(ToQt(Button(1).label), label);
+        QCOMPARE(caption->text(), shown);
+        QCOMPARE(Button(1).captionOption, int16_t(custom ? 1 : 0));
+    }
+
+    void tabbingThroughChangesNoButton() {
+        Open(MakeStore(1));
+        m_editor->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_editor.get()));
+        Key(1)->click();
+        Key(1)->setFocus();
+        const ButtonTemplate shown = Current();
+        for (int k = 0; k < 40; ++k)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QVERIFY(Current() == shown);
+    }
+
     void labelModeAndTheLengthLimits() {
         Open(MakeStore(1));
         Key(1)->click();

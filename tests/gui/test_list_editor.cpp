@@ -231,6 +231,62 @@ private slots:
         QCOMPARE(ListAlpha()->text(), QString("MainsABCDEFGHIJK"));
     }
 
+    void escapeInTheNameBoxIsTyped() {
+        Open(11, 0);
+        ListAlpha()->setFocus();
+        QTest::keyClicks(ListAlpha(), "XY");
+        QTest::keyClick(ListAlpha(), Qt::Key_Escape);
+        QVERIFY(m_editor->isVisible());
+        QCOMPARE(ListAlpha()->text(), QString("MicsXY"));
+        QCOMPARE(m_store.lists(SubType::Input)[0].name, std::string("Mics"));
+        // Escape elsewhere still closes the editor, committing the name.
+        QTest::keyClick(Selected(), Qt::Key_Escape);
+        QVERIFY(!m_editor->isVisible());
+        QCOMPARE(m_store.lists(SubType::Input)[0].name, std::string("MicsXY"));
+    }
+
+    void browsingLeavesLongNamesWhole() {
+        // Names from the server module may be longer than a typed one.
+        const std::string list(20, 'L');
+        const std::string group = "Group Of Twenty Char";
+        m_store.lists(SubType::Input)[3].name = list;
+        m_store.groups.userGroupNames[1] = group;
+        const PanelStore opened = m_store;
+        auto* listTypes = Child<QComboBox>(m_editor, "cmbListType");
+        Open(11, 3);
+        QCOMPARE(ListAlpha()->text(), QString::fromStdString(list));
+        ListAlpha()->setFocus();
+        ListAlphas()->setCurrentIndex(0);
+        ListAlphas()->setCurrentIndex(3);
+        Click("cmdAdd"); // nothing selected: nothing added
+        listTypes->setCurrentIndex(4);
+        ListAlphas()->setCurrentIndex(1);
+        QCOMPARE(ListAlpha()->text(), QString::fromStdString(group));
+        ListAlpha()->setFocus();
+        Child<QRadioButton>(m_editor, "optSubType_31")->click();
+        listTypes->setCurrentIndex(0);
+        Click("cmdClose");
+        QVERIFY(!m_editor->storeChanged());
+        for (const SubType s : kAllSubTypes)
+            QVERIFY(m_store.lists(s) == opened.lists(s));
+        QVERIFY(m_store.groups == opened.groups);
+
+        // An edit applies the 16-character rule: no typing past it, and the
+        // edited name is cut.
+        Open(11, 3);
+        ListAlpha()->setFocus();
+        ListAlpha()->end(false);
+        QTest::keyClicks(ListAlpha(), "X");
+        QCOMPARE(ListAlpha()->text(), QString::fromStdString(list));
+        QTest::keyClick(ListAlpha(), Qt::Key_Backspace);
+        QTest::keyClick(ListAlpha(), Qt::Key_Return);
+        QCOMPARE(ListAlpha()->text(), QString(16, 'L'));
+        Click("cmdClose");
+        QCOMPARE(m_store.lists(SubType::Input)[3].name, std::string(16, 'L'));
+        QVERIFY(m_editor->storeChanged());
+        QVERIFY(m_reports.empty());
+    }
+
     void newRecords_data() {
         QTest::addColumn<int>("listType");
         QTest::addColumn<QString>("name");

@@ -51,9 +51,12 @@ private:
 
     // Start the emulator (templates answered with a bad checksum when asked)
     // and the window, and log in; returns once the user groups are shown.
-    void Connect(bool badTemplates = false) {
+    void Connect(bool badTemplates = false,
+                 const std::function<void(PanelStore&)>& serverHolds = {}) {
         sim::DemoResult demo = sim::MakeDemo("demo");
         QVERIFY(demo.status.ok());
+        if (serverHolds)
+            serverHolds(demo.store);
         m_demo = demo.store;
         m_state.Reset(std::move(demo.store), demo.password);
         sim::SimServerOptions options;
@@ -79,7 +82,8 @@ private:
         QTRY_VERIFY(login->isVisible());
         Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
         QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
-        QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() == m_demo.groups.userGroupCount &&
+        QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() ==
+                        m_demo.groups.userGroupCount &&
                     !(m_window->link().pendingC & ~uint32_t(badTemplates ? 0x08 : 0)) &&
                     !m_window->link().pendingA);
         if (!badTemplates)
@@ -154,6 +158,23 @@ private slots:
                  QStringList({QString("Group \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
     }
 
+    void theGrowthTo32ButtonsIsOneLine() {
+        // The server module holds a template of one button.
+        Connect(false, [](PanelStore& store) {
+            ButtonTemplate& tpl = store.templates.buttonTemplates[0];
+            tpl.buttonCount = 1;
+            tpl.buttons.resize(1);
+        });
+        WhenModal("frmButtons",
+                  [](QWidget* editor) { Child<QAction>(editor, "mnuExit")->trigger(); });
+        Child<QAction>(m_window, "mnuButtons")->trigger();
+        // The growth is a change that Apply sends, said once.
+        QCOMPARE(Progress(), QString("Unapplied changes"));
+        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }),
+                 QStringList({QString("template 01 \"%1\": grown from 1 to 32 buttons")
+                                  .arg(ToQt(m_demo.templates.templateNames[0]).trimmed())}));
+    }
+
     void applyKeepsWhatTheServerHeldAndPrunesTo30() {
         Connect();
         QDir().mkpath(Folder() + "backups");
@@ -167,7 +188,8 @@ private slots:
         bool undoWhileSending = true;
         QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("After Apply"));
+        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(),
+                     QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
 
         const QStringList backups = Backups();

@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "model/button_templates.h"
 #include "model/store_diff.h"
 #include "tests/support/store_builders.h"
 
@@ -56,6 +57,23 @@ TEST(StoreDiff, EachEditGivesItsLines) {
              s.templates.buttonTemplates[0].buttonCount = 32;
              s.templates.buttonTemplates[0].buttons.resize(32, PanelButton::Cleared());
          },
+         {"template 01 \"Desk\": grown from 2 to 32 buttons"}},
+        {"the editor's growth, a grown button then edited, a held one cleared",
+         [](PanelStore& s) {
+             ASSERT_TRUE(FillButtonTemplate(s, 0));
+             s.templates.templateNames[0] = "Host";
+             s.templates.buttonTemplates[0].buttons[7].label = "TB";
+             s.templates.buttonTemplates[0].buttons[0] = PanelButton::Cleared();
+         },
+         {"Template \"Desk\" renamed to \"Host\"",
+          "template 01 \"Host\": grown from 2 to 32 buttons",
+          "Template \"Host\" button 1: Source Select, \"MIC 1\", label \"MIC\" changed to "
+          "Console Source Select, no channel, label \"\"",
+          "Template \"Host\" button 8: Console Source Select, no channel, label \"Button 8\" "
+          "changed to "
+          "Console Source Select, no channel, label \"TB\""}},
+        {"buttons dropped: no growth line",
+         [](PanelStore& s) { s.templates.buttonTemplates[0].buttonCount = 1; },
          {}},
         {"rename",
          [&](PanelStore& s) { inputs(s)[0].name = "Voices"; },
