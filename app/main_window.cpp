@@ -534,10 +534,14 @@ void MainWindow::SaveAll() {
     if (path.isEmpty())
         return;
     const Status saved = SavePanelDataFile(path.toStdString(), m_store);
-    if (!saved)
-        ReportError("Error Writing LumethEX File", "File Error", saved.failure());
-    else
+    if (saved) {
         statusBar()->showMessage("Saved " + QDir::toNativeSeparators(path), kStatusMessageMs);
+        return;
+    }
+    ReportError("Error Writing LumethEX File", "File Error", saved.failure());
+    // Stays until the next message: the file on disk is not what the window shows.
+    statusBar()->showMessage("Could not save " + QDir::toNativeSeparators(path) + ": " +
+                             QString::fromStdString(saved.failure().detail));
 }
 
 void MainWindow::LoadAll() {
@@ -545,6 +549,7 @@ void MainWindow::LoadAll() {
         ChooseFileName(this, QString::fromStdString(m_folder), kDefaultPanelDataFileName, "dat");
     if (path.isEmpty())
         return;
+    const PanelSnapshot before = TakeSnapshot(m_store);
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
     RecordStep();
     if (result.outcome == LoadOutcome::Loaded)
@@ -554,11 +559,11 @@ void MainWindow::LoadAll() {
         return;
     case LoadOutcome::NotPanelData:
         // The store is back at its defaults; the views are left as they were.
-        setUnappliedChanges(true);
+        LoadStopped(path, before, result.status.failure());
         return;
     case LoadOutcome::Failed:
         ReportError("Error Loading LumethEX File", "File Error", result.status.failure());
-        setUnappliedChanges(true);
+        LoadStopped(path, before, result.status.failure());
         return;
     case LoadOutcome::Loaded:
         break;
@@ -567,6 +572,16 @@ void MainWindow::LoadAll() {
     OnPartReceived(Part::UserGroups);
     setUnappliedChanges(true);
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
+}
+
+void MainWindow::LoadStopped(const QString& path, const PanelSnapshot& before,
+                             const Failure& failure) {
+    const QString shown = QDir::toNativeSeparators(path);
+    m_mirror.LoadStopped(shown.toStdString(), before, m_store);
+    setUnappliedChanges(true);
+    // Stays until the next message: Apply asks about this load until it is replaced.
+    statusBar()->showMessage("Could not load " + shown + ": " +
+                             QString::fromStdString(failure.detail));
 }
 
 void MainWindow::ShowSetup() {
@@ -600,13 +615,22 @@ bool MainWindow::ConfirmUnreceivedParts() {
     QStringList names;
     ForEachPart(m_mirror.Unconfirmed(m_store),
                 [&](Part p) { names << QString::fromStdString(std::string(PartName(p))); });
-    if (names.isEmpty())
-        return true;
-    const QString parts = JoinParts(names);
-    const QString text = "The " + parts +
+    QStringList sentences;
+    if (const std::string damaged = m_mirror.damagedLoad().file(); !damaged.empty())
+        sentences << "Loading " + QString::fromStdString(damaged) +
+                         " failed part way: the configuration holds only what was read before "
+                         "the failure, on top of the defaults. Apply would replace the server "
+                         "module's configuration with it.";
+    if (!names.isEmpty()) {
+        const QString parts = JoinParts(names);
+        sentences << "The " + parts +
                          " were not received from the server module. Apply would replace the "
                          "server module's " +
-                         parts + " with the ones shown here. Send anyway?";
+                         parts + " with the ones shown here.";
+    }
+    if (sentences.isEmpty())
+        return true;
+    const QString text = sentences.join(' ') + " Send anyway?";
     return MessageBox::Show(this, text, "Apply", QMessageBox::Question,
                             QMessageBox::Yes | QMessageBox::No,
                             QMessageBox::No) == QMessageBox::Yes;
@@ -638,6 +662,7 @@ void MainWindow::Redo() {
 }
 
 void MainWindow::AfterRestore() {
+    m_mirror.Restored(m_store);
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

@@ -102,9 +102,12 @@ private:
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
     ErrorReporter Reporter();
     void OnLinkConnected();
-    // Apply's safeguards: ask before replacing parts never received, and
-    // keep what the server module held as a backup.
+    // Apply's safeguards: ask before replacing parts never received or a
+    // configuration a load left damaged, and keep what the server module held
+    // as a backup.
     bool ConfirmUnreceivedParts();
+    // Load All stopped part way through `path`: say so, and let Apply ask.
+    void LoadStopped(const QString& path, const PanelSnapshot& before, const Failure& failure);
     void WriteApplyBackup();
     // Records an undo step when the store has moved on since the last one.
     void RecordStep();

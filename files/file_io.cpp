@@ -98,17 +98,41 @@ Status WriteFailure(int err, const std::string& path) {
     return failure;
 }
 
+Status NotRegular() {
+    return Status::Fail(ErrorCode::PathFileAccessError, "not a regular file");
+}
+
+// Whether `path` may be replaced: absent, a regular file or a folder (whose
+// rename fails with its own reason), never a FIFO, device or socket, nor a
+// symbolic link to one or to nothing. Only lstat and stat look at it: opening
+// a FIFO for writing would block until someone reads it.
+Status CheckTarget(const std::string& path) {
+    struct stat entry {};
+    if (::lstat(path.c_str(), &entry) != 0) {
+        return errno == ENOENT ? Status::Ok() : WriteFailure(errno, path);
+    }
+    if (S_ISLNK(entry.st_mode) && ::stat(path.c_str(), &entry) != 0) {
+        // A dangling link, or a loop: the rename would replace the link itself.
+        const int err = errno;
+        return err == ENOENT || err == ELOOP || err == ENOTDIR ? NotRegular()
+                                                               : WriteFailure(err, path);
+    }
+    return S_ISREG(entry.st_mode) || S_ISDIR(entry.st_mode) ? Status::Ok() : NotRegular();
+}
+
 } // namespace
 
 Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
                    NewFileAccess access) {
     namespace fs = std::filesystem;
+    if (Status usable = CheckTarget(path); !usable) {
+        return usable;
+    }
     // A symbolic link keeps pointing where it did: the file it names is replaced.
     std::error_code ec;
     if (fs::is_symlink(fs::path(path), ec)) {
-        if (const fs::path real = fs::canonical(path, ec); !ec) {
-            return ReplaceFile(real.string(), write, access);
-        }
+        const fs::path real = fs::canonical(path, ec);
+        return ec ? WriteFailure(ec.value(), path) : ReplaceFile(real.string(), write, access);
     }
     const fs::path target(path);
     if (target.filename().empty()) {

@@ -34,7 +34,10 @@ enum class NewFileAccess {
 // permissions of the file it replaces (or `access` when there is none), then
 // renamed over the target in one step. On failure the old file (if any) is
 // left as it was, no temporary file remains, and the detail is the system's
-// reason ("No space left on device").
+// reason ("No space left on device"). Only a regular file is replaced (through
+// a symbolic link, the file it names): a FIFO, device or socket, a link to one
+// or a dangling link is refused before anything is written, with the detail
+// "not a regular file".
 Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
                    NewFileAccess access = NewFileAccess::Shared);
 // Same, with the whole content at hand.

@@ -1,6 +1,7 @@
 #include "model/server_mirror.h"
 
 #include <memory>
+#include <utility>
 
 #include "model/store_diff.h"
 
@@ -64,6 +65,7 @@ void ServerMirror::Received(Part part, const PanelStore& store, std::string_view
         break;
     }
     m_held |= PartSet{part} & kUploadParts;
+    m_damaged.Replaced(part);
 
     const bool wasComplete = m_received == kAllParts;
     m_received.add(part);
@@ -83,6 +85,12 @@ void ServerMirror::Applied(const PanelStore& store) {
 
 void ServerMirror::Loaded() {
     m_held = kUploadParts;
+    m_damaged.Clear();
+}
+
+void ServerMirror::LoadStopped(std::string file, const PanelSnapshot& before,
+                               const PanelStore& left) {
+    m_damaged.Mark(std::move(file), before, TakeSnapshot(left, &before));
 }
 
 PartSet ServerMirror::Unconfirmed(const PanelStore& now) const {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/damaged_load.h"
 #include "model/panel_snapshot.h"
 #include "model/panel_store.h"
 #include "model/parts.h"
@@ -39,6 +40,14 @@ public:
     void Applied(const PanelStore& store);
     // A panel data file replaced the upload parts: the operator chose them.
     void Loaded();
+    // Loading `file` failed or stopped part way: `before` is the store as it
+    // was, `left` as the load left it. Apply asks first until a download, a
+    // good load or an undo replaces it.
+    void LoadStopped(std::string file, const PanelSnapshot& before, const PanelStore& left);
+    // An undo or redo put `now` in place.
+    void Restored(const PanelStore& now) { m_damaged.Restored(TakeSnapshot(now)); }
+    // The load that stopped part way, while the store still holds it.
+    const DamagedLoad& damagedLoad() const { return m_damaged; }
 
     // The parts received since the last request for everything.
     PartSet received() const { return m_received; }
@@ -70,6 +79,7 @@ private:
     std::array<AlphaTable, kSubTypeCount> m_alphas;
     std::string m_password;
     std::optional<PanelStore> m_full;
+    DamagedLoad m_damaged;
 };
 
 } // namespace lumeth

@@ -5,9 +5,11 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
@@ -130,7 +132,12 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
 
     // Failed writes: a missing folder, a file size limit (a failed write, not
-    // a kill that leaves the temporary file), standard output on a full disk.
+    // a kill that leaves the temporary file), standard output on a full disk,
+    // and targets that are no regular file (kept in a folder of their own).
+    const test::TempFolder special;
+    ASSERT_EQ(::mkfifo(special.file("fifo.dat").c_str(), 0600), 0);
+    fs::create_symlink(special.file("fifo.dat"), special.file("to-fifo.json"));
+    fs::create_symlink(special.file("absent.dat"), special.file("dangling.dat"));
     const auto limitSize = [] {
         const rlimit limit{1024, 1024};
         ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -150,7 +157,14 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
          "cannot write " + m_dir.file("big.json") + ": File too large\n"},
         {{"check", kDemo}, fullOutput, "cannot write standard output"},
     };
-    for (const auto& c : failedWrites) {
+    std::vector<std::remove_cvref_t<decltype(failedWrites[0])>> cases(std::begin(failedWrites),
+                                                                      std::end(failedWrites));
+    for (const char* name : {"fifo.dat", "to-fifo.json", "dangling.dat"}) {
+        cases.push_back({{"convert", kDemo, QString::fromStdString(special.file(name))},
+                         nullptr,
+                         "cannot write " + special.file(name) + ": not a regular file\n"});
+    }
+    for (const auto& c : cases) {
         m_childSetup = c.setup;
         const testing::CliResult r = Run(c.args);
         EXPECT_EQ(r.exitCode, 7) << c.args.join(' ').toStdString();

@@ -4,11 +4,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -16,6 +18,8 @@
 
 #include <functional>
 #include <memory>
+
+#include <sys/stat.h>
 
 #include "app/main_views.h"
 #include "app/main_window.h"
@@ -44,6 +48,7 @@ private:
 
     QString Folder() const { return m_home->path() + "/"; }
     QString Progress() { return Child<QLabel>(m_window, "stbStatus_2")->text(); }
+    QString StatusText() { return m_window->statusBar()->currentMessage(); }
     QString FirstGroupShown() {
         return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
     }
@@ -241,6 +246,78 @@ private slots:
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
         QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("Guarded"));
+    }
+
+    // A cut panel data file is named in the status bar, and Apply asks first
+    // until an undo or a good load replaces what it left; a failed Save All
+    // is named there too.
+    void aLoadCutShortGuardsApplyUntilReplaced() {
+        Connect();
+        PanelStore cut = m_demo;
+        cut.groups.userGroupNames[0] = "From Cut";
+        const std::string bytes = EncodePanelData(cut);
+        const QString path = Folder() + "cut.dat";
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes.data(), static_cast<qint64>(bytes.size() / 2));
+        file.close();
+        FileDialog::setNextFileName(path);
+        Child<QAction>(m_window, "mnuLoadAll")->trigger();
+        const QString shown = QDir::toNativeSeparators(path);
+        QVERIFY2(StatusText().startsWith("Could not load " + shown + ": truncated at byte "),
+                 qPrintable(StatusText()));
+
+        auto* send = Child<QPushButton>(m_window, "cmdSend");
+        const QString question =
+            "Loading " + shown +
+            " failed part way: the configuration holds only what was read before the "
+            "failure, on top of the defaults. Apply would replace the server module's "
+            "configuration with it. Send anyway?";
+        const auto refused = [&](size_t asked) {
+            const PanelStore held = m_state.store();
+            MessageBox::setNextAnswer(QMessageBox::No);
+            QTest::mouseClick(send, Qt::LeftButton);
+            QCOMPARE(MessageBox::history().size(), asked);
+            const MessageBox::Shown box = MessageBox::history().back();
+            QCOMPARE(box.title, QString("Apply"));
+            QCOMPARE(box.text, question);
+            QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
+            QCOMPARE(box.defaultButton, QMessageBox::No);
+            QTest::qWait(300);
+            QCOMPARE(m_state.store().templates, held.templates);
+            QCOMPARE(m_state.store().groups, held.groups);
+            QCOMPARE(m_state.store().displayLists, held.displayLists);
+        };
+        refused(1);
+        // Redone, it asks again; undone, Apply asks nothing.
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        Child<QAction>(m_window, "mnuRedo")->trigger();
+        refused(2);
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QTest::mouseClick(send, Qt::LeftButton);
+        QCOMPARE(MessageBox::history().size(), size_t(2));
+
+        // A good load replaces it: sent without a question.
+        const QString whole = Folder() + "whole.dat";
+        QVERIFY(SavePanelDataFile(whole.toStdString(), cut).ok());
+        FileDialog::setNextFileName(whole);
+        Child<QAction>(m_window, "mnuLoadAll")->trigger();
+        QTest::mouseClick(send, Qt::LeftButton);
+        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("From Cut"));
+        QCOMPARE(MessageBox::history().size(), size_t(2));
+
+        const QString fifo = Folder() + "fifo.dat";
+        QVERIFY(::mkfifo(fifo.toLocal8Bit().constData(), 0600) == 0);
+        FileDialog::setNextFileName(fifo);
+        Child<QAction>(m_window, "mnuSaveAll")->trigger();
+        QCOMPARE(StatusText(),
+                 "Could not save " + QDir::toNativeSeparators(fifo) + ": not a regular file");
+        QVERIFY(QFileInfo(fifo).exists() && !QFileInfo(fifo).isFile());
+        QFile log(Folder() + "Errorlog.txt");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QByteArray logged = log.readAll();
+        QVERIFY(logged.contains("Error Loading LumethEX File"));
+        QVERIFY(logged.contains("Error Writing LumethEX File"));
     }
 
     void undoAndRedoAcrossAnEditorSessionLoadAllAndCancel() {

@@ -203,5 +203,48 @@ TEST(ServerMirror, UnconfirmedPartsAreNeitherHeldNorEdited) {
     }
 }
 
+// A load that stopped part way: which parts still hold what it left, as
+// downloads, good loads, undo and redo replace them.
+TEST(ServerMirror, DamagedLoadLastsUntilItsPartsAreReplaced) {
+    PanelStore left = Base();
+    std::string password;
+    Damage({Part::UserGroups, Part::Templates}, left, password);
+    const Step stop = [left](ServerMirror& m) {
+        m.LoadStopped("cut.dat", TakeSnapshot(Base()), left);
+    };
+    const auto restore = [](const PanelStore& now) {
+        return Step([now](ServerMirror& m) { m.Restored(now); });
+    };
+    const PartSet loaded{Part::UserGroups, Part::Templates};
+    struct Case {
+        const char* name;
+        std::vector<Step> steps;
+        PartSet damaged;
+    } const cases[] = {
+        {"nothing loaded", {}, {}},
+        {"the whole configuration counts", {stop}, kUploadParts},
+        {"the link and a request are no download",
+         {stop, kLinkUp, kRequestEverything},
+         kUploadParts},
+        {"downloaded parts replace it",
+         {stop, Receive(Part::UserGroups), Receive(Part::InputAlphas)},
+         kUploadParts - PartSet{Part::UserGroups}},
+        {"a whole download", {stop, kReceiveAll}, {}},
+        {"a good load", {stop, kLoad}, {}},
+        {"an undo", {stop, restore(Base())}, {}},
+        {"a redo brings back what the load changed",
+         {stop, restore(Base()), restore(left)},
+         loaded},
+        {"undoing a download", {stop, Receive(Part::UserGroups), restore(left)}, loaded},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ServerMirror mirror(Base());
+        Play(mirror, c.steps);
+        EXPECT_EQ(mirror.damagedLoad().parts(), c.damaged);
+        EXPECT_EQ(mirror.damagedLoad().file(), c.damaged.empty() ? "" : "cut.dat");
+    }
+}
+
 } // namespace
 } // namespace lumeth
