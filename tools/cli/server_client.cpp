@@ -318,6 +318,8 @@ int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>&
                 gone.add(sent[i].part);
             }
         }
+        // The cause first, then what went out before the link was dropped.
+        ReportedTooLong();
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
                   << " while sending " << fileName
                   << "; sent before it was lost: " << NamesOrNone(gone) << "\n";
