@@ -60,6 +60,10 @@ public:
     std::string Reason() const;
 
 private:
+    static bool NumberCharacter(char c) {
+        return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
+    }
+    // Inline: it runs for every character of the document.
     void Step(char c);
     void Stop(bool string);
 
@@ -74,5 +78,39 @@ private:
     bool m_stopped = false;
     bool m_stoppedInString = false;
 };
+
+inline void JsonTokenGuard::Step(char c) {
+    const size_t at = m_offset++;
+    if (m_inString) {
+        if (m_escaped) {
+            m_escaped = false;
+        } else if (c == '\\') {
+            m_escaped = true;
+        } else if (c == '"') {
+            m_inString = false;
+            return;
+        }
+        if (++m_tokenLength > m_maxString) {
+            Stop(true);
+        }
+        return;
+    }
+    if (c == '"') {
+        m_inString = true;
+        m_tokenStart = at;
+        m_tokenLength = 0;
+        return;
+    }
+    if (!NumberCharacter(c)) {
+        m_tokenLength = 0;
+        return;
+    }
+    if (m_tokenLength == 0) {
+        m_tokenStart = at;
+    }
+    if (++m_tokenLength > m_maxNumber) {
+        Stop(false);
+    }
+}
 
 } // namespace lumeth

@@ -333,9 +333,9 @@ TEST_F(ServerFlowsTest, UnreachableServerExits3) {
 // message passes the largest the protocol carries, long before the timeout.
 TEST_F(ServerFlowsTest, EndlessMessageExits3NamingIt) {
     ScriptedServer server("studio", Script{.spoil = {{kTemplates, Spoil::Endless}}});
-    const CliResult result = Run({"fetch", "--server", Server(server.port()), "--timeout", "60",
-                                  "-o", Path("out.json")},
-                                 Environment("studio"));
+    const CliResult result =
+        Run({"fetch", "--server", Server(server.port()), "--timeout", "60", "-o", Path("out.json")},
+            Environment("studio"));
     EXPECT_EQ(result.exitCode, 3) << result.err;
     EXPECT_NE(result.err.find("lumeth-cli: the server module sent a message larger than any the "
                               "protocol carries\n"),

@@ -247,8 +247,8 @@ TEST(JsonDocument, OverlongStringsAndNumbersAreRefusedWhereTheyStart) {
          "alphas.input[1]: a string at byte N" + string762},
         {Doc(R"("password": ")" + quotes + R"(")"), "\"\\\"",
          "password: a string at byte N" + string762},
-        {Doc(button + "\"" + endless), "\"x", "templates[0].buttons[0].label: a string at byte N" +
-                                                 string762},
+        {Doc(button + "\"" + endless), "\"x",
+         "templates[0].buttons[0].label: a string at byte N" + string762},
         {Doc(list + "0, " + std::string(65, '1') + "]}]}"), "1111",
          "display_lists.input[0].channels[1]: a number at byte N longer than any value holds "
          "(more than 64 characters)"},

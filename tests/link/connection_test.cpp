@@ -160,8 +160,8 @@ TEST_F(ConnectionTest, EndlessMessageDropsTheLinkAndThePollReconnects) {
     while (sent <= kMaxMessageBytes + piece.size() && disconnects == 0) {
         streaming->write(piece);
         sent += static_cast<size_t>(piece.size());
-        (void)QTest::qWaitFor(
-            [&] { return streaming->bytesToWrite() == 0 || disconnects > 0; }, 1000);
+        (void)QTest::qWaitFor([&] { return streaming->bytesToWrite() == 0 || disconnects > 0; },
+                              1000);
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return disconnects > 0; }, 5000));
     EXPECT_EQ(tooLong, 1);

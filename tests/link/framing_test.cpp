@@ -184,8 +184,8 @@ TEST(Framing, EndlessMessageIsRefusedOnceItPassesTheBound) {
     EXPECT_EQ(result, Received::MessageTooLong);
     EXPECT_GE(fed, kMaxMessageBytes);
     EXPECT_LT(fed, kMaxMessageBytes + piece.size());
-    EXPECT_EQ(h.observer.logLines,
-              std::vector<std::string>{"Message Too Long " + std::to_string(fed) + " bytes" + kLoc});
+    EXPECT_EQ(h.observer.logLines, std::vector<std::string>{"Message Too Long " +
+                                                            std::to_string(fed) + " bytes" + kLoc});
     EXPECT_EQ(h.session.Receive(Raw({0x81, 0x64, 0x64, 0xFF})), Received::Buffered);
     h.Drain();
     EXPECT_EQ(h.Sent().size(), 2u); // the identity answer and the request
