@@ -83,7 +83,7 @@ struct FrameEvent {
 // once. The emulator reads its clients with it.
 class FrameReader {
 public:
-    // Frames are limited to `maxFrame` bytes.
+    // Frames are limited to `maxFrame` bytes, end marker included.
     static constexpr size_t kDefaultMaxFrame = kMaxMessageBytes;
     explicit FrameReader(size_t maxFrame = kDefaultMaxFrame) : m_maxFrame(maxFrame) {}
 
