@@ -151,4 +151,16 @@ void BM_JsonRead(benchmark::State& state) {
 }
 BENCHMARK(BM_JsonRead)->Unit(benchmark::kMillisecond);
 
+// A document whose one string runs for the argument's MiB: refused where the
+// string passes the longest value, so the time does not grow with it.
+void BM_JsonRefuseLongString(benchmark::State& state) {
+    const std::string text = R"({"format": "lumeth-panel-data", "version": 1, "password": ")" +
+                             std::string(static_cast<size_t>(state.range(0)) << 20, 'x') + "\"}";
+    lumeth::PanelStore store;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(lumeth::ReadJsonDocument(text, store));
+    }
+}
+BENCHMARK(BM_JsonRefuseLongString)->Arg(1)->Arg(256)->Unit(benchmark::kMicrosecond);
+
 } // namespace

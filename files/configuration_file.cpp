@@ -61,6 +61,11 @@ Status ReadBytes(const std::string& path, std::string& bytes) {
     if (const Status fits = CheckJsonDocumentSize(size); !ec && json && !fits) {
         return fits;
     }
+    if (!ec) {
+        // Grown piece by piece, the string would pass through copies of
+        // half its size on the way.
+        bytes.reserve(static_cast<size_t>(size));
+    }
     char piece[64 * 1024];
     while (in && !(json && bytes.size() > kMaxJsonDocumentBytes)) {
         in.read(piece, sizeof piece);

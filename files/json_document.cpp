@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "files/json_schema.h"
+#include "files/json_token_guard.h"
 #include "files/panel_data_file.h"
 #include "model/alpha_sort.h"
 #include "model/cp1252.h"
@@ -19,6 +20,17 @@ namespace lumeth {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+// The longest text a value holds is an alpha name or a password: the link
+// carries their width or length in one 7-bit byte, so 127 characters (names
+// and labels are shorter). A character takes at most six bytes in a JSON
+// string ("\u00e9"), so a longer string is no value of the document and is
+// refused as soon as it passes this, before the parser has buffered more.
+constexpr size_t kLongestTextCharacters = 127;
+constexpr size_t kLongestStringBytes = kLongestTextCharacters * 6;
+// An integer value has at most 20 characters ("-9223372036854775808"); a
+// fraction or exponent is refused anyway, once read.
+constexpr size_t kLongestNumber = 64;
 
 // ---- writing ----------------------------------------------------------------
 
@@ -497,7 +509,19 @@ public:
         return false;
     }
 
+    explicit DocumentReader(const JsonTokenGuard& guard) : m_guard(guard) {}
+
     const Status& status() const { return m_status; }
+
+    // The input was cut off inside a value not yet read: name the element
+    // being read.
+    Status Refuse(const std::string& reason) {
+        if (!m_frames.empty() && m_frames.back().array) {
+            ++m_frames.back().count;
+        }
+        Fail(ErrorCode::Overflow, reason);
+        return m_status;
+    }
 
     // Replace the store's parts with what was read.
     void MoveInto(PanelStore& store, JsonReadResult& result) {
@@ -565,6 +589,11 @@ private:
     // element (lists, groups and templates keep their counts from their
     // array sizes).
     const JsonNode& Begin() {
+        if (m_guard.stopped()) {
+            // A number cut off by the guard still reaches here: not a value.
+            m_failed = true;
+            return JsonNodeOf(Slot::Document);
+        }
         if (m_frames.empty()) {
             return JsonNodeOf(Slot::Document);
         }
@@ -680,6 +709,7 @@ private:
     }
 
     std::vector<Frame> m_frames;
+    const JsonTokenGuard& m_guard;
     bool m_failed = false;
     Status m_status;
     Part m_part = Part::InputLists; // the sub type section being read
@@ -774,8 +804,14 @@ JsonReadResult ReadJsonDocument(std::string_view text, PanelStore& store) {
     }
     // A bad document leaves the store as it was: the parts are only moved in
     // once the whole text has been read.
-    DocumentReader reader;
-    if (!Json::sax_parse(text.begin(), text.end(), &reader)) {
+    JsonTokenGuard guard(text, kLongestStringBytes, kLongestNumber);
+    DocumentReader reader(guard);
+    const bool parsed = Json::sax_parse(guard.begin(), guard.end(), &reader);
+    if (guard.stopped()) {
+        result.status = reader.Refuse(guard.Reason());
+        return result;
+    }
+    if (!parsed) {
         result.status = reader.status();
         return result;
     }

@@ -234,10 +234,25 @@ void Connection::OnReadyRead() {
         return;
     }
     m_bytesReceived += static_cast<uint64_t>(bytes.size());
-    m_session.Receive(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
+    const auto received =
+        m_session.Receive(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
+    if (received == LinkSession::Received::MessageTooLong) {
+        DropOverlongLink();
+        return;
+    }
     if (!m_decodeTimer.isActive()) {
         m_decodeTimer.start();
     }
+}
+
+void Connection::DropOverlongLink() {
+    // Not a graceful close: whatever else the peer streams is not read.
+    m_disconnecting = true;
+    m_socket->abort();
+    m_disconnecting = false;
+    emit messageTooLong();
+    // The link is lost like any other; the poll timer connects again.
+    Disconnect();
 }
 
 void Connection::OnPeerClosed() {

@@ -91,11 +91,16 @@ signals:
     void linkDisconnected();
     // A connect attempt failed or the socket reported an error (text from the socket).
     void linkError(const QString& reason);
+    // The peer sent more bytes without an end marker than any message holds;
+    // the link is dropped right after (linkDisconnected follows).
+    void messageTooLong();
 
 private:
     void OnConnected();
     void OnReadyRead();
     void OnPeerClosed();
+    // Abort the socket and disconnect after an overlong message.
+    void DropOverlongLink();
     void OnDecodeTick();
     void OnPollTick();
     void OnSocketError(QAbstractSocket::SocketError error);

@@ -92,7 +92,9 @@ std::optional<FrameEvent> FrameReader::Next() {
         break;
     }
     m_scan = front.length;
-    if (m_scan > m_maxFrame) {
+    // A frame of m_maxFrame bytes ends with its marker: this many bytes
+    // without one can no longer become a frame.
+    if (m_scan >= m_maxFrame) {
         const size_t length = m_scan;
         Consume(length);
         return FrameEvent{FrameEvent::Kind::Overlong, {}, front.command, length};

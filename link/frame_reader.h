@@ -6,7 +6,34 @@
 #include <string>
 #include <string_view>
 
+#include "model/limits.h"
+
 namespace lumeth {
+
+// The largest message either side of the link accepts, end marker included.
+// Every count on the wire is 14-bit and every width one 7-bit byte, so the
+// layouts alone would allow messages of gigabytes (16383 templates of 16383
+// buttons, 16383 lists of 16383 channels). What a panel holds is far less:
+// - the button table, the largest flat message: 13 header bytes, then per
+//   template a 16-byte name, number and button count, and its 32 buttons of
+//   8 bytes and an 8-byte label, for 16383 templates: 8,715,769 bytes;
+// - an alpha table at the widest name a width byte allows (127):
+//   16383 * (127 + 2) + 9 = 2,113,416 bytes;
+// - display lists and groups nest two counts; 16 MiB carries 16383 lists of
+//   500 channels each, or 16383 groups of 250 lists, well past a real panel.
+// So 16 MiB holds every message the product builds, with room for a server
+// module's wider button labels and names, and the receive buffer that waits
+// for an end marker never holds more than that.
+inline constexpr size_t kMaxMessageBytes = size_t{16} * 1024 * 1024;
+
+namespace detail {
+inline constexpr size_t kLargestButtonTable =
+    13 + size_t{kMax14Bit} * (kNameWidth + 4 + size_t{kTemplateButtons} * (8 + kLabelWidth));
+inline constexpr size_t kLargestAlphaTable = 9 + size_t{kMax14Bit} * (127 + 2);
+} // namespace detail
+static_assert(detail::kLargestButtonTable == 8'715'769);
+static_assert(detail::kLargestButtonTable < kMaxMessageBytes);
+static_assert(detail::kLargestAlphaTable < kMaxMessageBytes);
 
 // The framing rules of the link, in both directions: bytes before the first
 // byte with its top bit set are garbage; F1, F3, F4 and F5 stand alone (so
@@ -56,9 +83,8 @@ struct FrameEvent {
 // once. The emulator reads its clients with it.
 class FrameReader {
 public:
-    // Frames are limited to `maxFrame` bytes; the largest legitimate upload (a
-    // full template table) is well below the default.
-    static constexpr size_t kDefaultMaxFrame = 16u * 1024u * 1024u;
+    // Frames are limited to `maxFrame` bytes, end marker included.
+    static constexpr size_t kDefaultMaxFrame = kMaxMessageBytes;
     explicit FrameReader(size_t maxFrame = kDefaultMaxFrame) : m_maxFrame(maxFrame) {}
 
     void Append(std::string_view bytes);

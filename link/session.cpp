@@ -1,5 +1,6 @@
 #include "link/session.h"
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
@@ -20,11 +21,37 @@ constexpr std::string_view kActivityLocation = "Server Module Download";
 
 } // namespace
 
-LinkSession::LinkSession(PanelStore& store, LinkState& state, SessionObserver& observer)
-    : m_store(store), m_state(state), m_observer(observer) {}
+LinkSession::LinkSession(PanelStore& store, LinkState& state, SessionObserver& observer,
+                         size_t maxMessage)
+    : m_store(store), m_state(state), m_observer(observer), m_maxMessage(maxMessage) {}
 
-void LinkSession::Receive(std::string_view bytes) {
-    m_state.receiveBuffer.append(bytes);
+LinkSession::Received LinkSession::Receive(std::string_view bytes) {
+    std::string& buffer = m_state.receiveBuffer;
+    // Decoding only removes bytes from the front: whatever was removed past
+    // the last end marker shortens the unterminated tail with it.
+    m_unterminated = std::min(m_unterminated, buffer.size());
+    // A message of m_maxMessage bytes has at most m_maxMessage - 1 before its
+    // end marker: a run that long without one, ended or not, is no message.
+    bool tooLong = false;
+    size_t from = 0;
+    for (size_t end = bytes.find(static_cast<char>(kEndMarker)); end != std::string_view::npos;
+         end = bytes.find(static_cast<char>(kEndMarker), from)) {
+        tooLong = tooLong || m_unterminated + (end - from) >= m_maxMessage;
+        m_unterminated = 0;
+        from = end + 1;
+    }
+    m_unterminated += bytes.size() - from;
+    if (tooLong || m_unterminated >= m_maxMessage) {
+        const size_t dropped = buffer.size() + bytes.size();
+        buffer.clear();
+        buffer.shrink_to_fit();
+        m_unterminated = 0;
+        m_observer.WriteErrorLog("Message Too Long " + std::to_string(dropped) + " bytes",
+                                 kFramingLocation);
+        return Received::MessageTooLong;
+    }
+    buffer.append(bytes);
+    return Received::Buffered;
 }
 
 void LinkSession::DropFront(size_t count) {

@@ -7,6 +7,7 @@
 
 #include "link/codec.h"
 #include "link/decoded.h"
+#include "link/frame_reader.h"
 #include "link/link_state.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
@@ -36,13 +37,21 @@ public:
 // transmitter can apply its chunk rule per message).
 class LinkSession {
 public:
-    LinkSession(PanelStore& store, LinkState& state, SessionObserver& observer);
+    LinkSession(PanelStore& store, LinkState& state, SessionObserver& observer,
+                size_t maxMessage = kMaxMessageBytes);
 
     PanelStore& store() { return m_store; }
     LinkState& state() { return m_state; }
 
-    // Append received bytes to the receive buffer.
-    void Receive(std::string_view bytes);
+    // What Receive did with the bytes.
+    enum class Received {
+        Buffered,       // appended; a partial message waits for the rest
+        MessageTooLong, // more bytes without an end marker than any message
+                        // holds: logged, the buffer emptied; drop the link
+    };
+    // Append received bytes to the receive buffer, which never holds more
+    // than `maxMessage` bytes after its last end marker.
+    Received Receive(std::string_view bytes);
     // Decode and handle at most one message from the front of the buffer.
     void DecodeNext();
     bool BufferEmpty() const { return m_state.receiveBuffer.empty(); }
@@ -89,6 +98,9 @@ private:
     LinkState& m_state;
     SessionObserver& m_observer;
     std::vector<std::string> m_outgoing;
+    size_t m_maxMessage;
+    // Bytes at the end of the receive buffer after its last end marker.
+    size_t m_unterminated = 0;
 };
 
 } // namespace lumeth

@@ -74,6 +74,9 @@ enum class Spoil {
     // configuration with a byte too many: the checksum passes, the length
     // check fails after the groups were written into the store
     DamagedRepeat,
+    // the first answer never ends: its bytes before the checksum, then zero
+    // bytes for as long as the client stays connected
+    Endless,
 };
 
 struct Script {
@@ -201,6 +204,9 @@ private:
                 answer[answer.size() - 2] ^= 1;
             } else if (spoil == Spoil::Cut) {
                 answer.resize(answer.size() - 3);
+            } else if (spoil == Spoil::Endless) {
+                answer.resize(answer.size() - 2);
+                StartStreaming();
             }
             out += answer;
         }
@@ -214,8 +220,21 @@ private:
         m_client->write(bytes.data(), static_cast<qint64>(bytes.size()));
     }
 
+    // Keep about a megabyte queued for the client until it goes.
+    void StartStreaming() {
+        QObject::connect(&m_stream, &QTimer::timeout, [this] {
+            if (m_clientClosed) {
+                m_stream.stop();
+            } else if (m_client->bytesToWrite() < (1 << 20)) {
+                Send(std::string(1 << 18, '\0'));
+            }
+        });
+        m_stream.start(1);
+    }
+
     QTcpServer m_server;
     QTcpSocket* m_client = nullptr;
+    QTimer m_stream;
     QElapsedTimer m_clock;
     std::string m_buffer;
     std::vector<Frame> m_frames;
@@ -308,6 +327,25 @@ TEST_F(ServerFlowsTest, UnreachableServerExits3) {
     // The failed connect is in the error log of the per-user data folder.
     EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find("Error Connecting to Switcher"),
               std::string::npos);
+}
+
+// A server module that streams one message without end is dropped once the
+// message passes the largest the protocol carries, long before the timeout.
+TEST_F(ServerFlowsTest, EndlessMessageExits3NamingIt) {
+    ScriptedServer server("studio", Script{.spoil = {{kTemplates, Spoil::Endless}}});
+    const CliResult result =
+        Run({"fetch", "--server", Server(server.port()), "--timeout", "60", "-o", Path("out.json")},
+            Environment("studio"));
+    EXPECT_EQ(result.exitCode, 3) << result.err;
+    EXPECT_NE(result.err.find("lumeth-cli: the server module sent a message larger than any the "
+                              "protocol carries\n"),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(result.err.find("lost the link"), std::string::npos) << result.err;
+    EXPECT_FALSE(m_dir.Exists("out.json"));
+    EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find("Message Too Long"),
+              std::string::npos);
+    EXPECT_TRUE(server.clientClosed());
 }
 
 // fetch keeps its own record of the eleven parts: a re-request by the

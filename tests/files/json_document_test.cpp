@@ -214,6 +214,63 @@ TEST(JsonDocument, StrictReadingNamesThePath) {
     }
 }
 
+// A string longer than any value holds (127 characters, six bytes each at
+// most) or a number longer than any integer is refused where it starts, before
+// the parser has kept more of it; up to the limit the usual checks apply.
+TEST(JsonDocument, OverlongStringsAndNumbersAreRefusedWhereTheyStart) {
+    std::string e127; // 127 characters written in 762 bytes
+    for (int i = 0; i < 127; ++i) {
+        e127 += "\\u00e9";
+    }
+    std::string backslashes; // 381 escaped backslashes: 762 bytes
+    for (int i = 0; i < 381; ++i) {
+        backslashes += "\\\\";
+    }
+    std::string quotes; // escaped quotes do not end the string
+    for (int i = 0; i < 400; ++i) {
+        quotes += "\\\"";
+    }
+    const std::string button = R"("templates": [{"name": "t", "number": 0, "buttons": [{"type": 40,
+        "caption_option": 0, "channel": 0, "channel2": 0, "label": )";
+    const std::string list = R"("display_lists": {"input": [{"name": "a", "channels": [)";
+    const std::string endless(1 << 20, 'x');
+    struct Case {
+        std::string text;
+        std::string token;   // where the refused token starts ("" when accepted)
+        std::string message; // after "at byte N", or the accepted value
+    };
+    const std::string string762 = " longer than any value holds (more than 762 bytes)";
+    const Case cases[] = {
+        {Doc(R"("alphas": {"input": [")" + e127 + R"("]})"), "", std::string(127, '\xE9')},
+        {Doc(R"("password": ")" + backslashes + R"(")"), "", std::string(381, '\\')},
+        {Doc(R"("alphas": {"input": ["ok", ")" + e127 + R"(a"]})"), "\"\\u00e9",
+         "alphas.input[1]: a string at byte N" + string762},
+        {Doc(R"("password": ")" + quotes + R"(")"), "\"\\\"",
+         "password: a string at byte N" + string762},
+        {Doc(button + "\"" + endless), "\"x",
+         "templates[0].buttons[0].label: a string at byte N" + string762},
+        {Doc(list + "0, " + std::string(65, '1') + "]}]}"), "1111",
+         "display_lists.input[0].channels[1]: a number at byte N longer than any value holds "
+         "(more than 64 characters)"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text.substr(0, 200));
+        PanelStore store = SmallStore();
+        const JsonReadResult r = ReadJsonDocument(c.text, store);
+        if (c.token.empty()) {
+            ASSERT_TRUE(r.status.ok()) << r.status.failure().detail;
+            EXPECT_EQ(r.hasAlphas ? store.alpha(SubType::Input).channelNames.at(0)
+                                  : r.password.value_or(""),
+                      c.message);
+            continue;
+        }
+        ASSERT_FALSE(r.status.ok());
+        std::string message = c.message;
+        message.replace(message.find(" N "), 3, " " + std::to_string(c.text.find(c.token)) + " ");
+        EXPECT_EQ(r.status.failure().detail, message);
+    }
+}
+
 TEST(JsonDocument, SyntaxErrorsSayWhere) {
     PanelStore store;
     const JsonReadResult r =

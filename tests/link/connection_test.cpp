@@ -1,5 +1,6 @@
 // The Qt connection against a peer on 127.0.0.1: connect and status texts,
-// moving bytes both ways through the session, and the peer closing.
+// moving bytes both ways through the session, the peer closing and a peer
+// streaming a message without end.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -12,6 +13,7 @@
 
 #include "files/error_log.h"
 #include "link/connection.h"
+#include "link/frame_reader.h"
 #include "link/link_state.h"
 #include "link/protocol.h"
 #include "model/panel_store.h"
@@ -30,6 +32,7 @@ public:
         EXPECT_TRUE(m_server.listen(QHostAddress::LocalHost, 0));
         QObject::connect(&m_server, &QTcpServer::newConnection, [this] {
             m_socket = m_server.nextPendingConnection();
+            ++m_accepted;
             QObject::connect(m_socket, &QTcpSocket::readyRead,
                              [this] { m_received += m_socket->readAll().toStdString(); });
         });
@@ -46,12 +49,15 @@ public:
         return QTest::qWaitFor([&] { return m_received.size() >= count; }, timeoutMs);
     }
     void Close() { m_socket->close(); }
+    int accepted() const { return m_accepted; }
+    QTcpSocket* socket() { return m_socket; }
     std::string& received() { return m_received; }
 
 private:
     QTcpServer m_server;
     QTcpSocket* m_socket = nullptr;
     std::string m_received;
+    int m_accepted = 0;
 };
 
 class ConnectionTest : public ::testing::Test {
@@ -135,6 +141,37 @@ TEST_F(ConnectionTest, PeerClosingDisconnectsAndForgetsTheLogin) {
     EXPECT_TRUE(m_state.receiveBuffer.empty());
     EXPECT_TRUE(m_state.enteredPassword.empty());
     EXPECT_FALSE(m_state.passwordReceived);
+    EXPECT_EQ(disconnects, 1);
+}
+
+// A peer that streams one message without end loses the link once the
+// message passes the largest the protocol carries; the poll connects again.
+TEST_F(ConnectionTest, EndlessMessageDropsTheLinkAndThePollReconnects) {
+    Peer peer;
+    ASSERT_TRUE(ConnectTo(peer));
+    int disconnects = 0;
+    int tooLong = 0;
+    QObject::connect(m_connection.get(), &Connection::linkDisconnected, [&] { ++disconnects; });
+    QObject::connect(m_connection.get(), &Connection::messageTooLong, [&] { ++tooLong; });
+    QTcpSocket* streaming = peer.socket();
+    streaming->write("\xDF", 1);
+    const QByteArray piece(1 << 18, '\0');
+    size_t sent = 1;
+    while (sent <= kMaxMessageBytes + piece.size() && disconnects == 0) {
+        streaming->write(piece);
+        sent += static_cast<size_t>(piece.size());
+        (void)QTest::qWaitFor([&] { return streaming->bytesToWrite() == 0 || disconnects > 0; },
+                              1000);
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return disconnects > 0; }, 5000));
+    EXPECT_EQ(tooLong, 1);
+    EXPECT_EQ(m_status, "Server Module Not Connected");
+    EXPECT_TRUE(m_state.receiveBuffer.empty());
+    EXPECT_NE(m_folder.Read("Errorlog.txt").find("Message Too Long"), std::string::npos);
+
+    m_connection->StartPolling();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_connection->IsConnected(); }, 5000));
+    EXPECT_EQ(peer.accepted(), 2);
     EXPECT_EQ(disconnects, 1);
 }
 

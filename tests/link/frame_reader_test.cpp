@@ -77,5 +77,31 @@ TEST(FrameReader, AFrameBeyondTheLimitIsDroppedAndReadingRecovers) {
     EXPECT_EQ(events[1].bytes, Raw({0xF4}));
 }
 
+// The limit counts the end marker: a frame of exactly the limit is read, one
+// byte more is dropped as soon as the limit is reached without a marker.
+TEST(FrameReader, TheLimitIsTheLongestFrame) {
+    using Kind = FrameEvent::Kind;
+    for (const size_t body : {size_t{997}, size_t{998}, size_t{999}}) {
+        const size_t size = body + 2; // command, body, end marker
+        SCOPED_TRACE(size);
+        FrameReader reader(1000);
+        reader.Append(Raw({0xFD}));
+        reader.Append(std::string(body, 'a'));
+        const auto first = reader.Next();
+        reader.Append(Raw({0xFF}));
+        const auto events = Drain(reader);
+        if (size <= 1000) {
+            EXPECT_FALSE(first.has_value());
+            ASSERT_EQ(events.size(), 1u);
+            EXPECT_EQ(events[0].kind, Kind::Frame);
+            EXPECT_EQ(events[0].bytes.size(), size);
+        } else {
+            ASSERT_TRUE(first.has_value());
+            EXPECT_EQ(first->kind, Kind::Overlong);
+            EXPECT_EQ(first->dropped, 1000u);
+        }
+    }
+}
+
 } // namespace
 } // namespace lumeth

@@ -1,6 +1,10 @@
 // Cutting messages out of the receive buffer, one message per DecodeNext call.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "link/frame_reader.h"
+
 #include "tests/link/layout.h"
 #include "tests/link/session_harness.h"
 
@@ -91,6 +95,100 @@ TEST(Framing, UnknownCommandsAndServerRequestsAreDroppedQuietly) {
     EXPECT_TRUE(h.observer.Quiet());
     EXPECT_TRUE(h.Sent().empty());
     EXPECT_TRUE(h.observer.changes.empty());
+}
+
+// The receive buffer holds at most kMaxMessageBytes after its last end
+// marker, wherever the bytes are split and however much is decoded between.
+TEST(Framing, ReceiveBufferIsBoundedByTheLargestMessage) {
+    using Received = LinkSession::Received;
+    constexpr size_t kMax = kMaxMessageBytes;
+    // A frame of `size` bytes: command, zero bytes, end marker.
+    const auto frame = [](size_t size) {
+        std::string bytes(size, '\0');
+        bytes.front() = static_cast<char>(0xDF);
+        bytes.back() = static_cast<char>(0xFF);
+        return bytes;
+    };
+    const std::string largest = frame(kMax);
+    const std::string tooLong = frame(kMax + 1);
+    // A short frame first: the tail is counted after its end marker only.
+    const std::string query = Raw({0x81, 0x64, 0x64, 0xFF});
+    std::string afterQuery = query + tooLong.substr(0, kMax - 1);
+    // A frame cut short by the next command byte waits for an end marker too.
+    std::string cut = Raw({0xCC, 0x01}) + tooLong.substr(0, kMax - 2);
+    constexpr size_t kNever = std::string::npos;
+    struct Case {
+        const char* what;
+        const std::string* bytes;
+        size_t refusedAt; // bytes received when MessageTooLong comes
+    };
+    const Case cases[] = {
+        {"the largest message", &largest, kNever},
+        {"one byte more", &tooLong, kMax},
+        {"a bound's worth of tail after a message", &afterQuery, kNever},
+        {"a cut frame then a bound's worth of bytes", &cut, kMax},
+    };
+    for (const Case& c : cases) {
+        const std::string_view bytes(*c.bytes);
+        for (const size_t split : {size_t{1}, kMax / 2, kMax - 2, kMax - 1, kMax}) {
+            SCOPED_TRACE(std::string(c.what) + ", split at " + std::to_string(split));
+            Harness h;
+            std::vector<Received> results;
+            for (const std::string_view piece : {bytes.substr(0, split), bytes.substr(split)}) {
+                results.push_back(h.session.Receive(piece));
+                h.Drain();
+                if (results.back() == Received::MessageTooLong) {
+                    break;
+                }
+            }
+            const bool refused = c.refusedAt != kNever;
+            const size_t refusingPiece = refused && split >= c.refusedAt ? 0 : 1;
+            for (size_t i = 0; i < results.size(); ++i) {
+                EXPECT_EQ(results[i], refused && i == refusingPiece ? Received::MessageTooLong
+                                                                    : Received::Buffered)
+                    << "piece " << i;
+            }
+            const auto tooLongLines =
+                std::count_if(h.observer.logLines.begin(), h.observer.logLines.end(),
+                              [](const std::string& line) {
+                                  return line.rfind("Message Too Long ", 0) == 0 &&
+                                         line.find(" bytes" + kLoc) != std::string::npos;
+                              });
+            EXPECT_EQ(tooLongLines, refused ? 1 : 0);
+            // Refused or ending in a marker, nothing is left; otherwise the
+            // tail waits whole.
+            if (refused || bytes.back() == '\xFF') {
+                EXPECT_TRUE(h.session.BufferEmpty());
+            } else {
+                EXPECT_EQ(h.state.receiveBuffer.size(), kMax - 1);
+            }
+        }
+    }
+}
+
+// Bytes that keep arriving without an end marker are refused once they pass
+// the bound, however small the pieces; decoding between them does not reset
+// the count, and the next message after the drop is read as usual.
+TEST(Framing, EndlessMessageIsRefusedOnceItPassesTheBound) {
+    using Received = LinkSession::Received;
+    Harness h;
+    h.session.Receive(Raw({0xDF}));
+    const std::string piece(64 * 1024, '\x01');
+    size_t fed = 1;
+    Received result = Received::Buffered;
+    while (result == Received::Buffered && fed < 2 * kMaxMessageBytes) {
+        result = h.session.Receive(piece);
+        fed += piece.size();
+        h.session.DecodeNext();
+    }
+    EXPECT_EQ(result, Received::MessageTooLong);
+    EXPECT_GE(fed, kMaxMessageBytes);
+    EXPECT_LT(fed, kMaxMessageBytes + piece.size());
+    EXPECT_EQ(h.observer.logLines, std::vector<std::string>{"Message Too Long " +
+                                                            std::to_string(fed) + " bytes" + kLoc});
+    EXPECT_EQ(h.session.Receive(Raw({0x81, 0x64, 0x64, 0xFF})), Received::Buffered);
+    h.Drain();
+    EXPECT_EQ(h.Sent().size(), 2u); // the identity answer and the request
 }
 
 } // namespace

@@ -117,6 +117,8 @@ ServerClient::ServerClient(const ServerOptions& options)
     });
     QObject::connect(m_connection.get(), &Connection::linkDisconnected, m_connection.get(),
                      [this] { m_linkLost = true; });
+    QObject::connect(m_connection.get(), &Connection::messageTooLong, m_connection.get(),
+                     [this] { m_messageTooLong = true; });
     QObject::connect(
         m_connection.get(), &Connection::partReceived, m_connection.get(),
         [this](Part part) { m_mirror.Received(part, m_store, m_state.serverPassword); });
@@ -187,7 +189,18 @@ ServerClient::WaitResult ServerClient::WaitForParts(PartSet need) {
     });
 }
 
+bool ServerClient::ReportedTooLong() const {
+    if (m_messageTooLong) {
+        std::cerr << "lumeth-cli: the server module sent a message larger than any the protocol "
+                     "carries\n";
+    }
+    return m_messageTooLong;
+}
+
 int ServerClient::LinkLost(const std::string& during) {
+    if (ReportedTooLong()) {
+        return ToInt(ExitCode::Unreachable);
+    }
     if (m_wasConnected) {
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << during
                   << "\n";
@@ -305,6 +318,8 @@ int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>&
                 gone.add(sent[i].part);
             }
         }
+        // The cause first, then what went out before the link was dropped.
+        ReportedTooLong();
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
                   << " while sending " << fileName
                   << "; sent before it was lost: " << NamesOrNone(gone) << "\n";
@@ -323,6 +338,9 @@ int ServerClient::VerifyApplied(const std::string& fileName,
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
+        if (ReportedTooLong()) {
+            return ToInt(ExitCode::Unreachable);
+        }
         // What was still queued when the link went is gone: no claim either way.
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
                   << " while reading the configuration back; the server module's state is "

@@ -91,6 +91,9 @@ private:
     // One line on stderr for a lost link: "cannot reach" only when the
     // connection was never made.
     int LinkLost(const std::string& during);
+    // The one line for a link dropped after an overlong message, when that
+    // is why the link went; true when it was.
+    bool ReportedTooLong() const;
     std::string Address() const;
 
     // The connection's sockets and timers need an application object; the
@@ -115,6 +118,7 @@ private:
     QElapsedTimer m_quiet; // since the last byte arrived or the last request
     bool m_linkLost = false;
     bool m_wasConnected = false;
+    bool m_messageTooLong = false;
     std::string m_linkError;
     std::string m_lastProgress;
 };
