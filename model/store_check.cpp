@@ -172,7 +172,8 @@ CheckFinding NegativeCountFinding(const StoreLocation& at, const char* count, in
 CheckFinding TrailingBytesFinding(size_t bytes) {
     return {CheckFinding::Severity::Error,
             StoreLocation{Part::Templates},
-            std::to_string(bytes) + " bytes follow the last template: the file is damaged",
+            std::to_string(bytes) + (bytes == 1 ? " byte follows" : " bytes follow") +
+                " the last template: the file is damaged",
             {},
             true};
 }
