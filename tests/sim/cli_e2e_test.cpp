@@ -185,6 +185,40 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     EXPECT_EQ(Fetch(sim, "b.json", "on-air").exitCode, 0);
 }
 
+// The read-back compares with FILE as the emulator holds it (names and
+// labels cut to their width); a file past a 14-bit count never leaves.
+TEST_F(CliAgainstSim, ApplyReadsBackFileAsHeldAndNeverSendsWhatTheCountsCannotCarry) {
+    SimProcess sim;
+    ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
+    const auto write = [&](const QString& name, const PanelStore& store) {
+        QFile doc(File(name));
+        ASSERT_TRUE(doc.open(QIODevice::WriteOnly));
+        doc.write(QByteArray::fromStdString(WriteJsonDocument(store)));
+    };
+    PanelStore many = demoState.store();
+    many.listCount(SubType::Input) = 20000;
+    many.lists(SubType::Input).resize(20000, many.lists(SubType::Input)[0]);
+    write("many.json", many);
+    const CliResult refused = Run({"apply", File("many.json"), "--force", "--server", Server(sim)});
+    EXPECT_EQ(refused.exitCode, 2) << refused.err.toStdString();
+    EXPECT_TRUE(refused.err.contains("20000 display lists; a message carries at most 16383"))
+        << refused.err.toStdString();
+    EXPECT_EQ(DumpStore(LoadState(statePath).store()), DumpStore(demoState.store()));
+
+    PanelStore cut = demoState.store();
+    cut.lists(SubType::Input)[0].name = "A list name of 26 letters";
+    cut.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
+    write("cut.json", cut);
+    const CliResult applied = Run({"apply", File("cut.json"), "--server", Server(sim)});
+    ASSERT_EQ(applied.exitCode, 0) << applied.err.toStdString();
+    const sim::SimState saved = WaitForState(statePath, [](const sim::SimState& s) {
+        return s.store().lists(SubType::Input)[0].name.starts_with("A list name of 2");
+    });
+    EXPECT_EQ(TrimTrailingBlanks(saved.store().lists(SubType::Input)[0].name), "A list name of 2");
+    EXPECT_EQ(TrimTrailingBlanks(saved.store().templates.buttonTemplates[0].buttons[0].label),
+              "TEN CHAR");
+}
+
 TEST_F(CliAgainstSim, SlowDeliveryStillGivesTheExactState) {
     // A small configuration, as the slow fault sends byte by byte.
     PanelStore store;
