@@ -539,15 +539,15 @@ TEST_F(ServerFlowsTest, ApplyRefusesDamagedAndUnsendableFilesWhateverForceSays) 
     }
 }
 
-// The read-back compares with FILE as the server module holds it: names and
-// labels cut to their width are what FILE holds, a part the server module
-// did not take is not.
+// The read-back compares with FILE as the server module holds it: a panel
+// data file's names and labels, cut and blank-padded to their width, are
+// what FILE holds; a part the server module did not take is not.
 TEST_F(ServerFlowsTest, ApplyReadsBackFileAsTheServerModuleHoldsIt) {
     PanelStore file = ServerConfiguration();
     file.lists(SubType::Input)[0].name = "A name of twenty chr";
     file.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
-    m_dir.Write("long.json", WriteJsonDocument(file));
-    const std::string path = Path("long.json").toStdString();
+    m_dir.Write("long.dat", EncodePanelData(file));
+    const std::string path = Path("long.dat").toStdString();
     const struct {
         const char* what;
         Script script;
@@ -563,8 +563,8 @@ TEST_F(ServerFlowsTest, ApplyReadsBackFileAsTheServerModuleHoldsIt) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         ScriptedServer server("studio", c.script);
-        const CliResult result = Run(
-            {"apply", Path("long.json"), "--server", Server(server.port())}, Environment("studio"));
+        const CliResult result = Run({"apply", Path("long.dat"), "--server", Server(server.port())},
+                                     Environment("studio"));
         EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
         EXPECT_NE((result.out + result.err).find(c.message), std::string::npos) << result.err;
     }

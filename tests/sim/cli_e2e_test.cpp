@@ -13,6 +13,7 @@
 #include <signal.h>
 
 #include "files/json_document.h"
+#include "files/panel_data_file.h"
 #include "tests/sim/sim_process.h"
 #include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
@@ -185,8 +186,9 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     EXPECT_EQ(Fetch(sim, "b.json", "on-air").exitCode, 0);
 }
 
-// The read-back compares with FILE as the emulator holds it (names and
-// labels cut to their width); a file past a 14-bit count never leaves.
+// The read-back compares with FILE as the emulator holds it (a panel data
+// file's names and labels cut and blank-padded to their width); a file past a
+// 14-bit count never leaves.
 TEST_F(CliAgainstSim, ApplyReadsBackFileAsHeldAndNeverSendsWhatTheCountsCannotCarry) {
     SimProcess sim;
     ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
@@ -208,8 +210,11 @@ TEST_F(CliAgainstSim, ApplyReadsBackFileAsHeldAndNeverSendsWhatTheCountsCannotCa
     PanelStore cut = demoState.store();
     cut.lists(SubType::Input)[0].name = "A list name of 26 letters";
     cut.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
-    write("cut.json", cut);
-    const CliResult applied = Run({"apply", File("cut.json"), "--server", Server(sim)});
+    QFile dat(File("cut.dat"));
+    ASSERT_TRUE(dat.open(QIODevice::WriteOnly));
+    dat.write(QByteArray::fromStdString(EncodePanelData(cut)));
+    dat.close();
+    const CliResult applied = Run({"apply", File("cut.dat"), "--server", Server(sim)});
     ASSERT_EQ(applied.exitCode, 0) << applied.err.toStdString();
     const sim::SimState saved = WaitForState(statePath, [](const sim::SimState& s) {
         return s.store().lists(SubType::Input)[0].name.starts_with("A list name of 2");
