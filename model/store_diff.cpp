@@ -46,8 +46,8 @@ public:
     // Whether upload part `p` holds a change.
     bool Changes(Part p) {
         m_lines.clear();
-        if (const std::optional<SubType> s = Info(p).subType)
-            DisplayLists(*s);
+        if (Info(p).kind == PartKind::DisplayLists)
+            DisplayLists(*Info(p).subType);
         else if (p == Part::UserGroups)
             UserGroups();
         else if (p == Part::Templates)
