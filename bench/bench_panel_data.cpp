@@ -13,6 +13,7 @@
 #include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "model/store_check.h"
 #include "tools/sim/demo_config.h"
 
 namespace {
@@ -162,5 +163,35 @@ void BM_JsonRefuseLongString(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_JsonRefuseLongString)->Arg(1)->Arg(256)->Unit(benchmark::kMicrosecond);
+
+// `lumeth-cli check` on the emulator's largest configuration and on one
+// past every 14-bit count: the checks stay linear in the entries.
+void BM_CheckMax(benchmark::State& state) {
+    const lumeth::PanelStore store = lumeth::sim::MakeDemo("max").store;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(lumeth::CheckStore(store, true));
+    }
+}
+BENCHMARK(BM_CheckMax)->Unit(benchmark::kMillisecond);
+
+void BM_CheckPastTheLimits(benchmark::State& state) {
+    constexpr int16_t kPast = 20000;
+    lumeth::PanelStore store;
+    for (lumeth::SubType s : lumeth::kAllSubTypes) {
+        store.listCount(s) = kPast;
+        store.lists(s).assign(kPast, lumeth::DisplayList{1, "List", {0}});
+    }
+    store.lists(lumeth::SubType::Input)[0] =
+        lumeth::DisplayList{kPast, "Wide", std::vector<int16_t>(kPast, 0)};
+    store.groups.userGroupCount = kPast;
+    store.groups.Resize(kPast);
+    store.groups.userGroups.assign(kPast, lumeth::UserGroup{1, {0}, {11}});
+    store.templates.templateCount = kPast;
+    store.templates.Resize(kPast);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(lumeth::CheckStore(store, false));
+    }
+}
+BENCHMARK(BM_CheckPastTheLimits)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 
 #include "files/json_document.h"
 #include "files/json_schema.h"
@@ -92,12 +93,21 @@ void ReadPanelData(const std::string& bytes, Configuration& config) {
     LoadResult result = LoadPanelData(bytes, config.store);
     config.version = result.version;
     config.sections = PanelDataSections(result.version);
+    config.damage = std::move(result.damage);
     if (result.outcome != LoadOutcome::Loaded) {
         config.status = std::move(result.status);
     }
 }
 
 } // namespace
+
+std::vector<CheckFinding> CheckConfiguration(const Configuration& config) {
+    std::vector<CheckFinding> findings = config.damage;
+    std::vector<CheckFinding> store = CheckStore(config.store, config.hasAlphas);
+    findings.insert(findings.end(), std::make_move_iterator(store.begin()),
+                    std::make_move_iterator(store.end()));
+    return findings;
+}
 
 Status Configuration::RequireAllSections() const {
     if (form == ConfigurationForm::Json) {

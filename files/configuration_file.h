@@ -2,11 +2,13 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "files/file_io.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
 #include "model/parts.h"
+#include "model/store_check.h"
 
 namespace lumeth {
 
@@ -26,6 +28,8 @@ struct Configuration {
     // display lists before version 3).
     PartSet sections;
     Status status; // the detail says what is wrong, without the path
+    // A panel data file's damage found while reading it (see LoadResult).
+    std::vector<CheckFinding> damage;
 
     // Fails naming the sections the file does not hold: for sending it, where
     // a missing section would empty that part on the server module.
@@ -36,6 +40,9 @@ struct Configuration {
 // content: a JSON document starts with '{' (after blanks or a byte order
 // mark). A JSON document too large to read is refused before it is loaded.
 Configuration ReadConfiguration(const std::string& path);
+
+// The file's damage, then CheckStore's findings on what it holds.
+std::vector<CheckFinding> CheckConfiguration(const Configuration& config);
 
 // Put what `read` holds into `store` the way loading its file there does: the
 // display lists, user groups and templates are replaced, the channel names

@@ -39,13 +39,16 @@ public:
                                              std::to_string(marker) + ", expected 140)");
             return result;
         }
-        if (!ReadHeader() || !ReadBody()) {
-            result.outcome = LoadOutcome::Failed;
-            result.version = m_version;
-            result.status = std::move(m_status);
-            return result;
-        }
+        const bool read = ReadHeader() && ReadBody();
         result.version = m_version;
+        if (read && m_in.remaining() > 0) {
+            m_damage.push_back(TrailingBytesFinding(m_in.remaining()));
+        }
+        result.damage = std::move(m_damage);
+        if (!read) {
+            result.outcome = LoadOutcome::Failed;
+            result.status = std::move(m_status);
+        }
         return result;
     }
 
@@ -70,9 +73,17 @@ private:
 
     // A count field is kept as read, even negative (a damaged or hand-made
     // file): its arrays keep one spare entry, its section then has no
-    // records, and loading goes on with the rest of the file.
-    template <typename Describe> bool Count(int16_t& count, Describe&& describe) {
-        return Int(count, describe);
+    // records, and loading goes on with the rest of the file. The negative
+    // count is reported as damage, so that nothing sends it on.
+    template <typename Describe>
+    bool Count(int16_t& count, const StoreLocation& at, const char* name, Describe&& describe) {
+        if (!Int(count, describe)) {
+            return false;
+        }
+        if (count < 0) {
+            m_damage.push_back(NegativeCountFinding(at, name, count));
+        }
+        return true;
     }
 
     void Truncated(size_t at, const std::string& what) {
@@ -125,7 +136,7 @@ private:
     bool ReadDisplayLists(SubType s) {
         const std::string kind = std::string(SubTypeName(s)) + " display list";
         int16_t count = 0;
-        if (!Count(count, [&] { return kind + " count"; })) {
+        if (!Count(count, {ListsPart(s)}, "display list count", [&] { return kind + " count"; })) {
             return false;
         }
         m_store.listCount(s) = count;
@@ -139,7 +150,8 @@ private:
             if (!Text(kNameWidth, list.name, [&] { return what("name"); })) {
                 return false;
             }
-            if (!Count(list.channelCount, [&] { return what("channel count"); })) {
+            if (!Count(list.channelCount, {ListsPart(s), i}, "channel count",
+                       [&] { return what("channel count"); })) {
                 return false;
             }
             list.channels.assign(ArraySizeFor(list.channelCount), 0);
@@ -156,7 +168,8 @@ private:
 
     bool ReadUserGroups() {
         int16_t count = 0;
-        if (!Count(count, [] { return std::string("user group count"); })) {
+        if (!Count(count, {Part::UserGroups}, "user group count",
+                   [] { return std::string("user group count"); })) {
             return false;
         }
         m_store.groups.userGroupCount = count;
@@ -174,7 +187,8 @@ private:
                       [&] { return what("name"); })) {
                 return false;
             }
-            if (!Count(group.listCount, [&] { return what("list count"); })) {
+            if (!Count(group.listCount, {Part::UserGroups, i}, "list count",
+                       [&] { return what("list count"); })) {
                 return false;
             }
             group.listIndexes.assign(ArraySizeFor(group.listCount), 0);
@@ -196,7 +210,8 @@ private:
 
     bool ReadTemplates() {
         int16_t count = 0;
-        if (!Count(count, [] { return std::string("template count"); })) {
+        if (!Count(count, {Part::Templates}, "template count",
+                   [] { return std::string("template count"); })) {
             return false;
         }
         // TemplateIndex and TemplatePosition are deliberately left alone:
@@ -218,7 +233,8 @@ private:
             if (hasNumbers && !Int(tmpl.number, [&] { return what("number"); })) {
                 return false;
             }
-            if (!Count(tmpl.buttonCount, [&] { return what("button count"); })) {
+            if (!Count(tmpl.buttonCount, {Part::Templates, i}, "button count",
+                       [&] { return what("button count"); })) {
                 return false;
             }
             tmpl.buttons.assign(ArraySizeFor(tmpl.buttonCount), PanelButton{});
@@ -244,6 +260,7 @@ private:
     PanelStore& m_store;
     int16_t m_version = 3;
     Status m_status;
+    std::vector<CheckFinding> m_damage;
 };
 
 // A count as written: negative counts (never made by the store's own

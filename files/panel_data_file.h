@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "model/failure.h"
 #include "model/panel_store.h"
 #include "model/parts.h"
+#include "model/store_check.h"
 
 namespace lumeth {
 
@@ -30,6 +32,9 @@ struct LoadResult {
     LoadOutcome outcome = LoadOutcome::Loaded;
     int version = 3;
     Status status; // failure detail for NotPanelData and Failed
+    // What shows the file is damaged though it reads to the end: a negative
+    // count (stored as read all the same) and bytes after the last template.
+    std::vector<CheckFinding> damage;
 };
 
 // The parts a file of `version` holds: before version 3 there are no Opto

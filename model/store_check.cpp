@@ -33,6 +33,19 @@ private:
         m_findings.push_back({CheckFinding::Severity::Error, at, std::move(message), {}});
     }
 
+    // A count the messages cannot carry: the server module would keep fewer
+    // entries than the store holds.
+    void Count(const StoreLocation& at, int count, int limit, const char* what,
+               const char* holder = "a message carries") {
+        if (count > limit)
+            m_findings.push_back({CheckFinding::Severity::Error,
+                                  at,
+                                  std::to_string(count) + " " + what + "; " + holder + " at most " +
+                                      std::to_string(limit),
+                                  {},
+                                  true});
+    }
+
     void Name(const StoreLocation& at, const std::string& name, size_t width, const char* what) {
         if (name.size() > width)
             Warn(at, what + std::string(" is ") + std::to_string(name.size()) +
@@ -50,6 +63,7 @@ private:
 
     void DisplayLists(SubType s) {
         const Part part = ListsPart(s);
+        Count({part}, m_store.listCount(s), kMax14Bit, "display lists");
         std::unordered_map<std::string, int> firstWithName;
         for (int i = 0; i < ValidCount(m_store.listCount(s)); ++i) {
             const DisplayList& list = RefAt(m_store.lists(s), i);
@@ -62,6 +76,7 @@ private:
                      StoreLocation{part, first->second});
             if (list.channelCount <= 0)
                 Warn({part, i}, "display list is empty");
+            Count({part, i}, list.channelCount, kMax14Bit, "channels");
             for (int k = 0; k < ValidCount(list.channelCount); ++k)
                 Channel({part, i, StoreField::Channel, k}, s, RefAt(list.channels, k));
         }
@@ -69,12 +84,14 @@ private:
 
     void UserGroups() {
         const UserGroupTable& groups = m_store.groups;
+        Count({Part::UserGroups}, groups.userGroupCount, kMax14Bit, "user groups");
         for (int i = 0; i < ValidCount(groups.userGroupCount); ++i) {
             const UserGroup& group = RefAt(groups.userGroups, i);
             Name({Part::UserGroups, i, StoreField::Name}, RefAt(groups.userGroupNames, i),
                  kNameWidth, "name");
             if (group.listCount <= 0)
                 Warn({Part::UserGroups, i}, "user group is empty");
+            Count({Part::UserGroups, i}, group.listCount, kMax14Bit, "entries");
             for (int k = 0; k < ValidCount(group.listCount); ++k) {
                 const StoreLocation entry{Part::UserGroups, i, StoreField::GroupEntry, k};
                 const int type = RefAt(group.listTypes, k);
@@ -93,10 +110,13 @@ private:
 
     void Templates() {
         const TemplateTable& templates = m_store.templates;
+        Count({Part::Templates}, templates.templateCount, kMax14Bit, "templates");
         for (int i = 0; i < ValidCount(templates.templateCount); ++i) {
             const ButtonTemplate& tmpl = RefAt(templates.buttonTemplates, i);
             Name({Part::Templates, i, StoreField::Name}, RefAt(templates.templateNames, i),
                  kNameWidth, "name");
+            Count({Part::Templates, i}, tmpl.buttonCount, kTemplateButtons, "buttons",
+                  "a template has");
             for (int k = 0; k < ValidCount(tmpl.buttonCount); ++k) {
                 const PanelButton& b = RefAt(tmpl.buttons, k);
                 Name({Part::Templates, i, StoreField::Label, k}, b.label, kLabelWidth, "label");
@@ -134,6 +154,28 @@ bool HasErrors(const std::vector<CheckFinding>& findings) {
     return std::any_of(findings.begin(), findings.end(), [](const CheckFinding& f) {
         return f.severity == CheckFinding::Severity::Error;
     });
+}
+
+bool BlocksSending(const std::vector<CheckFinding>& findings) {
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const CheckFinding& f) { return f.blocksSending; });
+}
+
+CheckFinding NegativeCountFinding(const StoreLocation& at, const char* count, int value) {
+    return {CheckFinding::Severity::Error,
+            at,
+            std::string(count) + " " + std::to_string(value) + " is negative: the file is damaged",
+            {},
+            true};
+}
+
+CheckFinding TrailingBytesFinding(size_t bytes) {
+    return {CheckFinding::Severity::Error,
+            StoreLocation{Part::Templates},
+            std::to_string(bytes) + (bytes == 1 ? " byte follows" : " bytes follow") +
+                " the last template: the file is damaged",
+            {},
+            true};
 }
 
 } // namespace lumeth

@@ -45,6 +45,18 @@ public:
         return std::move(m_lines);
     }
 
+    // Whether upload part `p` holds a change.
+    bool Changes(Part p) {
+        m_lines.clear();
+        if (Info(p).kind == PartKind::DisplayLists)
+            DisplayLists(*Info(p).subType);
+        else if (p == Part::UserGroups)
+            UserGroups();
+        else if (p == Part::Templates)
+            Templates();
+        return !m_lines.empty();
+    }
+
 private:
     const AlphaTable& Names(SubType s) const {
         return m_after.alpha(s).count > 0 ? m_after.alpha(s) : m_before.alpha(s);
@@ -345,6 +357,16 @@ private:
 
 std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& after) {
     return Differ(before, after).Run();
+}
+
+PartSet DifferingParts(const PanelStore& before, const PanelStore& after) {
+    Differ differ(before, after);
+    PartSet parts;
+    ForEachPart(kUploadParts, [&](Part p) {
+        if (differ.Changes(p))
+            parts.add(p);
+    });
+    return parts;
 }
 
 } // namespace lumeth

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
 
@@ -17,6 +18,9 @@ namespace lumeth {
 // trailing blanks dropped. Channel names come from `after`'s alpha tables, else `before`'s.
 // Text is bytes (Windows-1252). An empty result means no difference.
 std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& after);
+
+// The upload parts in which DiffStores finds a change.
+PartSet DifferingParts(const PanelStore& before, const PanelStore& after);
 
 // The report's text for no difference.
 inline constexpr const char* kNoChangesLine = "No changes.";

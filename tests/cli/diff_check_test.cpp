@@ -106,5 +106,45 @@ TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
     EXPECT_EQ(forced.exitCode, 3);
 }
 
+// The demo as a panel data file with the sign bit of its template count
+// flipped: the count field is the last field of a file without templates.
+std::string WithFlippedTemplateCount(const PanelStore& store) {
+    PanelStore none = store;
+    none.templates.templateCount = 0;
+    const size_t high = EncodePanelData(none).size() - 1;
+    std::string bytes = EncodePanelData(store);
+    bytes[high] = static_cast<char>(bytes[high] | 0x80);
+    return bytes;
+}
+
+TEST_F(DiffCheck, CheckAndShowTellADamagedPanelDataFile) {
+    const int templates = m_demo.templates.templateCount;
+    ASSERT_GT(templates, 0);
+    m_dir.Write("flipped.dat", WithFlippedTemplateCount(m_demo));
+    m_dir.Write("trailing.dat", EncodePanelData(m_demo) + "x");
+    const std::string negative = std::to_string(templates - 32768);
+    const struct {
+        const char* file;
+        std::string line;
+    } cases[] = {
+        {"flipped.dat",
+         "error: templates: template count " + negative + " is negative: the file is damaged\n"},
+        {"trailing.dat",
+         "error: templates: 1 byte follows the last template: the file is damaged\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        const testing::CliResult r = Run({"check", Path(c.file)});
+        EXPECT_EQ(r.exitCode, 2);
+        EXPECT_EQ(r.out.substr(0, c.line.size()), c.line);
+    }
+    const testing::CliResult shown = Run({"show", Path("flipped.dat")});
+    EXPECT_EQ(shown.exitCode, 0);
+    EXPECT_NE(
+        shown.out.find("Button templates: damaged (the file holds the count " + negative + ")\n"),
+        std::string::npos)
+        << shown.out;
+}
+
 } // namespace
 } // namespace lumeth

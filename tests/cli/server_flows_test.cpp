@@ -543,6 +543,71 @@ TEST_F(ServerFlowsTest, ApplyOfAFileTheUploadCannotCarryExits2WithoutConnecting)
     EXPECT_TRUE(server.frames().empty());
 }
 
+// What the messages cannot carry and a damaged file never reach the server
+// module, --force or not.
+TEST_F(ServerFlowsTest, ApplyRefusesDamagedAndUnsendableFilesWhateverForceSays) {
+    PanelStore many = ServerConfiguration();
+    many.listCount(SubType::Input) = 20000;
+    many.lists(SubType::Input).assign(20000, DisplayList{1, "Mic", {0}});
+    PanelStore wide = ServerConfiguration();
+    wide.groups.userGroups[0] =
+        UserGroup{20000, std::vector<int16_t>(20000, 0), std::vector<int16_t>(20000, 11)};
+    m_dir.Write("many.json", WriteJsonDocument(many));
+    m_dir.Write("wide.json", WriteJsonDocument(wide));
+    // The template count is the last two bytes of a file without templates.
+    PanelStore none = ServerConfiguration();
+    none.templates.templateCount = 0;
+    std::string flipped = EncodePanelData(ServerConfiguration());
+    flipped[EncodePanelData(none).size() - 1] |= static_cast<char>(0x80);
+    m_dir.Write("flipped.dat", flipped);
+    m_dir.Write("trailing.dat", EncodePanelData(ServerConfiguration()) + "  ");
+    for (const char* file : {"many.json", "wide.json", "flipped.dat", "trailing.dat"}) {
+        SCOPED_TRACE(file);
+        ScriptedServer server("studio");
+        const CliResult result =
+            Run({"apply", Path(file), "--force", "--server", Server(server.port())},
+                Environment("studio"));
+        EXPECT_EQ(result.exitCode, 2) << result.err;
+        EXPECT_NE(result.err.find(": not applied: the file is damaged or holds more than the "
+                                  "messages carry (--force does not send it)"),
+                  std::string::npos)
+            << result.err;
+        QTest::qWait(50);
+        EXPECT_TRUE(server.frames().empty());
+    }
+}
+
+// The read-back compares with FILE as the server module holds it: a panel
+// data file's names and labels, cut and blank-padded to their width, are
+// what FILE holds; a part the server module did not take is not.
+TEST_F(ServerFlowsTest, ApplyReadsBackFileAsTheServerModuleHoldsIt) {
+    PanelStore file = ServerConfiguration();
+    file.lists(SubType::Input)[0].name = "A name of twenty chr";
+    file.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
+    m_dir.Write("long.dat", EncodePanelData(file));
+    const std::string path = Path("long.dat").toStdString();
+    const struct {
+        const char* what;
+        Script script;
+        int exitCode;
+        std::string message;
+    } cases[] = {
+        {"stored", {}, 0, "read back and identical"},
+        {"templates not stored",
+         {.ignoredUploads = {kTemplates}},
+         6,
+         "differs from " + path + " in: button templates\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        ScriptedServer server("studio", c.script);
+        const CliResult result = Run({"apply", Path("long.dat"), "--server", Server(server.port())},
+                                     Environment("studio"));
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        EXPECT_NE((result.out + result.err).find(c.message), std::string::npos) << result.err;
+    }
+}
+
 TEST_F(ServerFlowsTest, SetPasswordSendsTheNewPasswordThenTheRequest) {
     ScriptedServer server("studio");
     QProcessEnvironment env = Environment("studio");

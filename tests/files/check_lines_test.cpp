@@ -1,7 +1,10 @@
 // The checks of a configuration: one line per finding, with its JSON path.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "files/json_schema.h"
+#include "model/limits.h"
 #include "model/store_check.h"
 #include "tests/support/store_builders.h"
 
@@ -49,6 +52,75 @@ TEST(StoreCheck, FindingsNameTheirPathAndSeverity) {
         "warning: templates[0].buttons[0].channel: Source Select needs a channel and has none",
     };
     EXPECT_EQ(lines, expected);
+}
+
+// Each count the messages carry in 14 bits, and the buttons of a template:
+// at the limit nothing blocks sending, one more is an error that does.
+TEST(StoreCheck, CountsPastWhatIsSentAreErrorsThatBlockSending) {
+    const PanelButton cleared = PanelButton::Cleared();
+    const struct {
+        const char* what;
+        int limit;
+        std::function<void(PanelStore&, int)> grow;
+        std::string error; // for limit + 1
+    } cases[] = {
+        {"display lists of a sub type", kMax14Bit,
+         [](PanelStore& s, int n) {
+             s.listCount(SubType::Opto) = static_cast<int16_t>(n);
+             s.lists(SubType::Opto).assign(static_cast<size_t>(n), test::List("Doors", {0}));
+         },
+         "error: display_lists.opto: 16384 display lists; a message carries at most 16383"},
+        {"channels in a list", kMax14Bit,
+         [](PanelStore& s, int n) {
+             s.lists(SubType::Input)[0] = test::List("Mics", std::vector<int16_t>(n, 0));
+         },
+         "error: display_lists.input[0]: 16384 channels; a message carries at most 16383"},
+        {"entries in a group", kMax14Bit,
+         [](PanelStore& s, int n) {
+             s.groups.userGroups[0] =
+                 test::Group(std::vector<std::pair<int16_t, int16_t>>(n, {0, 11}));
+         },
+         "error: user_groups[0]: 16384 entries; a message carries at most 16383"},
+        {"user groups", kMax14Bit,
+         [](PanelStore& s, int n) {
+             s.groups.userGroupCount = static_cast<int16_t>(n);
+             s.groups.Resize(n);
+             s.groups.userGroups.assign(static_cast<size_t>(n), test::Group({{0, 11}}));
+         },
+         "error: user_groups: 16384 user groups; a message carries at most 16383"},
+        {"templates", kMax14Bit,
+         [](PanelStore& s, int n) {
+             s.templates.templateCount = static_cast<int16_t>(n);
+             s.templates.Resize(n);
+         },
+         "error: templates: 16384 templates; a message carries at most 16383"},
+        {"buttons of a template", kTemplateButtons,
+         [&](PanelStore& s, int n) {
+             s.templates.buttonTemplates[0].buttonCount = static_cast<int16_t>(n);
+             s.templates.buttonTemplates[0].buttons.assign(static_cast<size_t>(n), cleared);
+         },
+         "error: templates[0]: 33 buttons; a template has at most 32"},
+    };
+    const auto errors = [](const std::vector<CheckFinding>& findings) {
+        std::vector<std::string> lines;
+        for (const CheckFinding& f : findings)
+            if (f.severity == CheckFinding::Severity::Error)
+                lines.push_back(CheckFindingLine(f));
+        return lines;
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        PanelStore store;
+        store.ResetToDefaults();
+        c.grow(store, c.limit);
+        const std::vector<CheckFinding> atLimit = CheckStore(store, false);
+        EXPECT_TRUE(errors(atLimit).empty());
+        EXPECT_FALSE(BlocksSending(atLimit));
+        c.grow(store, c.limit + 1);
+        const std::vector<CheckFinding> past = CheckStore(store, false);
+        EXPECT_EQ(errors(past), std::vector<std::string>{c.error});
+        EXPECT_TRUE(BlocksSending(past));
+    }
 }
 
 } // namespace

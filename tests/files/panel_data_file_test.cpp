@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "files/file_io.h"
+#include "files/json_schema.h"
 #include "files/panel_data_file.h"
 #include "model/panel_store.h"
 #include "tests/support/file_size_limit.h"
@@ -116,6 +117,11 @@ Golden Version3File() {
     g.I16(-2, "template 1 number");
     g.I16(0, "template 1 button count");
     return g;
+}
+
+// The bytes of Version3File's template section, its count included.
+size_t Version3TemplatesSize() {
+    return 2 + (16 + 2 + 2 + 2 * (8 + 8)) + (16 + 2 + 2);
 }
 
 void ExpectDefaultNames(const PanelStore& s) {
@@ -314,6 +320,19 @@ TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
     EXPECT_EQ(store.templates.templateNames[0], Pad("T", 16));
     EXPECT_EQ(store.templates.buttonTemplates[0].number, 7);
     EXPECT_EQ(store.templates.buttonTemplates[0].buttonCount, -5);
+    // Each negative count is damage, named by its section or record.
+    std::vector<std::string> damage;
+    for (const CheckFinding& finding : r.damage) {
+        EXPECT_TRUE(finding.blocksSending);
+        damage.push_back(CheckFindingLine(finding));
+    }
+    const std::vector<std::string> expected{
+        "error: display_lists.input: display list count -1 is negative: the file is damaged",
+        "error: display_lists.output[0]: channel count -32768 is negative: the file is damaged",
+        "error: user_groups: user group count -2 is negative: the file is damaged",
+        "error: templates[0]: button count -5 is negative: the file is damaged",
+    };
+    EXPECT_EQ(damage, expected);
     // Saved again, a negative count is written as 0.
     PanelStore again;
     ASSERT_EQ(LoadPanelData(EncodePanelData(store), again).outcome, LoadOutcome::Loaded);
@@ -324,6 +343,45 @@ TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
     EXPECT_EQ(LoadPanelData(Golden().I16s({140, -3}).bytes(), store).outcome, LoadOutcome::Failed);
     EXPECT_EQ(LoadPanelData(Golden().I16s({140, 16383, 3, -1}).bytes(), store).outcome,
               LoadOutcome::Failed);
+}
+
+// One flipped sign bit in the template count leaves the templates' bytes
+// after what the count says the file holds: both are damage, and the load
+// still stores the count as read.
+TEST(PanelDataFile, FlippedSignAndTrailingBytesAreReportedAsDamage) {
+    const std::string file = Version3File().bytes();
+    const size_t templateCount = file.size() - Version3TemplatesSize();
+    std::string flipped = file;
+    flipped[templateCount + 1] = static_cast<char>(flipped[templateCount + 1] | 0x80);
+    const struct {
+        const char* what;
+        std::string bytes;
+        int16_t templates;
+        std::vector<std::string> damage;
+    } cases[] = {
+        {"intact", file, 2, {}},
+        {"flipped sign",
+         flipped,
+         -32766,
+         {"error: templates: template count -32766 is negative: the file is damaged",
+          "error: templates: " + std::to_string(Version3TemplatesSize() - 2) +
+              " bytes follow the last template: the file is damaged"}},
+        {"trailing bytes",
+         file + "xyz",
+         2,
+         {"error: templates: 3 bytes follow the last template: the file is damaged"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        PanelStore store;
+        const LoadResult r = LoadPanelData(c.bytes, store);
+        EXPECT_EQ(r.outcome, LoadOutcome::Loaded);
+        EXPECT_EQ(store.templates.templateCount, c.templates);
+        std::vector<std::string> damage;
+        for (const CheckFinding& finding : r.damage)
+            damage.push_back(CheckFindingLine(finding));
+        EXPECT_EQ(damage, c.damage);
+    }
 }
 
 // ---- files on disk ----------------------------------------------------------

@@ -128,5 +128,44 @@ TEST(StoreDiff, EachEditGivesItsLines) {
     }
 }
 
+// The parts a read-back is told apart from FILE by: as sent, every change.
+TEST(StoreDiff, DifferingPartsAreThePartsWithChanges) {
+    const struct {
+        const char* what;
+        std::function<void(PanelStore&)> apply;
+        PartSet parts;
+    } edits[] = {
+        {"names and labels cut to their width",
+         [](PanelStore& s) {
+             s.lists(SubType::Input)[0].name = "Mics            and more";
+             s.templates.buttonTemplates[0].buttons[0].label = "MIC     and more";
+         },
+         {}},
+        {"fewer lists than FILE holds",
+         [](PanelStore& s) {
+             s.listCount(SubType::Output) = 3;
+             s.lists(SubType::Output).resize(3, test::List("Outs", {0}));
+         },
+         {Part::OutputLists}},
+        {"a channel and a group entry",
+         [](PanelStore& s) {
+             s.lists(SubType::Input)[0].channels[2] = 3;
+             s.groups.userGroups[0].listTypes[1] = 11;
+         },
+         {Part::InputLists, Part::UserGroups}},
+        {"a template number",
+         [](PanelStore& s) { s.templates.buttonTemplates[0].number = 9; },
+         {Part::Templates}},
+    };
+    const PanelStore before = Base();
+    for (const auto& edit : edits) {
+        SCOPED_TRACE(edit.what);
+        PanelStore after = Base();
+        edit.apply(after);
+        EXPECT_EQ(DifferingParts(before, after), edit.parts);
+        EXPECT_EQ(DifferingParts(after, before), edit.parts);
+    }
+}
+
 } // namespace
 } // namespace lumeth

@@ -13,6 +13,7 @@
 #include <signal.h>
 
 #include "files/json_document.h"
+#include "files/panel_data_file.h"
 #include "tests/sim/sim_process.h"
 #include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
@@ -108,6 +109,11 @@ protected:
         ASSERT_EQ(sim::SaveStateFile(statePath.toStdString(), demoState), "");
     }
     QString File(const QString& name) const { return m_dir.filePath(name); }
+    void Write(const QString& name, const std::string& bytes) {
+        QFile file(File(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(bytes));
+    }
     // What the administrator wrote to its error log.
     QString ErrorLog() const {
         QFile f(File(kErrorLog));
@@ -162,10 +168,7 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     edited.groups.userGroupNames[0] = "Edited Group";
     edited.templates.templateNames[0] = "Edited Tpl";
     edited.templates.buttonTemplates[0].number = 42;
-    QFile doc(File("edited.json"));
-    ASSERT_TRUE(doc.open(QIODevice::WriteOnly));
-    doc.write(QByteArray::fromStdString(WriteJsonDocument(edited)));
-    doc.close();
+    Write("edited.json", WriteJsonDocument(edited));
 
     const CliResult r = Run({"apply", File("edited.json"), "--server", Server(sim)});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
@@ -183,6 +186,36 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     EXPECT_EQ(saved.password(), "on-air");
     EXPECT_EQ(Fetch(sim, "a.json").exitCode, 4);
     EXPECT_EQ(Fetch(sim, "b.json", "on-air").exitCode, 0);
+}
+
+// The read-back compares with FILE as the emulator holds it (a panel data
+// file's names and labels cut and blank-padded to their width); a file past a
+// 14-bit count never leaves.
+TEST_F(CliAgainstSim, ApplyReadsBackFileAsHeldAndNeverSendsWhatTheCountsCannotCarry) {
+    SimProcess sim;
+    ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
+    PanelStore many = demoState.store();
+    many.listCount(SubType::Input) = 20000;
+    many.lists(SubType::Input).resize(20000, many.lists(SubType::Input)[0]);
+    Write("many.json", WriteJsonDocument(many));
+    const CliResult refused = Run({"apply", File("many.json"), "--force", "--server", Server(sim)});
+    EXPECT_EQ(refused.exitCode, 2) << refused.err.toStdString();
+    EXPECT_TRUE(refused.err.contains("20000 display lists; a message carries at most 16383"))
+        << refused.err.toStdString();
+    EXPECT_EQ(DumpStore(LoadState(statePath).store()), DumpStore(demoState.store()));
+
+    PanelStore cut = demoState.store();
+    cut.lists(SubType::Input)[0].name = "A list name of 26 letters";
+    cut.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
+    Write("cut.dat", EncodePanelData(cut));
+    const CliResult applied = Run({"apply", File("cut.dat"), "--server", Server(sim)});
+    ASSERT_EQ(applied.exitCode, 0) << applied.err.toStdString();
+    const sim::SimState saved = WaitForState(statePath, [](const sim::SimState& s) {
+        return s.store().lists(SubType::Input)[0].name.starts_with("A list name of 2");
+    });
+    EXPECT_EQ(TrimTrailingBlanks(saved.store().lists(SubType::Input)[0].name), "A list name of 2");
+    EXPECT_EQ(TrimTrailingBlanks(saved.store().templates.buttonTemplates[0].buttons[0].label),
+              "TEN CHAR");
 }
 
 TEST_F(CliAgainstSim, SlowDeliveryStillGivesTheExactState) {
@@ -208,10 +241,7 @@ TEST_F(CliAgainstSim, ApplyToAServerThatStopsAnsweringSaysItsStateIsUnknown) {
     ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
     PanelStore edited = demoState.store();
     edited.templates.templateNames[0] = "Edited Tpl";
-    QFile doc(File("edited.json"));
-    ASSERT_TRUE(doc.open(QIODevice::WriteOnly));
-    doc.write(QByteArray::fromStdString(WriteJsonDocument(edited)));
-    doc.close();
+    Write("edited.json", WriteJsonDocument(edited));
 
     QProcess cli;
     cli.setWorkingDirectory(m_dir.path());

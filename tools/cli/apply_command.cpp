@@ -40,7 +40,8 @@ int RunApply(const std::vector<std::string>& args) {
         return UsageError(parsed.failure().detail);
     }
     const bool verify = std::erase(rest, std::string("--no-verify")) == 0;
-    // --force: send FILE even when check finds errors in it.
+    // --force: send FILE even when check finds errors in it, except those
+    // that block sending.
     const bool force = std::erase(rest, std::string("--force")) > 0;
     if (rest.size() != 1 || rest[0].starts_with("-")) {
         return UsageError("apply needs exactly one FILE");
@@ -58,7 +59,15 @@ int RunApply(const std::vector<std::string>& args) {
     if (const Status all = doc.RequireAllSections(); !all) {
         return InputError(path, all);
     }
-    if (HasErrors(PrintChecks(doc, std::cerr)) && !force) {
+    const std::vector<CheckFinding> findings = PrintChecks(doc, std::cerr);
+    // A damaged file or more than the messages carry: the server module would
+    // end up with something else than FILE, so --force does not send it.
+    if (BlocksSending(findings)) {
+        return Error(ExitCode::BadInput,
+                     path + ": not applied: the file is damaged or holds more than the "
+                            "messages carry (--force does not send it)");
+    }
+    if (HasErrors(findings) && !force) {
         return Error(ExitCode::BadInput, path + ": not applied: check found errors (--force sends "
                                                 "it anyway)");
     }
@@ -79,7 +88,7 @@ int RunApply(const std::vector<std::string>& args) {
     std::vector<codec::Upload> sent;
     int code = client.Apply(path, sent);
     if (code == 0 && verify) {
-        code = client.VerifyApplied(path, sent);
+        code = client.VerifyApplied(path, doc.store);
     }
     client.Close();
     if (code != 0) {

@@ -1,7 +1,8 @@
 #include <iostream>
 
-#include "model/cp1252.h"
+#include "files/configuration_file.h"
 #include "files/json_schema.h"
+#include "model/cp1252.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
@@ -18,7 +19,7 @@ constexpr int kErrors = 2;
 } // namespace
 
 std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out) {
-    std::vector<CheckFinding> findings = CheckStore(config.store, config.hasAlphas);
+    std::vector<CheckFinding> findings = CheckConfiguration(config);
     for (const CheckFinding& finding : findings)
         out << cp1252::ToUtf8(CheckFindingLine(finding)) << "\n";
     return findings;

@@ -14,7 +14,8 @@ const std::vector<Command>& Commands() {
          "send FILE's display lists, user groups and templates to the server\n"
          "                          module, read them back and compare (--no-verify: no "
          "read-back;\n"
-         "                          --force: send even when check finds errors)",
+         "                          --force: send even when check finds errors, but\n"
+         "                          never a damaged file or more than the messages carry)",
          &RunApply},
         {"set-password", "[--new-password-file FILE] [server options]",
          "store a new panel password in the server module", &RunSetPassword},

@@ -8,6 +8,7 @@
 
 #include "link/codec.h"
 #include "link/protocol.h"
+#include "model/store_diff.h"
 #include "tools/cli/cli_common.h"
 
 namespace lumeth::cli {
@@ -328,8 +329,7 @@ int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>&
     return 0;
 }
 
-int ServerClient::VerifyApplied(const std::string& fileName,
-                                const std::vector<codec::Upload>& sent) {
+int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file) {
     std::cerr << "reading the configuration back\n";
     m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
                                 Qt::PreciseTimer);
@@ -360,17 +360,10 @@ int ServerClient::VerifyApplied(const std::string& fileName,
         return ToInt(ExitCode::Timeout);
     }
     }
-    PartSet sentParts;
-    for (const codec::Upload& upload : sent) {
-        sentParts.add(upload.part);
-    }
-    const std::vector<codec::Upload> held = codec::UploadMessages(m_store, sentParts);
-    PartSet differs;
-    for (size_t i = 0; i < sent.size(); ++i) {
-        if (i >= held.size() || held[i].message != sent[i].message) {
-            differs.add(sent[i].part);
-        }
-    }
+    // FILE as the server module holds it (names and labels cut to their
+    // width) against what it answered: not the messages sent, which may
+    // have been shortened on the way.
+    const PartSet differs = DifferingParts(file, m_store);
     if (!differs.empty()) {
         std::cerr << "lumeth-cli: the server module now holds a configuration that differs from "
                   << fileName << " in: " << JoinPartNames(differs) << "\n";

@@ -65,9 +65,10 @@ public:
     // The six upload messages of the store, 500 ms apart; `sent` receives
     // them. A lost link names the parts that went out before it.
     int Apply(const std::string& fileName, std::vector<codec::Upload>& sent);
-    // Ask for everything once more and compare the six parts with `sent`:
-    // 0 when the server module holds exactly what was sent.
-    int VerifyApplied(const std::string& fileName, const std::vector<codec::Upload>& sent);
+    // Ask for everything once more and compare the six upload parts with
+    // `file`, the configuration FILE holds: 0 when the server module holds
+    // it (names and labels as cut to their width by the upload).
+    int VerifyApplied(const std::string& fileName, const PanelStore& file);
     // Close the link after what was written has gone out.
     void Close();
 

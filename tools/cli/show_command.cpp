@@ -43,6 +43,27 @@ std::string ChannelText(const Configuration& doc, SubType s, int16_t channel) {
     return Shown(table.channelNames[static_cast<size_t>(channel)]) + " " + number;
 }
 
+// A count as the listing shows it; a negative one (read from a damaged panel
+// data file) is not a number of anything.
+std::string CountText(int count) {
+    return count < 0 ? "damaged (the file holds the count " + std::to_string(count) + ")"
+                     : std::to_string(count);
+}
+
+// "(1 channel)", "(3 channels)", or the damage.
+std::string Counted(int count, const char* one, const char* many) {
+    std::string text(1, '(');
+    if (count < 0) {
+        text += CountText(count);
+    } else {
+        text += std::to_string(count);
+        text += ' ';
+        text += count == 1 ? one : many;
+    }
+    text += ')';
+    return text;
+}
+
 template <typename T> const T* Entry(const std::vector<T>& v, int i, int count) {
     if (i < 0 || i >= count || static_cast<size_t>(i) >= v.size()) {
         return nullptr;
@@ -53,14 +74,14 @@ template <typename T> const T* Entry(const std::vector<T>& v, int i, int count) 
 void ShowDisplayLists(const Configuration& doc, std::ostream& out) {
     for (SubType s : kAllSubTypes) {
         const int count = doc.store.listCount(s);
-        out << SubTypeName(s) << " display lists: " << count << "\n";
+        out << SubTypeName(s) << " display lists: " << CountText(count) << "\n";
         for (int i = 0; i < count; ++i) {
             const DisplayList* list = Entry(doc.store.lists(s), i, count);
             if (list == nullptr) {
                 break;
             }
-            out << "  [" << i << "] " << Quoted(list->name) << " (" << list->channelCount
-                << (list->channelCount == 1 ? " channel)\n" : " channels)\n");
+            out << "  [" << i << "] " << Quoted(list->name) << " "
+                << Counted(list->channelCount, "channel", "channels") << "\n";
             for (int k = 0; k < list->channelCount; ++k) {
                 const int16_t* channel = Entry(list->channels, k, list->channelCount);
                 if (channel != nullptr) {
@@ -73,7 +94,7 @@ void ShowDisplayLists(const Configuration& doc, std::ostream& out) {
 
 void ShowUserGroups(const Configuration& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
-    out << "User groups: " << store.groups.userGroupCount << "\n";
+    out << "User groups: " << CountText(store.groups.userGroupCount) << "\n";
     for (int i = 0; i < store.groups.userGroupCount; ++i) {
         const UserGroup* group = Entry(store.groups.userGroups, i, store.groups.userGroupCount);
         const std::string* name =
@@ -81,8 +102,8 @@ void ShowUserGroups(const Configuration& doc, std::ostream& out) {
         if (group == nullptr || name == nullptr) {
             break;
         }
-        out << "  [" << i << "] " << Quoted(*name) << " (" << group->listCount
-            << (group->listCount == 1 ? " list)\n" : " lists)\n");
+        out << "  [" << i << "] " << Quoted(*name) << " "
+            << Counted(group->listCount, "list", "lists") << "\n";
         for (int k = 0; k < group->listCount; ++k) {
             const int16_t* type = Entry(group->listTypes, k, group->listCount);
             const int16_t* index = Entry(group->listIndexes, k, group->listCount);
@@ -103,7 +124,7 @@ void ShowUserGroups(const Configuration& doc, std::ostream& out) {
 
 void ShowTemplates(const Configuration& doc, std::ostream& out) {
     const PanelStore& store = doc.store;
-    out << "Button templates: " << store.templates.templateCount << "\n";
+    out << "Button templates: " << CountText(store.templates.templateCount) << "\n";
     for (int i = 0; i < store.templates.templateCount; ++i) {
         const ButtonTemplate* tmpl =
             Entry(store.templates.buttonTemplates, i, store.templates.templateCount);
@@ -112,8 +133,8 @@ void ShowTemplates(const Configuration& doc, std::ostream& out) {
         if (tmpl == nullptr || name == nullptr) {
             break;
         }
-        out << "  [" << i << "] " << Quoted(*name) << " Template # " << tmpl->number << " ("
-            << tmpl->buttonCount << (tmpl->buttonCount == 1 ? " button)\n" : " buttons)\n");
+        out << "  [" << i << "] " << Quoted(*name) << " Template # " << tmpl->number << " "
+            << Counted(tmpl->buttonCount, "button", "buttons") << "\n";
         for (int k = 0; k < tmpl->buttonCount; ++k) {
             const PanelButton* b = Entry(tmpl->buttons, k, tmpl->buttonCount);
             if (b == nullptr) {
