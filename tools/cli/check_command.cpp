@@ -1,7 +1,7 @@
 #include <iostream>
 
-#include "files/json_schema.h"
 #include "model/cp1252.h"
+#include "files/json_schema.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
