@@ -133,9 +133,10 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         LabelSheetKey& key = page.keys[static_cast<size_t>(b)];
         const ButtonFunction& function = ButtonFunctionOf(button.type);
         key.function = std::string(function.shortLabel);
+        // The custom label as the upload sends it: at most 8 characters.
         key.face =
             (button.captionOption & 1)
-                ? button.label
+                ? AsSent(button.label, kLabelWidth)
                 : SystemButtonLabel(store, button.type, button.channel).substr(0, kLabelWidth);
         if (button.channel == kNoChannel || !function.channelSubType) {
             key.channel = "None";

@@ -40,7 +40,8 @@ Status DuplicateButtonTemplate(PanelStore& store, int from, int to);
 
 // The label sheet of one template: what the panel's designation strip shows.
 struct LabelSheetKey {
-    std::string face;     // the button's face text (custom label or system label)
+    std::string face;     // the face text the panel shows: the custom label as sent
+                          // or the system label, either at most 8 characters
     std::string function; // the function's short label ("SrcSel")
     std::string channel;  // the channel's name, or "None" without a channel
     std::string number;   // the channel's 1-based number as four digits, or ""

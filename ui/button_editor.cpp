@@ -623,7 +623,8 @@ void ButtonEditor::ExportLabelSheet() {
     const QString path = FileDialog::GetFileName(this, request);
     if (path.isEmpty())
         return;
-    const Status written = WriteLabelSheet(path.toStdString(), m_store);
+    const Status written =
+        WriteLabelSheet(path.toStdString(), m_store, AllTemplatePositions(m_store));
     if (!written && m_reporter)
         m_reporter("Error Exporting Label Sheet", "File Error", written.failure());
 }

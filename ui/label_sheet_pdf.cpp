@@ -6,6 +6,9 @@
 #include <QPainter>
 #include <QPdfWriter>
 
+#include <algorithm>
+#include <numeric>
+
 #include "files/file_io.h"
 #include "model/button_templates.h"
 #include "model/limits.h"
@@ -22,6 +25,21 @@ double Mm(double millimetres) {
     return millimetres * kResolution / 25.4;
 }
 
+// `font`, or a copy set smaller until `value` fits `width` on `device`: the
+// sheet prints every text whole, as the panel shows it.
+QFont FittedFont(const QFont& font, const QString& value, double width, QPaintDevice* device) {
+    constexpr double kSmallest = 1.0; // points; no text of a key gets near it
+    QFont fitted = font;
+    double shown = QFontMetricsF(fitted, device).horizontalAdvance(value);
+    while (shown > width && fitted.pointSizeF() > kSmallest) {
+        // The advance does not scale exactly with the size (hinting), so
+        // measure again after each step.
+        fitted.setPointSizeF(std::max(kSmallest, fitted.pointSizeF() * width / shown * 0.98));
+        shown = QFontMetricsF(fitted, device).horizontalAdvance(value);
+    }
+    return fitted;
+}
+
 // One key: its position number, then the face text the operator reads on the
 // panel, the function, and the channel it switches.
 void DrawKey(QPainter& painter, const QRectF& box, int number, const LabelSheetKey& key,
@@ -35,13 +53,11 @@ void DrawKey(QPainter& painter, const QRectF& box, int number, const LabelSheetK
     };
     const auto text = [&](const QRectF& rect, const QFont& font, const QString& value,
                           Qt::Alignment align) {
-        painter.setFont(font);
         // Names come blank-padded to their table's width; centred with the
         // padding they would sit left of the key's middle.
-        const QString shown =
-            QFontMetrics(font, painter.device())
-                .elidedText(value.trimmed(), Qt::ElideRight, static_cast<int>(rect.width()));
-        painter.drawText(rect, align | Qt::AlignVCenter, shown);
+        const QString shown = value.trimmed();
+        painter.setFont(FittedFont(font, shown, rect.width(), painter.device()));
+        painter.drawText(rect, align | Qt::AlignVCenter | Qt::TextDontClip, shown);
     };
     painter.setPen(Qt::darkGray);
     text(row(0, 1), small, QString::number(number), Qt::AlignLeft);
@@ -113,7 +129,13 @@ void DrawPage(QPainter& painter, const QRectF& page, const LabelSheetPage& sheet
 
 } // namespace
 
-QByteArray RenderLabelSheet(const PanelStore& store) {
+std::vector<int> AllTemplatePositions(const PanelStore& store) {
+    std::vector<int> positions(static_cast<size_t>(ValidCount(store.templates.templateCount)));
+    std::iota(positions.begin(), positions.end(), 0);
+    return positions;
+}
+
+QByteArray RenderLabelSheet(const PanelStore& store, const std::vector<int>& templates) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
@@ -127,18 +149,20 @@ QByteArray RenderLabelSheet(const PanelStore& store) {
     QPainter painter(&writer);
     const SheetFonts fonts = MakeSheetFonts();
     const QRectF page = writer.pageLayout().paintRectPixels(kResolution);
-    const int count = ValidCount(store.templates.templateCount);
-    for (int t = 0; t < count; ++t) {
-        if (t > 0)
+    const int count = static_cast<int>(templates.size());
+    for (int i = 0; i < count; ++i) {
+        if (i > 0)
             writer.newPage();
-        DrawPage(painter, page, LabelSheetPageFor(store, t), t + 1, count, fonts);
+        DrawPage(painter, page, LabelSheetPageFor(store, templates[static_cast<size_t>(i)]), i + 1,
+                 count, fonts);
     }
     painter.end();
     return bytes;
 }
 
-Status WriteLabelSheet(const std::string& path, const PanelStore& store) {
-    const QByteArray bytes = RenderLabelSheet(store);
+Status WriteLabelSheet(const std::string& path, const PanelStore& store,
+                       const std::vector<int>& templates) {
+    const QByteArray bytes = RenderLabelSheet(store, templates);
     if (bytes.isEmpty())
         return Status::Fail(ErrorCode::DeviceIoError, "the label sheet could not be drawn");
     return ReplaceFileContents(path, std::string_view(bytes.constData(), bytes.size()));

@@ -54,6 +54,14 @@ for p in lumeth-admin lumeth-cli lumeth-sim; do
   [ "$out" = "$p $version" ] || fail "$p --version printed \"$out\", not \"$p $version\""
 done
 
+# lumeth-cli labels draws its PDF without a display, on the "offscreen"
+# platform of the installed Qt runtime.
+labels_status=0
+env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$root/pkg/usr/bin/lumeth-cli" labels \
+  "$build/demo/demo-panel.dat" -o "$root/labels.pdf" >/dev/null 2>&1 || labels_status=$?
+[ "$labels_status" -eq 0 ] || fail "lumeth-cli labels from the package exited with $labels_status"
+[ "$(head -c 4 "$root/labels.pdf" 2>/dev/null)" = "%PDF" ] || fail "lumeth-cli labels wrote no PDF"
+
 entry="$root/pkg/usr/share/applications/lumeth-admin.desktop"
 grep -qx 'Exec=lumeth-admin' "$entry" || fail "the launcher entry does not start lumeth-admin"
 grep -qx 'Icon=lumeth-admin' "$entry" || fail "the launcher entry does not name the icon"

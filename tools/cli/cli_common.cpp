@@ -1,5 +1,6 @@
 #include "tools/cli/cli_common.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace lumeth::cli {
@@ -54,10 +55,41 @@ int WriteConfigurationFile(const Configuration& config, ConfigurationForm form,
         path, [&](const ByteSink& sink) { return EncodeConfiguration(config, form, sink); },
         secret ? NewFileAccess::Owner : NewFileAccess::Shared);
     if (!status) {
-        return Error(ExitCode::WriteFailed,
-                     "cannot write " + path + ": " + status.failure().detail);
+        return WriteError(path, status);
     }
     return ToInt(ExitCode::Ok);
+}
+
+int WriteError(const std::string& path, const Status& status) {
+    return Error(ExitCode::WriteFailed, "cannot write " + path + ": " + status.failure().detail);
+}
+
+Status ParseFileToOutput(const std::string& command, const std::vector<std::string>& args,
+                         const std::vector<std::string>& valued, FileToOutput& parsed) {
+    const auto usage = [](const std::string& message) {
+        return Status::Fail(ErrorCode::InvalidProcedureCall, message);
+    };
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        const bool isValued = std::find(valued.begin(), valued.end(), arg) != valued.end();
+        if (arg == "-o" || isValued) {
+            const bool repeated = arg == "-o" ? !parsed.out.empty() : parsed.options.count(arg) > 0;
+            if (i + 1 >= args.size() || repeated) {
+                return usage(command + " takes one " + arg + (arg == "-o" ? " OUT" : " value"));
+            }
+            (arg == "-o" ? parsed.out : parsed.options[arg]) = args[++i];
+        } else if (!arg.empty() && arg[0] == '-') {
+            return usage("unknown option " + arg);
+        } else if (parsed.in.empty()) {
+            parsed.in = arg;
+        } else {
+            return usage(command + " takes one FILE");
+        }
+    }
+    if (parsed.in.empty() || parsed.out.empty()) {
+        return usage(command + " needs FILE and -o OUT");
+    }
+    return Status::Ok();
 }
 
 int DisplayListTotal(const PanelStore& store) {

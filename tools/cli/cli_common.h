@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,21 @@ int Error(ExitCode code, const std::string& line);
 // One line on stderr naming the input `source` and what is wrong with it;
 // returns ExitCode::BadInput.
 int InputError(const std::string& source, const Status& status);
+
+// "cannot write <path>: <why>" on stderr; returns ExitCode::WriteFailed.
+int WriteError(const std::string& path, const Status& status);
+
+// The arguments of a command that turns one FILE into one output file:
+// FILE, -o OUT and the options named in `valued`, each with one value.
+struct FileToOutput {
+    std::string in;
+    std::string out;
+    std::map<std::string, std::string> options; // the `valued` options given
+};
+// Fails (the detail is the usage message) on an unknown option, a repeated
+// one, a second FILE, or a missing FILE or -o OUT.
+Status ParseFileToOutput(const std::string& command, const std::vector<std::string>& args,
+                         const std::vector<std::string>& valued, FileToOutput& parsed);
 
 // Check `config`, then replace `path` with it atomically (a new file holding
 // the password is readable by its owner only). Prints one line on failure and

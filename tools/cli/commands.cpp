@@ -26,6 +26,10 @@ const std::vector<Command>& Commands() {
          &RunDiff},
         {"check", "FILE", "list FILE's problems; exit 0 none, 1 warnings only, 2 errors",
          &RunCheck},
+        {"labels", "FILE -o OUT [--templates LIST]",
+         "print FILE's button templates as a label sheet PDF (LIST: the template\n"
+         "                          numbers, e.g. 1,3-5; default all)",
+         &RunLabels},
     };
     return kCommands;
 }

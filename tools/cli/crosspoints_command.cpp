@@ -9,25 +9,12 @@ namespace lumeth::cli {
 // display lists as CSV, the same file the list editor's export writes. OUT is
 // replaced atomically and only when the whole map could be built.
 int RunCrosspoints(const std::vector<std::string>& args) {
-    std::string in;
-    std::string out;
-    for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "-o") {
-            if (i + 1 >= args.size() || !out.empty()) {
-                return UsageError("crosspoints takes one -o OUT");
-            }
-            out = args[++i];
-        } else if (!args[i].empty() && args[i][0] == '-') {
-            return UsageError("unknown option " + args[i]);
-        } else if (in.empty()) {
-            in = args[i];
-        } else {
-            return UsageError("crosspoints takes one FILE");
-        }
+    FileToOutput parsed;
+    if (const Status ok = ParseFileToOutput("crosspoints", args, {}, parsed); !ok) {
+        return UsageError(ok.failure().detail);
     }
-    if (in.empty() || out.empty()) {
-        return UsageError("crosspoints needs FILE and -o OUT");
-    }
+    const std::string& in = parsed.in;
+    const std::string& out = parsed.out;
 
     const Configuration config = ReadConfiguration(in);
     if (!config.status) {
@@ -39,8 +26,7 @@ int RunCrosspoints(const std::vector<std::string>& args) {
     }
     const Status written = ReplaceFileContents(out, csv);
     if (!written) {
-        return Error(ExitCode::WriteFailed,
-                     "cannot write " + out + ": " + written.failure().detail);
+        return WriteError(out, written);
     }
     return ToInt(ExitCode::Ok);
 }
