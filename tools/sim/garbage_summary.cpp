@@ -3,10 +3,9 @@
 namespace lumeth::sim {
 
 std::optional<std::string> GarbageSummary::Add(int64_t nowMs, std::string line, size_t bytes) {
-    if (m_windowStart && nowMs - *m_windowStart >= kWindowMs && m_lines == 0) {
-        m_windowStart.reset(); // a whole second without bad input: quiet again
-    }
-    if (!m_windowStart) {
+    const bool quiet = !m_lastBad || (nowMs - *m_lastBad >= kWindowMs && m_lines == 0);
+    m_lastBad = nowMs;
+    if (quiet) { // the first after a second without bad input
         m_windowStart = nowMs;
         return line;
     }

@@ -28,6 +28,7 @@ public:
 
 private:
     std::optional<int64_t> m_windowStart; // the second being counted
+    std::optional<int64_t> m_lastBad;     // the latest bad input
     size_t m_lines = 0;                   // lines left out in it
     size_t m_bytes = 0;                   // garbage bytes in it
 };
