@@ -28,7 +28,8 @@ std::vector<Written> Replay(const std::vector<int64_t>& times, size_t bytes, int
     for (int64_t t = 0; t < closeAt; ++t) {
         keep(t, summary.Flush(t));
         for (; next < times.size() && times[next] == t; ++next) {
-            keep(t, summary.Add(t, "Invalid Data " + std::to_string(bytes) + " bytes", bytes));
+            keep(t, summary.Add(t, "Invalid Data", "Invalid Data " + std::to_string(bytes) + " bytes",
+                                bytes));
         }
     }
     keep(closeAt, summary.Flush(closeAt, true));
@@ -45,7 +46,7 @@ std::vector<int64_t> Every(int64_t step, int64_t until) {
 
 // The garbage bytes the summaries account for.
 size_t SummarisedBytes(const std::vector<Written>& lines) {
-    static const std::regex kSummary(R"((\d+) garbage bytes in \d+ s \((\d+) log lines left out\))");
+    static const std::regex kSummary(R"((\d+) garbage bytes in \d+ s \((\d+) log lines left out: \2 Invalid Data\))");
     size_t total = 0;
     for (const Written& w : lines) {
         std::smatch m;
@@ -91,16 +92,21 @@ TEST(GarbageSummary, AStreamCostsAboutALineASecondAndEveryByteIsCounted) {
 
 TEST(GarbageSummary, TheSummaryWaitsForItsSecondUnlessTheConnectionCloses) {
     GarbageSummary summary;
-    EXPECT_EQ(summary.Add(0, "Incomplete Message 90 (1 bytes dropped)", 1),
+    EXPECT_EQ(summary.Add(0, "Incomplete Message 90", "Incomplete Message 90 (1 bytes dropped)", 1),
               "Incomplete Message 90 (1 bytes dropped)");
-    EXPECT_FALSE(summary.Add(100, "x", 50));
-    EXPECT_FALSE(summary.Add(200, "y", 30));
+    EXPECT_FALSE(summary.Add(100, "Invalid Data", "x", 50));
+    EXPECT_FALSE(summary.Add(150, "upload DF rejected", "y", 30));
+    EXPECT_FALSE(summary.Add(200, "Invalid Data", "z", 7));
     EXPECT_TRUE(summary.pending());
     EXPECT_FALSE(summary.Flush(999));
-    EXPECT_EQ(summary.Flush(1000), "80 garbage bytes in 1 s (2 log lines left out)");
+    EXPECT_EQ(summary.Flush(1000), "87 garbage bytes in 1 s (3 log lines left out: 2 Invalid "
+                                   "Data, 1 upload DF rejected)");
     EXPECT_FALSE(summary.pending());
-    EXPECT_FALSE(summary.Add(1100, "z", 5)); // 900 ms after the last: still one stream
-    EXPECT_EQ(summary.Flush(1300, true), "5 garbage bytes in 1 s (1 log lines left out)");
-    EXPECT_EQ(summary.Add(2300, "again", 5), "again"); // a second without any
+    for (int kind = 0; kind < 6; ++kind) { // 900 ms after the last: still one stream
+        EXPECT_FALSE(summary.Add(1100, "kind " + std::to_string(kind), "line", 1));
+    }
+    EXPECT_EQ(summary.Flush(1300, true), "6 garbage bytes in 1 s (6 log lines left out: 1 kind "
+                                         "0, 1 kind 1, 1 kind 2, 1 kind 3, 2 others)");
     EXPECT_FALSE(summary.Flush(9000, true));
+    EXPECT_EQ(summary.Add(10000, "again", "again", 5), "again"); // after a quiet second
 }

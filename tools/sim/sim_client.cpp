@@ -201,9 +201,9 @@ void SimClient::Log(std::string_view line) {
     }
 }
 
-void SimClient::BadInput(std::string_view line, size_t bytes) {
+void SimClient::BadInput(std::string_view kind, std::string_view line, size_t bytes) {
     FlushGarbageSummary(false);
-    if (auto written = m_garbage.Add(m_clock.elapsed(), std::string(line), bytes)) {
+    if (auto written = m_garbage.Add(m_clock.elapsed(), kind, std::string(line), bytes)) {
         Log(*written);
     }
     if (m_garbage.pending() && !m_summaryTimer.isActive()) {

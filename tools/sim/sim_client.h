@@ -71,7 +71,7 @@ private:
 
     // SimSessionObserver
     void Log(std::string_view line) override;
-    void BadInput(std::string_view line, size_t bytes) override;
+    void BadInput(std::string_view kind, std::string_view line, size_t bytes) override;
     void FrameIn(std::string_view frame) override;
 
     QTcpSocket* m_socket;

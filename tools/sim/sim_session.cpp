@@ -78,8 +78,8 @@ void SimSession::Log(const std::string& line) {
     m_observer.Log(line);
 }
 
-void SimSession::BadInput(const std::string& line, size_t bytes) {
-    m_observer.BadInput(line, bytes);
+void SimSession::BadInput(const std::string& kind, const std::string& detail, size_t bytes) {
+    m_observer.BadInput(kind, kind + detail, bytes);
 }
 
 void SimSession::Handle(const FrameEvent& event) {
@@ -90,18 +90,19 @@ void SimSession::Handle(const FrameEvent& event) {
         break;
     case FrameEvent::Kind::Garbage:
         m_stats.garbageBytes += event.dropped;
-        BadInput("Invalid Data " + std::to_string(event.dropped) + " bytes", event.dropped);
+        BadInput("Invalid Data", std::string(" ") + std::to_string(event.dropped) + " bytes",
+                 event.dropped);
         break;
     case FrameEvent::Kind::Cut:
         ++m_stats.cutFrames;
-        BadInput("Incomplete Message " + wire::HexByte(event.command) + " (" +
-                     std::to_string(event.dropped) + " bytes dropped)",
-                 event.dropped);
+        BadInput("Incomplete Message " + wire::HexByte(event.command),
+                 " (" + std::to_string(event.dropped) + " bytes dropped)", event.dropped);
         break;
     case FrameEvent::Kind::Overlong:
         ++m_stats.cutFrames;
-        BadInput("frame " + wire::HexByte(event.command) + " longer than " +
-                     std::to_string(event.dropped - 1) + " bytes without an end marker, dropped",
+        BadInput("frame " + wire::HexByte(event.command),
+                 " longer than " + std::to_string(event.dropped - 1) +
+                     " bytes without an end marker, dropped",
                  event.dropped);
         break;
     }
@@ -115,7 +116,7 @@ void SimSession::HandleFrame(const std::string& frame) {
             m_identified = true;
         } else {
             ++m_stats.badFrames;
-            BadInput("unexpected identity answer " + Hex(frame), frame.size());
+            BadInput("unexpected identity answer", std::string(" ") + Hex(frame), frame.size());
         }
         return;
     case Command::DataRequest:
@@ -140,16 +141,15 @@ void SimSession::HandleFrame(const std::string& frame) {
         break;
     }
     ++m_stats.badFrames;
-    BadInput("unknown command " + wire::HexByte(Byte(command)) + " dropped (" +
-                 std::to_string(frame.size()) + " bytes)",
-             frame.size());
+    BadInput("unknown command " + wire::HexByte(Byte(command)),
+             " dropped (" + std::to_string(frame.size()) + " bytes)", frame.size());
 }
 
 void SimSession::HandleRequest(const std::string& frame) {
     const std::optional<RequestMasks> masks = codec::ParseDataRequest(frame);
     if (!masks) {
         ++m_stats.badFrames;
-        BadInput("bad data request dropped: " + Hex(frame), frame.size());
+        BadInput("bad data request", " dropped: " + Hex(frame), frame.size());
         return;
     }
     ++m_stats.requests;
@@ -167,7 +167,8 @@ void SimSession::HandleUpload(const std::string& frame) {
     if (!decoded.complete) {
         ++m_stats.uploadsRejected;
         const std::string problems = Describe(decoded.problems);
-        BadInput(name + " rejected (" + std::to_string(frame.size()) + " bytes)" +
+        BadInput(name + " rejected",
+                 " (" + std::to_string(frame.size()) + " bytes)" +
                      (problems.empty() ? std::string() : ": " + problems),
                  frame.size());
         return;
