@@ -28,8 +28,8 @@ std::vector<Written> Replay(const std::vector<int64_t>& times, size_t bytes, int
     for (int64_t t = 0; t < closeAt; ++t) {
         keep(t, summary.Flush(t));
         for (; next < times.size() && times[next] == t; ++next) {
-            keep(t, summary.Add(t, "Invalid Data", "Invalid Data " + std::to_string(bytes) + " bytes",
-                                bytes));
+            keep(t, summary.Add(t, "Invalid Data",
+                                "Invalid Data " + std::to_string(bytes) + " bytes", bytes));
         }
     }
     keep(closeAt, summary.Flush(closeAt, true));
@@ -46,7 +46,8 @@ std::vector<int64_t> Every(int64_t step, int64_t until) {
 
 // The garbage bytes the summaries account for.
 size_t SummarisedBytes(const std::vector<Written>& lines) {
-    static const std::regex kSummary(R"((\d+) garbage bytes in \d+ s \((\d+) log lines left out: \2 Invalid Data\))");
+    static const std::regex kSummary(
+        R"((\d+) garbage bytes in \d+ s \((\d+) log lines left out: \2 Invalid Data\))");
     size_t total = 0;
     for (const Written& w : lines) {
         std::smatch m;

@@ -2,11 +2,10 @@
 // never crashes it or changes its state.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTemporaryDir>
 
-#include <iostream>
 #include <memory>
 
 #include "link/codec.h"
@@ -184,8 +183,6 @@ TEST(SimProcessTest, ClientsThatNeverReadAreCutOffAtTheTotalQueuedCap) {
     }
     sim.Drain(300);
     const long after = StatusKb(sim.pid(), "VmRSS");
-    const long peak = StatusKb(sim.pid(), "VmHWM");
-    std::cerr << "before " << before << " after " << after << " peak " << peak << "\n";
     EXPECT_TRUE(sim.WaitForLog("over the cap of " + QString::number(kCapBytes)))
         << sim.Log().right(1000).toStdString();
     EXPECT_LT(after - before, 3 * kCapBytes / 1024) << "kB over the start";

@@ -85,16 +85,26 @@ UserGroup LargeGroup(int g) {
     return group;
 }
 
+// The names ("GROUP 001", ...) and both number columns of a table's records,
+// each numbered by its place.
+void NumberRecords(const char* format, std::vector<std::string>& names, std::vector<int16_t>& index,
+                   std::vector<int16_t>& number) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        names[i] = Numbered(format, static_cast<int>(i) + 1);
+        index[i] = static_cast<int16_t>(i);
+        number[i] = static_cast<int16_t>(i);
+    }
+}
+
 void FillLargeGroups(PanelStore& store) {
     constexpr int kGroups = 200;
-    store.groups.userGroupCount = kGroups;
-    store.groups.Resize(kGroups);
+    UserGroupTable& groups = store.groups;
+    groups.userGroupCount = kGroups;
+    groups.Resize(kGroups);
+    NumberRecords("GROUP %03d", groups.userGroupNames, groups.userGroupIndex,
+                  groups.userGroupNumber);
     for (int g = 0; g < kGroups; ++g) {
-        const auto i = static_cast<size_t>(g);
-        store.groups.userGroupNames[i] = Numbered("GROUP %03d", g + 1);
-        store.groups.userGroupIndex[i] = static_cast<int16_t>(g);
-        store.groups.userGroupNumber[i] = static_cast<int16_t>(g);
-        store.groups.userGroups[i] = LargeGroup(g);
+        groups.userGroups[static_cast<size_t>(g)] = LargeGroup(g);
     }
 }
 
@@ -121,14 +131,13 @@ PanelButton LargeButton(int t, int b, int channelCount) {
 
 void FillLargeTemplates(PanelStore& store, int channelCount) {
     constexpr int kTemplates = 500;
-    store.templates.templateCount = kTemplates;
-    store.templates.Resize(kTemplates);
+    TemplateTable& templates = store.templates;
+    templates.templateCount = kTemplates;
+    templates.Resize(kTemplates);
+    NumberRecords("TEMPLATE %03d", templates.templateNames, templates.templateIndex,
+                  templates.templatePosition);
     for (int t = 0; t < kTemplates; ++t) {
-        const auto i = static_cast<size_t>(t);
-        store.templates.templateNames[i] = Numbered("TEMPLATE %03d", t + 1);
-        store.templates.templateIndex[i] = static_cast<int16_t>(t);
-        store.templates.templatePosition[i] = static_cast<int16_t>(t);
-        ButtonTemplate& tpl = store.templates.buttonTemplates[i];
+        ButtonTemplate& tpl = templates.buttonTemplates[static_cast<size_t>(t)];
         tpl.number = static_cast<int16_t>(t + 1);
         tpl.buttonCount = kTemplateButtons;
         tpl.buttons.clear();

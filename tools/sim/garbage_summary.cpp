@@ -35,9 +35,8 @@ std::optional<std::string> GarbageSummary::Flush(int64_t nowMs, bool force) {
         return std::nullopt;
     }
     const int64_t seconds = elapsed <= kWindowMs ? 1 : (elapsed + kWindowMs - 1) / kWindowMs;
-    std::string summary = std::to_string(m_bytes) + " garbage bytes in " +
-                          std::to_string(seconds) + " s (" + std::to_string(m_lines) +
-                          " log lines left out:";
+    std::string summary = std::to_string(m_bytes) + " garbage bytes in " + std::to_string(seconds) +
+                          " s (" + std::to_string(m_lines) + " log lines left out:";
     for (const auto& [kind, count] : m_kinds) {
         summary.append(" ").append(std::to_string(count)).append(" ").append(kind).append(",");
     }

@@ -36,10 +36,10 @@ public:
     bool pending() const { return m_lines > 0; }
 
 private:
-    std::optional<int64_t> m_windowStart; // the second being counted
-    std::optional<int64_t> m_lastBad;     // the latest bad input
-    size_t m_lines = 0;                   // lines left out in it
-    size_t m_bytes = 0;                   // garbage bytes in it
+    std::optional<int64_t> m_windowStart;                // the second being counted
+    std::optional<int64_t> m_lastBad;                    // the latest bad input
+    size_t m_lines = 0;                                  // lines left out in it
+    size_t m_bytes = 0;                                  // garbage bytes in it
     std::vector<std::pair<std::string, size_t>> m_kinds; // lines left out, by kind
     size_t m_otherLines = 0;                             // past kNamedKinds
 };

@@ -128,8 +128,8 @@ std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args,
                 return std::nullopt;
             }
             if (!ParseInt(v, number->min, number->max, n)) {
-                error = arg + " wants a whole number from " + std::to_string(number->min) +
-                        " to " + std::to_string(number->max) + ", not \"" + v + "\"";
+                error = arg + " wants a whole number from " + std::to_string(number->min) + " to " +
+                        std::to_string(number->max) + ", not \"" + v + "\"";
                 return std::nullopt;
             }
             number->set(options, n);

@@ -103,7 +103,7 @@ void SimServer::DropLongestIdle() {
     m_burstTimer.start(1000);
     SimClient* client = *idlest;
     std::erase(m_clients, client); // room now, even if closing takes a turn of the loop
-    client->CutOff({}); // the burst's lines say why
+    client->CutOff({});            // the burst's lines say why
 }
 
 void SimServer::LimitQueuedTotal() {
@@ -130,8 +130,8 @@ void SimServer::OnAcceptError(QAbstractSocket::SocketError error) {
     // QTcpServer stops accepting after an error such as running out of
     // descriptors; try again shortly instead of never serving anyone again.
     if (!m_resumeTimer.isActive()) {
-        Log("cannot accept a connection (" + m_server.errorString().toStdString() +
-            ", error " + std::to_string(static_cast<int>(error)) + "), trying again in 100 ms");
+        Log("cannot accept a connection (" + m_server.errorString().toStdString() + ", error " +
+            std::to_string(static_cast<int>(error)) + "), trying again in 100 ms");
         m_resumeTimer.start(100);
     }
 }
