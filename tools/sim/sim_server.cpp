@@ -65,6 +65,7 @@ void SimServer::Log(const std::string& line) const {
 
 void SimServer::OnNewConnection() {
     while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+        m_acceptFailing = false;
         if (static_cast<int>(m_clients.size()) >= m_maxClients) {
             DropLongestIdle();
         }
@@ -129,11 +130,12 @@ void SimServer::LimitQueuedTotal() {
 void SimServer::OnAcceptError(QAbstractSocket::SocketError error) {
     // QTcpServer stops accepting after an error such as running out of
     // descriptors; try again shortly instead of never serving anyone again.
-    if (!m_resumeTimer.isActive()) {
+    if (!m_acceptFailing) { // once until a connection is accepted again
         Log("cannot accept a connection (" + m_server.errorString().toStdString() + ", error " +
-            std::to_string(static_cast<int>(error)) + "), trying again in 100 ms");
-        m_resumeTimer.start(100);
+            std::to_string(static_cast<int>(error)) + "), trying again every 100 ms");
+        m_acceptFailing = true;
     }
+    m_resumeTimer.start(100);
 }
 
 } // namespace lumeth::sim

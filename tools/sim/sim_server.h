@@ -90,6 +90,7 @@ private:
     int m_droppedInBurst = 0;
     QTimer m_burstTimer;
     QTimer m_resumeTimer; // accepting again after accept() failed
+    bool m_acceptFailing = false;
 };
 
 } // namespace lumeth::sim
