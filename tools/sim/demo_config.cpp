@@ -1,5 +1,6 @@
 #include "tools/sim/demo_config.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "files/json_document.h"
@@ -85,10 +86,12 @@ UserGroup LargeGroup(int g) {
     return group;
 }
 
-// The names ("GROUP 001", ...) and both number columns of a table's records,
-// each numbered by its place.
-void NumberRecords(const char* format, std::vector<std::string>& names, std::vector<int16_t>& index,
-                   std::vector<int16_t>& number) {
+// Sizes `table` for `count` records and numbers them: the names from
+// `format` ("GROUP 001", ...), both number columns the record's place.
+template <typename Table>
+void NumberRecords(Table& table, int count, const char* format, std::vector<std::string>& names,
+                   std::vector<int16_t>& index, std::vector<int16_t>& number) {
+    table.Resize(count);
     for (size_t i = 0; i < names.size(); ++i) {
         names[i] = Numbered(format, static_cast<int>(i) + 1);
         index[i] = static_cast<int16_t>(i);
@@ -97,15 +100,12 @@ void NumberRecords(const char* format, std::vector<std::string>& names, std::vec
 }
 
 void FillLargeGroups(PanelStore& store) {
-    constexpr int kGroups = 200;
     UserGroupTable& groups = store.groups;
-    groups.userGroupCount = kGroups;
-    groups.Resize(kGroups);
-    NumberRecords("GROUP %03d", groups.userGroupNames, groups.userGroupIndex,
-                  groups.userGroupNumber);
-    for (int g = 0; g < kGroups; ++g) {
-        groups.userGroups[static_cast<size_t>(g)] = LargeGroup(g);
-    }
+    groups.userGroupCount = 200;
+    NumberRecords(groups, groups.userGroupCount, "GROUP %03d", groups.userGroupNames,
+                  groups.userGroupIndex, groups.userGroupNumber);
+    int g = 0;
+    std::ranges::generate(groups.userGroups, [&g] { return LargeGroup(g++); });
 }
 
 // Button b of template t: every button function of the catalogue in turn,
@@ -130,13 +130,11 @@ PanelButton LargeButton(int t, int b, int channelCount) {
 }
 
 void FillLargeTemplates(PanelStore& store, int channelCount) {
-    constexpr int kTemplates = 500;
     TemplateTable& templates = store.templates;
-    templates.templateCount = kTemplates;
-    templates.Resize(kTemplates);
-    NumberRecords("TEMPLATE %03d", templates.templateNames, templates.templateIndex,
-                  templates.templatePosition);
-    for (int t = 0; t < kTemplates; ++t) {
+    templates.templateCount = 500;
+    NumberRecords(templates, templates.templateCount, "TEMPLATE %03d", templates.templateNames,
+                  templates.templateIndex, templates.templatePosition);
+    for (int t = 0; t < templates.templateCount; ++t) {
         ButtonTemplate& tpl = templates.buttonTemplates[static_cast<size_t>(t)];
         tpl.number = static_cast<int16_t>(t + 1);
         tpl.buttonCount = kTemplateButtons;
