@@ -51,6 +51,83 @@ const NumberOption* FindNumberOption(const std::string& arg) {
     return nullptr;
 }
 
+bool IsProbabilityOption(const std::string& arg) {
+    return arg == "--fault-garbage" || arg == "--fault-checksum" || arg == "--fault-cut";
+}
+
+bool TakesValue(const std::string& arg) {
+    return arg == "--listen" || arg == "--state" || arg == "--demo" || FindNumberOption(arg) ||
+           IsProbabilityOption(arg);
+}
+
+// An option without a value; false when `arg` is none.
+bool ParseFlag(const std::string& arg, SimOptions& options) {
+    if (arg == "--help" || arg == "-h") {
+        options.help = true;
+    } else if (arg == "--version") {
+        options.version = true;
+    } else if (arg == "--trace") {
+        options.trace = true;
+    } else if (arg == "--fault-split") {
+        options.faults.split = true;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool ParseListen(const std::string& v, SimOptions& options, std::string& error) {
+    const auto colon = v.rfind(':');
+    long port = 0;
+    if (colon == std::string::npos || colon == 0 ||
+        !ParseInt(v.substr(colon + 1), 0, 65535, port)) {
+        error = "--listen wants HOST:PORT with a port from 0 to 65535, not \"" + v + "\"";
+        return false;
+    }
+    options.host = v.substr(0, colon);
+    if (options.host.size() > 2 && options.host.front() == '[' && options.host.back() == ']') {
+        options.host = options.host.substr(1, options.host.size() - 2);
+    }
+    options.port = static_cast<int>(port);
+    return true;
+}
+
+// `arg` (one TakesValue accepts) with its value `v`; false with `error` set
+// when `v` does not suit it.
+bool ParseValue(const std::string& arg, const std::string& v, SimOptions& options,
+                std::string& error) {
+    if (arg == "--listen") {
+        return ParseListen(v, options, error);
+    }
+    if (arg == "--state") {
+        options.stateFile = v;
+    } else if (arg == "--demo") {
+        if (v != "demo" && v != "large" && v != "max") {
+            error = "--demo wants demo, large or max, not \"" + v + "\"";
+            return false;
+        }
+        options.demo = v;
+    } else if (const NumberOption* number = FindNumberOption(arg)) {
+        long n = 0;
+        if (!ParseInt(v, number->min, number->max, n)) {
+            error = arg + " wants a whole number from " + std::to_string(number->min) + " to " +
+                    std::to_string(number->max) + ", not \"" + v + "\"";
+            return false;
+        }
+        number->set(options, n);
+    } else {
+        double p = 0;
+        if (!ParseProbability(v, p)) {
+            error = arg + " wants a probability from 0 to 1, not \"" + v + "\"";
+            return false;
+        }
+        (arg == "--fault-garbage"    ? options.faults.garbage
+         : arg == "--fault-checksum" ? options.faults.checksum
+                                     : options.faults.cut) = p;
+    }
+    return true;
+}
+
 } // namespace
 
 const char* SimUsage() {
@@ -75,78 +152,18 @@ std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args,
     SimOptions options;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
-        auto value = [&](std::string& out) {
-            if (i + 1 >= args.size()) {
-                error = arg + " needs a value";
-                return false;
-            }
-            out = args[++i];
-            return true;
-        };
-        std::string v;
-        long n = 0;
-        if (arg == "--help" || arg == "-h") {
-            options.help = true;
-        } else if (arg == "--version") {
-            options.version = true;
-        } else if (arg == "--trace") {
-            options.trace = true;
-        } else if (arg == "--fault-split") {
-            options.faults.split = true;
-        } else if (arg == "--listen") {
-            if (!value(v)) {
-                return std::nullopt;
-            }
-            const auto colon = v.rfind(':');
-            if (colon == std::string::npos || colon == 0 ||
-                !ParseInt(v.substr(colon + 1), 0, 65535, n)) {
-                error = "--listen wants HOST:PORT with a port from 0 to 65535, not \"" + v + "\"";
-                return std::nullopt;
-            }
-            options.host = v.substr(0, colon);
-            if (options.host.size() > 2 && options.host.front() == '[' &&
-                options.host.back() == ']') {
-                options.host = options.host.substr(1, options.host.size() - 2);
-            }
-            options.port = static_cast<int>(n);
-        } else if (arg == "--state") {
-            if (!value(v)) {
-                return std::nullopt;
-            }
-            options.stateFile = v;
-        } else if (arg == "--demo") {
-            if (!value(v)) {
-                return std::nullopt;
-            }
-            if (v != "demo" && v != "large" && v != "max") {
-                error = "--demo wants demo, large or max, not \"" + v + "\"";
-                return std::nullopt;
-            }
-            options.demo = v;
-        } else if (const NumberOption* number = FindNumberOption(arg)) {
-            if (!value(v)) {
-                return std::nullopt;
-            }
-            if (!ParseInt(v, number->min, number->max, n)) {
-                error = arg + " wants a whole number from " + std::to_string(number->min) + " to " +
-                        std::to_string(number->max) + ", not \"" + v + "\"";
-                return std::nullopt;
-            }
-            number->set(options, n);
-        } else if (arg == "--fault-garbage" || arg == "--fault-checksum" || arg == "--fault-cut") {
-            if (!value(v)) {
-                return std::nullopt;
-            }
-            double p = 0;
-            if (!ParseProbability(v, p)) {
-                error = arg + " wants a probability from 0 to 1, not \"" + v + "\"";
-                return std::nullopt;
-            }
-            (arg == "--fault-garbage"    ? options.faults.garbage
-             : arg == "--fault-checksum" ? options.faults.checksum
-                                         : options.faults.cut) = p;
-        } else {
+        if (ParseFlag(arg, options)) {
+            continue;
+        }
+        if (!TakesValue(arg)) {
             error = "unknown argument \"" + arg + "\"";
+            return std::nullopt;
+        }
+        if (i + 1 >= args.size()) {
+            error = arg + " needs a value";
+            return std::nullopt;
+        }
+        if (!ParseValue(arg, args[++i], options, error)) {
             return std::nullopt;
         }
     }
