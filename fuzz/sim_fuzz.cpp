@@ -15,6 +15,7 @@ namespace {
 class QuietObserver : public lumeth::sim::SimSessionObserver {
 public:
     void Log(std::string_view) override {}
+    void BadInput(std::string_view, std::string_view, size_t) override {}
     void FrameIn(std::string_view) override {}
 };
 

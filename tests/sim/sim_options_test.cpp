@@ -23,6 +23,7 @@ TEST(SimOptions, RejectsBadValuesWithOneLine) {
         {"--fault-garbage", "1.5"}, {"--fault-cut", "x"},
         {"--poll-interval", "-1"},  {"--fault-drop"},
         {"--alpha-width", "200"},   {"--bogus"},
+        {"--max-clients", "0"},     {"--max-queued-total", "1023"},
     };
     for (const auto& args : bad) {
         std::string error;
@@ -30,4 +31,12 @@ TEST(SimOptions, RejectsBadValuesWithOneLine) {
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(error.find('\n'), std::string::npos);
     }
+}
+
+TEST(SimOptions, ResourceCapsAreTakenAsGiven) {
+    std::string error;
+    const auto o = ParseSimOptions({"--max-clients", "8", "--max-queued-total", "4194304"}, error);
+    ASSERT_TRUE(o) << error;
+    EXPECT_EQ(o->maxClients, 8);
+    EXPECT_EQ(o->maxQueuedTotal, 4194304);
 }

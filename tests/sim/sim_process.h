@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QTcpSocket>
 
+#include <sys/resource.h>
+
 #include <string>
 #include <vector>
 
@@ -56,6 +58,14 @@ public:
             }
         }
         return false;
+    }
+
+    // Start the emulator with at most `count` open descriptors.
+    void LimitDescriptors(rlim_t count) {
+        m_process.setChildProcessModifier([count] {
+            const rlimit limit{count, count};
+            setrlimit(RLIMIT_NOFILE, &limit);
+        });
     }
 
     bool Running() { return m_process.state() == QProcess::Running; }

@@ -1,8 +1,10 @@
 #include "tools/sim/demo_config.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "files/json_document.h"
+#include "model/limits.h"
 
 namespace lumeth::sim {
 
@@ -45,15 +47,16 @@ std::vector<std::string> MaxAlphaNames(SubType s) {
     return names;
 }
 
-void FillLargePanelData(PanelStore& store, int channelCount) {
+constexpr int kLargeLists = 500;
+
+void FillLargeLists(PanelStore& store, int channelCount) {
     static const char* const kListNames[4] = {"IN LIST %03d", "OUT LIST %03d", "OPTO LIST %03d",
                                               "RELAY LIST %03d"};
-    constexpr int kLists = 500;
     constexpr int kListLength = 64;
     for (SubType s : kAllSubTypes) {
         auto& lists = store.lists(s);
-        lists.assign(kLists, DisplayList{});
-        for (int l = 0; l < kLists; ++l) {
+        lists.assign(kLargeLists, DisplayList{});
+        for (int l = 0; l < kLargeLists; ++l) {
             DisplayList& list = lists[static_cast<size_t>(l)];
             list.name = Numbered(kListNames[static_cast<int>(s)], l + 1);
             list.channelCount = kListLength;
@@ -63,62 +66,89 @@ void FillLargePanelData(PanelStore& store, int channelCount) {
                     static_cast<int16_t>((l * 37 + k * 13) % channelCount);
             }
         }
-        store.listCount(s) = kLists;
+        store.listCount(s) = kLargeLists;
     }
+}
 
-    constexpr int kGroups = 200;
+// Group g: 40 lists of every sub type in turn.
+UserGroup LargeGroup(int g) {
     constexpr int kGroupLists = 40;
-    store.groups.userGroupCount = kGroups;
-    store.groups.Resize(kGroups);
-    for (int g = 0; g < kGroups; ++g) {
-        const auto i = static_cast<size_t>(g);
-        store.groups.userGroupNames[i] = Numbered("GROUP %03d", g + 1);
-        store.groups.userGroupIndex[i] = static_cast<int16_t>(g);
-        store.groups.userGroupNumber[i] = static_cast<int16_t>(g);
-        UserGroup& group = store.groups.userGroups[i];
-        group.listCount = kGroupLists;
-        group.listIndexes.resize(kGroupLists);
-        group.listTypes.resize(kGroupLists);
-        for (int k = 0; k < kGroupLists; ++k) {
-            group.listIndexes[static_cast<size_t>(k)] =
-                static_cast<int16_t>((g * 7 + k * 3) % kLists);
-            group.listTypes[static_cast<size_t>(k)] =
-                ListTypeCode(kAllSubTypes[static_cast<size_t>(k % 4)]);
-        }
+    UserGroup group;
+    group.listCount = kGroupLists;
+    group.listIndexes.resize(kGroupLists);
+    group.listTypes.resize(kGroupLists);
+    for (int k = 0; k < kGroupLists; ++k) {
+        group.listIndexes[static_cast<size_t>(k)] =
+            static_cast<int16_t>((g * 7 + k * 3) % kLargeLists);
+        group.listTypes[static_cast<size_t>(k)] =
+            ListTypeCode(kAllSubTypes[static_cast<size_t>(k % 4)]);
     }
+    return group;
+}
 
-    // Every button function of the catalogue, in turn.
+// Sizes `table` for `count` records and numbers them: the names from
+// `format` ("GROUP 001", ...), both number columns the record's place.
+template <typename Table>
+void NumberRecords(Table& table, int count, const char* format, std::vector<std::string>& names,
+                   std::vector<int16_t>& index, std::vector<int16_t>& number) {
+    table.Resize(count);
+    for (size_t i = 0; i < names.size(); ++i) {
+        names[i] = Numbered(format, static_cast<int>(i) + 1);
+        index[i] = static_cast<int16_t>(i);
+        number[i] = static_cast<int16_t>(i);
+    }
+}
+
+void FillLargeGroups(PanelStore& store) {
+    UserGroupTable& groups = store.groups;
+    groups.userGroupCount = 200;
+    NumberRecords(groups, groups.userGroupCount, "GROUP %03d", groups.userGroupNames,
+                  groups.userGroupIndex, groups.userGroupNumber);
+    int g = 0;
+    std::ranges::generate(groups.userGroups, [&g] { return LargeGroup(g++); });
+}
+
+// Button b of template t: every button function of the catalogue in turn,
+// with channels, second channels and labels on some.
+PanelButton LargeButton(int t, int b, int channelCount) {
     static const int16_t kTypes[] = {16383, 40,   150,  800,  810,  0,    1000, 1002,
                                      1010,  1012, 1100, 1102, 1105, 1107, 1110, 1112};
-    constexpr int kTemplates = 500;
-    constexpr int kButtons = 32;
-    store.templates.templateCount = kTemplates;
-    store.templates.Resize(kTemplates);
-    for (int t = 0; t < kTemplates; ++t) {
-        const auto i = static_cast<size_t>(t);
-        store.templates.templateNames[i] = Numbered("TEMPLATE %03d", t + 1);
-        store.templates.templateIndex[i] = static_cast<int16_t>(t);
-        store.templates.templatePosition[i] = static_cast<int16_t>(t);
-        ButtonTemplate& tpl = store.templates.buttonTemplates[i];
+    PanelButton button = PanelButton::Cleared();
+    button.type = kTypes[(t + b) % 16];
+    if (button.type == kNoChannel) {
+        return button;
+    }
+    button.channel = static_cast<int16_t>((t * 32 + b) % channelCount);
+    if ((b % 3) == 0) {
+        button.channel2 = static_cast<int16_t>((t + b * 5) % channelCount);
+    }
+    if ((b % 4) == 0) {
+        button.captionOption = 1;
+        button.label = Numbered("BTN %d", b + 1);
+    }
+    return button;
+}
+
+void FillLargeTemplates(PanelStore& store, int channelCount) {
+    TemplateTable& templates = store.templates;
+    templates.templateCount = 500;
+    NumberRecords(templates, templates.templateCount, "TEMPLATE %03d", templates.templateNames,
+                  templates.templateIndex, templates.templatePosition);
+    for (int t = 0; t < templates.templateCount; ++t) {
+        ButtonTemplate& tpl = templates.buttonTemplates[static_cast<size_t>(t)];
         tpl.number = static_cast<int16_t>(t + 1);
-        tpl.buttonCount = kButtons;
-        tpl.buttons.assign(kButtons, PanelButton::Cleared());
-        for (int b = 0; b < kButtons; ++b) {
-            PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
-            button.type = kTypes[(t + b) % 16];
-            if (button.type == kNoChannel) {
-                continue;
-            }
-            button.channel = static_cast<int16_t>((t * 32 + b) % channelCount);
-            if ((b % 3) == 0) {
-                button.channel2 = static_cast<int16_t>((t + b * 5) % channelCount);
-            }
-            if ((b % 4) == 0) {
-                button.captionOption = 1;
-                button.label = Numbered("BTN %d", b + 1);
-            }
+        tpl.buttonCount = kTemplateButtons;
+        tpl.buttons.clear();
+        for (int b = 0; b < kTemplateButtons; ++b) {
+            tpl.buttons.push_back(LargeButton(t, b, channelCount));
         }
     }
+}
+
+void FillLargePanelData(PanelStore& store, int channelCount) {
+    FillLargeLists(store, channelCount);
+    FillLargeGroups(store);
+    FillLargeTemplates(store, channelCount);
 }
 
 } // namespace

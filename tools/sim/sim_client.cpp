@@ -32,6 +32,16 @@ SimClient::SimClient(QTcpSocket* socket, SimState& state, SimServer& server, uin
 
     m_pumpTimer.setSingleShot(true);
     connect(&m_pumpTimer, &QTimer::timeout, this, &SimClient::Pump);
+    m_clock.start();
+    m_lastHeard.start();
+    m_summaryTimer.setSingleShot(true);
+    m_summaryTimer.setTimerType(Qt::PreciseTimer);
+    connect(&m_summaryTimer, &QTimer::timeout, this, [this] {
+        FlushGarbageSummary(false);
+        if (m_garbage.pending()) { // the timer fired a little early
+            m_summaryTimer.start(50);
+        }
+    });
 
     const int poll = server.options().pollIntervalMs;
     if (poll > 0) {
@@ -49,6 +59,7 @@ void SimClient::OnReadyRead() {
     if (m_closing) {
         return;
     }
+    m_lastHeard.restart();
     m_logBudget.AddTraffic(static_cast<size_t>(bytes.size()));
     // In slices, so a burst of requests is answered (and a client that does
     // not read is cut off) a few at a time rather than all queued at once.
@@ -76,6 +87,7 @@ void SimClient::OnDisconnected() {
     m_queue.clear();
     m_queuedBytes = 0;
     m_closing = true;
+    FlushGarbageSummary(true);
     if (m_logBudget.suppressed() > 0) {
         LogAlways(std::to_string(m_logBudget.suppressed()) +
                   " log lines left out (more log than traffic)");
@@ -114,21 +126,35 @@ void SimClient::Flush() {
     if (!m_pumpTimer.isActive()) {
         Pump();
     }
+    m_server.LimitQueuedTotal();
+}
+
+size_t SimClient::waiting() const {
+    return m_closing ? 0 : m_queuedBytes + static_cast<size_t>(m_socket->bytesToWrite());
 }
 
 bool SimClient::CutOffIfNotReading() {
-    const size_t waiting = m_queuedBytes + static_cast<size_t>(m_socket->bytesToWrite());
-    if (m_closing || waiting <= kMaxQueuedBytes) {
+    const size_t queued = waiting();
+    if (queued <= kMaxQueuedBytes) {
         return false;
     }
-    LogAlways("not reading: " + std::to_string(waiting) +
-              " bytes waiting to be sent, connection cut off");
+    CutOff("not reading: " + std::to_string(queued) +
+           " bytes waiting to be sent, connection cut off");
+    return true;
+}
+
+void SimClient::CutOff(const std::string& reason) {
+    if (m_closing) {
+        return;
+    }
+    if (!reason.empty()) {
+        LogAlways(reason);
+    }
     m_closing = true;
     m_pumpTimer.stop();
     m_queue.clear();
     m_queuedBytes = 0;
     m_socket->abort();
-    return true;
 }
 
 void SimClient::Write(const char* data, size_t size) {
@@ -172,6 +198,22 @@ void SimClient::Pump() {
 void SimClient::Log(std::string_view line) {
     for (const std::string& admitted : m_logBudget.Admit(std::string(line))) {
         m_server.Log("client " + std::to_string(m_number) + ": " + admitted);
+    }
+}
+
+void SimClient::BadInput(std::string_view kind, std::string_view line, size_t bytes) {
+    FlushGarbageSummary(false);
+    if (auto written = m_garbage.Add(m_clock.elapsed(), kind, std::string(line), bytes)) {
+        Log(*written);
+    }
+    if (m_garbage.pending() && !m_summaryTimer.isActive()) {
+        m_summaryTimer.start(static_cast<int>(GarbageSummary::kWindowMs));
+    }
+}
+
+void SimClient::FlushGarbageSummary(bool force) {
+    if (auto summary = m_garbage.Flush(m_clock.elapsed(), force)) {
+        Log(*summary);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTcpSocket>
 #include <QTimer>
@@ -9,6 +10,7 @@
 #include <string>
 
 #include "tools/sim/fault_injector.h"
+#include "tools/sim/garbage_summary.h"
 #include "tools/sim/log_budget.h"
 #include "tools/sim/sim_session.h"
 
@@ -25,6 +27,14 @@ public:
               QObject* parent = nullptr);
 
     const SimSession& session() const { return m_session; }
+    uint64_t number() const { return m_number; }
+    // Bytes waiting to be sent, in the queue and the socket's buffer.
+    size_t waiting() const;
+    // Milliseconds since the client last sent anything (or connected).
+    qint64 idleMs() const { return m_lastHeard.elapsed(); }
+    bool closing() const { return m_closing; }
+    // Close the connection at once, logging `reason` first (unless empty).
+    void CutOff(const std::string& reason);
 
 signals:
     void closed();
@@ -53,12 +63,15 @@ private:
     void Write(const char* data, size_t size);
     // Close a client that lets too much pile up; true when it did.
     bool CutOffIfNotReading();
+    // Write the garbage summary when its second is over (or `force`).
+    void FlushGarbageSummary(bool force);
     // A line outside the log budget: the trace (--trace asks for every
     // frame) and the once-per-connection lines about closing it.
     void LogAlways(const std::string& line);
 
     // SimSessionObserver
     void Log(std::string_view line) override;
+    void BadInput(std::string_view kind, std::string_view line, size_t bytes) override;
     void FrameIn(std::string_view frame) override;
 
     QTcpSocket* m_socket;
@@ -69,6 +82,10 @@ private:
     std::deque<Pending> m_queue;
     size_t m_queuedBytes = 0; // unsent bytes in m_queue
     LogBudget m_logBudget;
+    GarbageSummary m_garbage;
+    QElapsedTimer m_clock;     // since the connection opened, for the summary
+    QElapsedTimer m_lastHeard; // since the client last sent anything
+    QTimer m_summaryTimer;
     QTimer m_pumpTimer;
     QTimer m_pollTimer;
     bool m_closing = false;

@@ -18,6 +18,8 @@ struct SimOptions {
     bool trace = false;
     int alphaWidth = 0; // 0: the longest name of each table
     FaultOptions faults;
+    int maxClients = 0;           // 0: as many as the descriptor limit allows
+    long long maxQueuedTotal = 0; // 0: the server's default
     bool help = false;
     bool version = false;
 };

@@ -78,6 +78,10 @@ void SimSession::Log(const std::string& line) {
     m_observer.Log(line);
 }
 
+void SimSession::BadInput(const std::string& kind, const std::string& detail, size_t bytes) {
+    m_observer.BadInput(kind, kind + detail, bytes);
+}
+
 void SimSession::Handle(const FrameEvent& event) {
     switch (event.kind) {
     case FrameEvent::Kind::Frame:
@@ -86,17 +90,20 @@ void SimSession::Handle(const FrameEvent& event) {
         break;
     case FrameEvent::Kind::Garbage:
         m_stats.garbageBytes += event.dropped;
-        Log("Invalid Data " + std::to_string(event.dropped) + " bytes");
+        BadInput("Invalid Data", std::string(" ") + std::to_string(event.dropped) + " bytes",
+                 event.dropped);
         break;
     case FrameEvent::Kind::Cut:
         ++m_stats.cutFrames;
-        Log("Incomplete Message " + wire::HexByte(event.command) + " (" +
-            std::to_string(event.dropped) + " bytes dropped)");
+        BadInput("Incomplete Message " + wire::HexByte(event.command),
+                 " (" + std::to_string(event.dropped) + " bytes dropped)", event.dropped);
         break;
     case FrameEvent::Kind::Overlong:
         ++m_stats.cutFrames;
-        Log("frame " + wire::HexByte(event.command) + " longer than " +
-            std::to_string(event.dropped - 1) + " bytes without an end marker, dropped");
+        BadInput("frame " + wire::HexByte(event.command),
+                 " longer than " + std::to_string(event.dropped - 1) +
+                     " bytes without an end marker, dropped",
+                 event.dropped);
         break;
     }
 }
@@ -109,7 +116,7 @@ void SimSession::HandleFrame(const std::string& frame) {
             m_identified = true;
         } else {
             ++m_stats.badFrames;
-            Log("unexpected identity answer " + Hex(frame));
+            BadInput("unexpected identity answer", std::string(" ") + Hex(frame), frame.size());
         }
         return;
     case Command::DataRequest:
@@ -134,15 +141,15 @@ void SimSession::HandleFrame(const std::string& frame) {
         break;
     }
     ++m_stats.badFrames;
-    Log("unknown command " + wire::HexByte(Byte(command)) + " dropped (" +
-        std::to_string(frame.size()) + " bytes)");
+    BadInput("unknown command " + wire::HexByte(Byte(command)),
+             " dropped (" + std::to_string(frame.size()) + " bytes)", frame.size());
 }
 
 void SimSession::HandleRequest(const std::string& frame) {
     const std::optional<RequestMasks> masks = codec::ParseDataRequest(frame);
     if (!masks) {
         ++m_stats.badFrames;
-        Log("bad data request dropped: " + Hex(frame));
+        BadInput("bad data request", " dropped: " + Hex(frame), frame.size());
         return;
     }
     ++m_stats.requests;
@@ -160,8 +167,10 @@ void SimSession::HandleUpload(const std::string& frame) {
     if (!decoded.complete) {
         ++m_stats.uploadsRejected;
         const std::string problems = Describe(decoded.problems);
-        Log(name + " rejected (" + std::to_string(frame.size()) + " bytes)" +
-            (problems.empty() ? std::string() : ": " + problems));
+        BadInput(name + " rejected",
+                 " (" + std::to_string(frame.size()) + " bytes)" +
+                     (problems.empty() ? std::string() : ": " + problems),
+                 frame.size());
         return;
     }
     m_state.Replace(decoded.part, std::move(decoded.value));

@@ -16,6 +16,10 @@ public:
     virtual ~SimSessionObserver() = default;
     // One line for the emulator's log (no line end).
     virtual void Log(std::string_view line) = 0;
+    // One line about bad input from the client that dropped `bytes`; `kind`
+    // is the line without its figures (the server may summarise a stream of
+    // them by kind instead of writing each).
+    virtual void BadInput(std::string_view kind, std::string_view line, size_t bytes) = 0;
     // A complete frame received from the client (for --trace).
     virtual void FrameIn(std::string_view frame) = 0;
 };
@@ -73,6 +77,8 @@ private:
     void HandleUpload(const std::string& frame);
     void Queue(std::string bytes, bool answer);
     void Log(const std::string& line);
+    // `kind` + `detail` as one line (see SimSessionObserver::BadInput).
+    void BadInput(const std::string& kind, const std::string& detail, size_t bytes);
 
     SimState& m_state;
     SimSessionObserver& m_observer;
