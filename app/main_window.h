@@ -94,7 +94,15 @@ private:
     void BuildMenus();
     void BuildLayout();
     void BuildStatusBar();
+    void OnPartArriving(Part part);
     void OnPartReceived(Part part);
+    // A download replaced a part that held edits not yet applied: they are
+    // kept as an undo step (false: nothing was replaced).
+    bool KeepReplacedEdits(Part part);
+    void OnLinkLost();
+    // "Unapplied changes" when the store differs from what the server
+    // module holds.
+    void RefreshUnapplied();
     void OnLoginFinished();
     void RefreshProgress();
     void RefreshAfterPopup();
@@ -144,6 +152,14 @@ private:
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
     bool m_applying = false;
+    // The store as the download that is writing a part found it.
+    std::optional<PanelSnapshot> m_arrived;
+    // The last undo step is the current download's (at this depth): further
+    // parts it replaces join that step.
+    bool m_downloadStep = false;
+    size_t m_downloadDepth = 0;
+    // The link went down and has not come back.
+    bool m_linkLost = false;
     bool m_shutDown = false;
 };
 
