@@ -378,12 +378,9 @@ void MainWindow::OnPartArriving(Part part) {
 
 void MainWindow::OnPartReceived(Part part) {
     const bool upload = kUploadParts.has(part);
-    const bool replaced = upload && KeepReplacedEdits(part);
+    if (upload)
+        KeepReplacedEdits(part);
     m_mirror.Received(part, m_store, m_link.serverPassword);
-    // A download that replaced nothing of the operator's is no step of its
-    // own: later steps start from it.
-    if (upload && !replaced)
-        m_steps.Rebase(m_store, PartSet{part});
     const PartInfo& info = Info(part);
     switch (info.kind) {
     case PartKind::UserGroups:
@@ -404,20 +401,24 @@ void MainWindow::OnPartReceived(Part part) {
         m_listEditor->PartReplaced(part);
     if (m_buttonEditor)
         m_buttonEditor->PartReplaced(part);
+    // A download is no step of its own (beyond the edits it replaced), and
+    // neither is what an editor does to show it: later steps start from it.
+    if (upload)
+        m_steps.Rebase(m_store, PartSet{part});
     if (upload && !m_applying)
         RefreshUnapplied();
     RefreshProgress();
 }
 
-bool MainWindow::KeepReplacedEdits(Part part) {
+void MainWindow::KeepReplacedEdits(Part part) {
     const std::optional<PanelSnapshot> arrived = std::exchange(m_arrived, std::nullopt);
     if (!arrived)
-        return false;
+        return;
     const PartSet one{part};
     const bool edited = ChangedParts(*arrived, m_mirror.uploadParts()).has(part);
     const bool replaced = ChangedParts(*arrived, TakeSnapshot(m_store, &*arrived)).has(part);
     if (!edited || !replaced)
-        return false;
+        return;
     const UndoHistory& history = m_steps.history();
     const bool sameDownload =
         m_downloadStep && !history.canRedo() && history.undoDepth() == m_downloadDepth;
@@ -426,7 +427,6 @@ bool MainWindow::KeepReplacedEdits(Part part) {
     m_downloadDepth = history.undoDepth();
     RefreshEditMenu();
     statusBar()->showMessage(kReplacedText);
-    return true;
 }
 
 void MainWindow::RefreshUnapplied() {

@@ -96,9 +96,9 @@ private:
     void BuildStatusBar();
     void OnPartArriving(Part part);
     void OnPartReceived(Part part);
-    // A download replaced a part that held edits not yet applied: they are
-    // kept as an undo step (false: nothing was replaced).
-    bool KeepReplacedEdits(Part part);
+    // When a download replaced a part that held edits not yet applied, they
+    // are kept as an undo step.
+    void KeepReplacedEdits(Part part);
     void OnLinkLost();
     // "Unapplied changes" when the store differs from what the server
     // module holds.
