@@ -194,6 +194,10 @@ private slots:
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
         QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
+        QTRY_COMPARE(m_window->statusBar()->currentMessage(),
+                     QString("Sent the Input display lists, Output display lists, Opto display "
+                             "lists, Relay display lists, user groups, button templates to the "
+                             "server module."));
 
         const QStringList backups = Backups();
         QCOMPARE(backups.size(), 30);
@@ -208,6 +212,21 @@ private slots:
         // What was sent is now what the server module holds.
         QCOMPARE(Progress(), QString());
         QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+    }
+
+    void applyThatLosesTheLinkSaysWhatWentOutBefore() {
+        Connect();
+        RenameFirstGroup("Not Sent");
+        // Gone between the second and the third of the six messages.
+        QTimer::singleShot(750, [this] { m_server.reset(); });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
+        QTRY_VERIFY(!m_server);
+        const QString said = m_window->statusBar()->currentMessage();
+        QVERIFY2(said.startsWith("The link to the server module was lost during Apply; sent "
+                                 "before it was lost: Input display lists, Output display lists"),
+                 qPrintable(said));
+        QVERIFY2(!said.contains("user groups"), qPrintable(said));
+        QVERIFY(m_window->hasUnappliedChanges());
     }
 
     void templatesNeverReceivedAreOnlySentWhenConfirmed() {
