@@ -92,11 +92,11 @@ QString ApplyOutcome(bool connectedBefore, bool connectedAfter, PartSet sent) {
                               "before it was lost: " +
                                   names + ".";
     const PartSet left = kUploadParts - sent;
-    QString text = "Sent the " + (sent.empty() ? QString("nothing") : names) +
-                   " to the server module.";
+    QString text =
+        "Sent the " + (sent.empty() ? QString("nothing") : names) + " to the server module.";
     if (!left.empty())
-        text += " Not sent: " + QString::fromStdString(JoinPartNames(left)) +
-                " (see the error log).";
+        text +=
+            " Not sent: " + QString::fromStdString(JoinPartNames(left)) + " (see the error log).";
     return text;
 }
 
@@ -372,8 +372,10 @@ void MainWindow::OnPartArriving(Part part) {
     // An open editor's pending changes are part of what the download replaces.
     if (m_listEditor)
         m_listEditor->PartArriving(part);
-    if (kUploadParts.has(part))
-        m_arrived = TakeSnapshot(m_store, &m_steps.base());
+    if (!kUploadParts.has(part) || m_arriving.has(part))
+        return;
+    CopyParts(TakeSnapshot(m_store, &m_steps.base()), PartSet{part}, m_arrived);
+    m_arriving.add(part);
 }
 
 void MainWindow::OnPartReceived(Part part) {
@@ -411,18 +413,18 @@ void MainWindow::OnPartReceived(Part part) {
 }
 
 void MainWindow::KeepReplacedEdits(Part part) {
-    const std::optional<PanelSnapshot> arrived = std::exchange(m_arrived, std::nullopt);
-    if (!arrived)
+    if (!m_arriving.has(part))
         return;
+    m_arriving.remove(part);
     const PartSet one{part};
-    const bool edited = ChangedParts(*arrived, m_mirror.uploadParts()).has(part);
-    const bool replaced = ChangedParts(*arrived, TakeSnapshot(m_store, &*arrived)).has(part);
+    const bool edited = ChangedParts(m_arrived, m_mirror.uploadParts()).has(part);
+    const bool replaced = ChangedParts(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
     if (!edited || !replaced)
         return;
     const UndoHistory& history = m_steps.history();
     const bool sameDownload =
         m_downloadStep && !history.canRedo() && history.undoDepth() == m_downloadDepth;
-    m_steps.RecordDownload(*arrived, one, sameDownload, m_store);
+    m_steps.RecordDownload(m_arrived, one, sameDownload, m_store);
     m_downloadStep = true;
     m_downloadDepth = history.undoDepth();
     RefreshEditMenu();
@@ -714,6 +716,7 @@ void MainWindow::RecordStep() {
     if (!m_steps.Record(m_store))
         return;
     m_downloadStep = false;
+    m_arriving = {};
     RefreshEditMenu();
 }
 
@@ -729,6 +732,7 @@ void MainWindow::Redo() {
 
 void MainWindow::AfterRestore() {
     m_downloadStep = false;
+    m_arriving = {};
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

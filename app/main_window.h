@@ -152,8 +152,11 @@ private:
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
     bool m_applying = false;
-    // The store as the download that is writing a part found it.
-    std::optional<PanelSnapshot> m_arrived;
+    // Each part of m_arriving as the download writing it found it (an answer
+    // that fails its checks writes into the store too: the one after it
+    // still replaces what the operator had).
+    PanelSnapshot m_arrived;
+    PartSet m_arriving;
     // The last undo step is the current download's (at this depth): further
     // parts it replaces join that step.
     bool m_downloadStep = false;

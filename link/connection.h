@@ -16,8 +16,8 @@
 #include "files/error_log.h"
 #include "link/link_state.h"
 #include "link/session.h"
-#include "model/parts.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
 

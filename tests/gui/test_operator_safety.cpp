@@ -344,7 +344,7 @@ private slots:
         const struct {
             const char* command;
             const char* editor;
-            std::function<void(QWidget*)> pend; // leaves work pending in the editor
+            std::function<void(QWidget*)> pend;         // leaves work pending in the editor
             std::function<void(PanelStore&)> elsewhere; // another administrator's change
             std::function<QString(QWidget*)> shown;
             std::function<QString(const PanelStore&)> held;
@@ -360,8 +360,7 @@ private slots:
              [](QWidget* e) { Child<QLineEdit>(e, "txtListAlpha")->setText("Pending"); },
              [](PanelStore& s) { s.groups.userGroupNames[0] = "Server Side"; },
              [](QWidget* e) { return Child<QComboBox>(e, "cmbListAlphas")->itemText(0); },
-             [name](const PanelStore& s) { return name(s.groups.userGroupNames[0]); },
-             "Pending"},
+             [name](const PanelStore& s) { return name(s.groups.userGroupNames[0]); }, "Pending"},
             {"cmdEditButtons", "frmButtons",
              [](QWidget* e) { QTest::mouseClick(Child<QPushButton>(e, "CmdAdd"), Qt::LeftButton); },
              [](PanelStore& s) { s.templates.templateNames.back() = "Server Side"; },
@@ -384,7 +383,8 @@ private slots:
                 c.pend(editor);
                 m_state.Reset(server, m_state.password());
                 m_window->connection().RequestEverything();
-                reloaded = QTest::qWaitFor([&] { return c.shown(editor).trimmed() == "Server Side"; });
+                reloaded =
+                    QTest::qWaitFor([&] { return c.shown(editor).trimmed() == "Server Side"; });
                 if (auto* exit = editor->findChild<QAction*>("mnuExit"))
                     exit->trigger();
                 else
