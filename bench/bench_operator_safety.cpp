@@ -1,6 +1,7 @@
 // The operator's safety net on the emulator's generated configurations:
 // Review Changes and `lumeth-cli diff` between "max" and a copy with 100
-// scattered edits, one undo step on "large", and the memory 50 steps hold.
+// scattered edits, one undo step on "large", a download over unapplied edits
+// of "large" kept as one undo step, and the memory 50 steps hold.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
