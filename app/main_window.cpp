@@ -69,12 +69,35 @@ QAction* MakeSeparator(QMenu* menu, const char* name) {
 }
 
 constexpr const char* kUnappliedText = "Unapplied changes";
+constexpr const char* kReplacedText = "The server module's configuration replaced the unapplied "
+                                      "changes; Undo brings them back.";
 
 // "A", "A and B", "A, B and C"
 QString JoinParts(const QStringList& names) {
     if (names.size() < 2)
         return names.value(0);
     return QStringList(names.mid(0, names.size() - 1)).join(", ") + " and " + names.last();
+}
+
+// The status line after Apply: what went out, or what went out before the
+// link was lost.
+QString ApplyOutcome(bool connectedBefore, bool connectedAfter, PartSet sent) {
+    if (!connectedBefore)
+        return "Not connected to the server module: nothing was sent.";
+    const QString names = QString::fromStdString(JoinPartNames(sent));
+    if (!connectedAfter)
+        return sent.empty() ? QString("The link to the server module was lost during Apply: "
+                                      "nothing was sent.")
+                            : "The link to the server module was lost during Apply; sent "
+                              "before it was lost: " +
+                                  names + ".";
+    const PartSet left = kUploadParts - sent;
+    QString text =
+        "Sent the " + (sent.empty() ? QString("nothing") : names) + " to the server module.";
+    if (!left.empty())
+        text +=
+            " Not sent: " + QString::fromStdString(JoinPartNames(left)) + " (see the error log).";
+    return text;
 }
 
 } // namespace
@@ -97,8 +120,12 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     BuildLayout();
 
     connect(m_connection, &Connection::statusTextChanged, m_linkPanel, &QLabel::setText);
+    // Direct: the store still holds what the download is about to replace.
+    connect(m_connection, &Connection::partArriving, this, &MainWindow::OnPartArriving,
+            Qt::DirectConnection);
     connect(m_connection, &Connection::partReceived, this, &MainWindow::OnPartReceived);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
+    connect(m_connection, &Connection::linkDisconnected, this, &MainWindow::OnLinkLost);
 
     // Pending masks change as requests go out and answers come in; the
     // progress panel follows them.
@@ -341,11 +368,21 @@ void MainWindow::ReportError(std::string_view location, std::string_view categor
     m_log.ReportError(location, category, failure);
 }
 
+void MainWindow::OnPartArriving(Part part) {
+    // An open editor's pending changes are part of what the download replaces.
+    if (m_listEditor)
+        m_listEditor->PartArriving(part);
+    if (!kUploadParts.has(part) || m_arriving.has(part))
+        return;
+    CopyParts(TakeSnapshot(m_store, &m_steps.base()), PartSet{part}, m_arrived);
+    m_arriving.add(part);
+}
+
 void MainWindow::OnPartReceived(Part part) {
+    const bool upload = kUploadParts.has(part);
+    if (upload)
+        KeepReplacedEdits(part);
     m_mirror.Received(part, m_store, m_link.serverPassword);
-    // A download is no step of its own: later steps start from it.
-    if (kUploadParts.has(part))
-        m_steps.Rebase(m_store);
     const PartInfo& info = Info(part);
     switch (info.kind) {
     case PartKind::UserGroups:
@@ -362,6 +399,50 @@ void MainWindow::OnPartReceived(Part part) {
     case PartKind::Templates:
         break;
     }
+    if (m_listEditor)
+        m_listEditor->PartReplaced(part);
+    if (m_buttonEditor)
+        m_buttonEditor->PartReplaced(part);
+    // A download is no step of its own (beyond the edits it replaced), and
+    // neither is what an editor does to show it: later steps start from it.
+    if (upload)
+        m_steps.Rebase(m_store, PartSet{part});
+    if (upload && !m_applying)
+        RefreshUnapplied();
+    RefreshProgress();
+}
+
+void MainWindow::KeepReplacedEdits(Part part) {
+    if (!m_arriving.has(part))
+        return;
+    m_arriving.remove(part);
+    const PartSet one{part};
+    const bool edited = ChangedParts(m_arrived, m_mirror.uploadParts()).has(part);
+    const bool replaced = ChangedParts(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
+    if (!edited || !replaced)
+        return;
+    const UndoHistory& history = m_steps.history();
+    const bool sameDownload =
+        m_downloadStep && !history.canRedo() && history.undoDepth() == m_downloadDepth;
+    m_steps.RecordDownload(m_arrived, one, sameDownload, m_store);
+    m_downloadStep = true;
+    m_downloadDepth = history.undoDepth();
+    RefreshEditMenu();
+    statusBar()->showMessage(kReplacedText);
+}
+
+void MainWindow::RefreshUnapplied() {
+    const PanelSnapshot& held = m_mirror.uploadParts();
+    setUnappliedChanges(!ChangedParts(held, TakeSnapshot(m_store, &held)).empty());
+}
+
+void MainWindow::OnLinkLost() {
+    if (m_shutDown)
+        return;
+    m_linkLost = true;
+    statusBar()->showMessage(m_unapplied ? "Lost the link to the server module; the unapplied "
+                                           "changes are kept."
+                                         : "Lost the link to the server module.");
     RefreshProgress();
 }
 
@@ -373,6 +454,8 @@ QString MainWindow::ProgressText() const {
         return "Receiving: " + QString::fromStdString(JoinPartNames(waiting)) + "...";
     if (m_applying)
         return "Sending...";
+    if (m_linkLost && !m_link.connected)
+        return m_unapplied ? QString("Link lost - ") + kUnappliedText : QString("Link lost");
     return m_unapplied ? kUnappliedText : QString();
 }
 
@@ -452,7 +535,7 @@ void MainWindow::EditFromPopup() {
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_progressPanel && event->type() == QEvent::MouseButtonRelease) {
         if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
-            m_progressPanel->text() == kUnappliedText)
+            m_progressPanel->text().endsWith(kUnappliedText))
             QTimer::singleShot(0, this, &MainWindow::ReviewChanges);
         return false;
     }
@@ -507,7 +590,7 @@ void MainWindow::Apply() {
     m_send->setEnabled(false);
     RefreshEditMenu();
     RefreshProgress();
-    m_connection->Apply();
+    const PartSet sent = m_connection->Apply();
     m_applying = false;
     m_send->setEnabled(true);
     RefreshEditMenu();
@@ -516,12 +599,16 @@ void MainWindow::Apply() {
         m_unapplied = false;
         m_mirror.Applied(m_store);
     }
+    statusBar()->showMessage(ApplyOutcome(connected, m_link.connected, sent));
     RefreshProgress();
 }
 
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
     m_steps.RecordFrom(TakeSnapshot(m_store, &m_steps.base()), m_store);
+    // The parts the download replaces join this step.
+    m_downloadStep = true;
+    m_downloadDepth = m_steps.history().undoDepth();
     RefreshEditMenu();
     m_mirror.RequestedEverything();
     m_connection->RequestEverything();
@@ -596,6 +683,9 @@ void MainWindow::ShowAbout() {
 
 void MainWindow::OnLinkConnected() {
     m_mirror.LinkUp();
+    m_linkLost = false;
+    m_downloadStep = false;
+    RefreshProgress();
 }
 
 std::vector<std::string> MainWindow::ChangeLines() const {
@@ -647,8 +737,11 @@ void MainWindow::WriteApplyBackup() {
 }
 
 void MainWindow::RecordStep() {
-    if (m_steps.Record(m_store))
-        RefreshEditMenu();
+    if (!m_steps.Record(m_store))
+        return;
+    m_downloadStep = false;
+    m_arriving = {};
+    RefreshEditMenu();
 }
 
 void MainWindow::Undo() {
@@ -663,6 +756,8 @@ void MainWindow::Redo() {
 
 void MainWindow::AfterRestore() {
     m_mirror.Restored(m_store);
+    m_downloadStep = false;
+    m_arriving = {};
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

@@ -1,6 +1,7 @@
 // The operator's safety net on the emulator's generated configurations:
 // Review Changes and `lumeth-cli diff` between "max" and a copy with 100
-// scattered edits, one undo step on "large", and the memory 50 steps hold.
+// scattered edits, one undo step on "large", a download over unapplied edits
+// of "large" kept as one undo step, and the memory 50 steps hold.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include "app/main_window.h"
 #include "bench/max_configuration.h"
 #include "files/panel_data_file.h"
+#include "link/connection.h"
 #include "model/store_diff.h"
 #include "model/undo_history.h"
 #include "ui/changes_dialog.h"
@@ -159,6 +161,51 @@ void BM_WindowUndoStepLarge(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_WindowUndoStepLarge)->Unit(benchmark::kMillisecond);
+
+// A download of the six parts Apply sends, each different from the "large"
+// configuration loaded from a file and not yet applied, as the window takes
+// it: the edits each part replaces join one undo step, the views are redrawn
+// and the unapplied indicator follows. The undo that brings the edits back
+// runs between iterations, untimed.
+void BM_WindowDownloadOverEditsLarge(benchmark::State& state) {
+    Application();
+    QTemporaryDir home;
+    const QString path = home.filePath("large.dat");
+    const PanelStore local = Large();
+    if (!SavePanelDataFile(path.toStdString(), local)) {
+        state.SkipWithError("cannot write large.dat");
+        return;
+    }
+    PanelStore server = local;
+    for (SubType s : kAllSubTypes)
+        server.lists(s)[0].name = "Elsewhere";
+    server.groups.userGroupNames[0] = "Elsewhere";
+    server.templates.templateNames[0] = "Elsewhere";
+    const PanelSnapshot downloaded = TakeSnapshot(server);
+
+    MainWindow window((home.path() + "/").toStdString());
+    window.show();
+    FileDialog::setNextFileName(path);
+    window.LoadAll();
+    QApplication::processEvents();
+    Connection& link = window.connection();
+    const size_t depth = window.history().undoDepth();
+    for (auto _ : state) {
+        ForEachPart(kUploadParts, [&](Part part) {
+            emit link.partArriving(part);
+            RestoreParts(downloaded, PartSet{part}, window.store());
+            emit link.partReceived(part);
+        });
+        state.PauseTiming();
+        if (window.history().undoDepth() != depth + 1 || window.hasUnappliedChanges()) {
+            state.SkipWithError("the download was not kept as an undo step");
+            break;
+        }
+        window.Undo();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_WindowDownloadOverEditsLarge)->Unit(benchmark::kMillisecond);
 
 double ResidentMegabytes() {
     std::ifstream statm("/proc/self/statm");

@@ -194,9 +194,9 @@ void Connection::SendPassword() {
     FlushSession();
 }
 
-std::vector<bool> Connection::Apply() {
+PartSet Connection::Apply() {
     const std::vector<codec::Upload> steps = m_session.BuildApplySteps();
-    std::vector<bool> written(steps.size(), false);
+    PartSet written;
     for (size_t i = 0; i < steps.size(); ++i) {
         if (i > 0) {
             Wait(kApplySpacingMs, true);
@@ -207,7 +207,9 @@ std::vector<bool> Connection::Apply() {
             ReportError(steps[i].failureLocation, "TCP Send Error", steps[i].status.failure());
             continue;
         }
-        written[i] = Transmit(steps[i].message);
+        if (Transmit(steps[i].message)) {
+            written.add(steps[i].part);
+        }
     }
     return written;
 }
@@ -314,6 +316,10 @@ void Connection::OnPollTick() {
 
 void Connection::PartReceived(Part part) {
     emit partReceived(part);
+}
+
+void Connection::PartArriving(Part part) {
+    emit partArriving(part);
 }
 
 void Connection::WriteErrorLog(std::string_view message, std::string_view location) {

@@ -17,6 +17,7 @@
 #include "link/link_state.h"
 #include "link/session.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 
 namespace lumeth {
 
@@ -71,9 +72,9 @@ public:
 
     void RequestEverything();
     void SendPassword();
-    // The six upload messages, Wait(500, true) between every two. Entry i
-    // of the result tells whether message i was written while the link was up.
-    std::vector<bool> Apply();
+    // The six upload messages, Wait(500, true) between every two. The
+    // result holds the parts whose message was written while the link was up.
+    PartSet Apply();
 
     // tmrPoll: 500 ms, reconnects while the link is down and calls the login
     // hook whenever nobody is logged in.
@@ -87,6 +88,8 @@ public:
 signals:
     void statusTextChanged(const QString& text); // "Server Module Connected" / "... Not Connected"
     void partReceived(lumeth::Part part);
+    // Emitted (directly) before a downloaded part is written into the store.
+    void partArriving(lumeth::Part part);
     void linkConnected();
     void linkDisconnected();
     // A connect attempt failed or the socket reported an error (text from the socket).
@@ -109,6 +112,7 @@ private:
 
     // SessionObserver
     void PartReceived(Part part) override;
+    void PartArriving(Part part) override;
     void WriteErrorLog(std::string_view message, std::string_view location) override;
     void ReportError(std::string_view location, std::string_view category,
                      const Failure& failure) override;

@@ -144,6 +144,7 @@ void LinkSession::Apply(Decoded&& decoded) {
         m_state.serverPassword = std::move(*password);
         m_state.passwordReceived = true;
     } else if (!std::holds_alternative<std::monostate>(decoded.value)) {
+        m_observer.PartArriving(part);
         StorePart(m_store, part, std::move(decoded.value));
     }
     if (!decoded.complete) {

@@ -23,6 +23,9 @@ public:
     // A part arrived intact and replaced its part of the store (or the
     // server's password), so the window can redraw.
     virtual void PartReceived(Part part) = 0;
+    // A part is about to be written into the store: the store still holds
+    // what it held before the download.
+    virtual void PartArriving(Part /*part*/) {}
     // A fixed protocol line ("Message Length Error", "Invalid Data 2 bytes").
     virtual void WriteErrorLog(std::string_view message, std::string_view location) = 0;
     // A failure under the error-report convention ("Error # N - description").

@@ -17,6 +17,19 @@ void EditSteps::RecordFrom(PanelSnapshot before, const PanelStore& store) {
     m_history.Record(std::move(before));
 }
 
+void EditSteps::RecordDownload(const PanelSnapshot& arrived, PartSet parts, bool extendLast,
+                               const PanelStore& store) {
+    PanelSnapshot before = m_base;
+    CopyParts(arrived, parts, before);
+    if (!extendLast || !m_history.AmendLast(before, parts))
+        m_history.Record(std::move(before));
+    Rebase(store, parts);
+}
+
+void EditSteps::Rebase(const PanelStore& store, PartSet parts) {
+    CopyParts(TakeSnapshot(store, &m_base), parts, m_base);
+}
+
 bool EditSteps::Undo(PanelStore& store) {
     if (!m_history.Undo(store))
         return false;

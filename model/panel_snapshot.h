@@ -29,6 +29,8 @@ PanelSnapshot TakeSnapshot(const PanelStore& store, const PanelSnapshot* shareWi
 void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store);
 // Put only the parts of `parts` (upload parts) back into `store`.
 void RestoreParts(const PanelSnapshot& snapshot, PartSet parts, PanelStore& store);
+// Make the parts of `parts` (upload parts) of `to` those of `from`.
+void CopyParts(const PanelSnapshot& from, PartSet parts, PanelSnapshot& to);
 
 // The upload parts whose content differs between `a` and `b`.
 PartSet ChangedParts(const PanelStore& a, const PanelStore& b);

@@ -11,6 +11,14 @@ void UndoHistory::Record(PanelSnapshot before) {
         m_undo.pop_front();
 }
 
+bool UndoHistory::AmendLast(const PanelSnapshot& before, PartSet parts) {
+    if (m_undo.empty())
+        return false;
+    m_redo.clear();
+    CopyParts(before, parts, m_undo.back());
+    return true;
+}
+
 bool UndoHistory::Step(std::deque<PanelSnapshot>& from, std::deque<PanelSnapshot>& to,
                        PanelStore& store) {
     if (from.empty())

@@ -19,6 +19,9 @@ public:
     // A step has changed the store; `before` is what it held before. Clears
     // what could be redone.
     void Record(PanelSnapshot before);
+    // The last step also replaced `parts`: they undo to their content in
+    // `before` (false: there is no step). Clears what could be redone.
+    bool AmendLast(const PanelSnapshot& before, PartSet parts);
     // Put the store back as it was before the last step (false: nothing to
     // undo); the state undone can be redone.
     bool Undo(PanelStore& store);

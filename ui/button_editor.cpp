@@ -397,6 +397,15 @@ void ButtonEditor::Open() {
     });
 }
 
+void ButtonEditor::PartReplaced(Part part) {
+    // The editor changes the templates in place: the download's copy is the
+    // one shown and edited from now on.
+    if (part != Part::Templates || !isVisible())
+        return;
+    Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
+            [this] { DisplayCurrentTemplate(); });
+}
+
 void ButtonEditor::LoadTypeCombo() {
     Guarded(m_reporter, "Error Loading Type Combo Box", kButtonError, [this] {
         const BusyFlag::Scope busy;

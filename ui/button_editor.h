@@ -9,6 +9,7 @@
 
 #include "model/limits.h"
 #include "model/panel_store.h"
+#include "model/parts.h"
 #include "ui/busy_flag.h"
 #include "ui/error_reporter.h"
 
@@ -60,6 +61,9 @@ public:
     // Called before and after a duplicate changes the store, so the owner can
     // count each duplicate as a step of its own.
     void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
+    // A download replaced `part`: while the editor is open on the templates,
+    // it shows them as they now are in the store.
+    void PartReplaced(Part part);
 
     // Keys on a page: a template's buttons are shown half at a time.
     static constexpr int kPageKeys = kTemplateButtons / 2;

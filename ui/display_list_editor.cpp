@@ -741,6 +741,37 @@ void DisplayListEditor::CloseEditor() {
     done(QDialog::Accepted);
 }
 
+bool DisplayListEditor::Shows(Part part) const {
+    if (!isVisible())
+        return false;
+    if (m_listType == kUserGroupListType) {
+        const auto shown = SubTypeFromListCode(m_store.currentListType);
+        return part == Part::UserGroups || (shown && part == ListsPart(*shown));
+    }
+    const auto subType = SubTypeFromListCode(m_listType);
+    return subType && (part == ListsPart(*subType) || part == AlphasPart(*subType));
+}
+
+void DisplayListEditor::PartArriving(Part part) {
+    if (!Shows(part))
+        return;
+    ApplyListAlpha();
+    Guarded(m_reporter, "Error Updating Display Lists", "List Error", [&] { CommitIfChanged(); });
+}
+
+void DisplayListEditor::PartReplaced(Part part) {
+    if (!Shows(part))
+        return;
+    Guarded(m_reporter, "Error Updating Display Lists", "List Error", [&] {
+        const BusyFlag::Scope busy;
+        m_itemCount = static_cast<int16_t>(RecordCount(m_store, m_listType).value());
+        if (m_currentIndex > m_itemCount - 1)
+            m_currentIndex = 0;
+        m_changed = false;
+        UpdateDisplays();
+    });
+}
+
 void DisplayListEditor::reject() {
     // Escape and the close box close the editor as cmdClose does.
     CloseEditor();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "model/panel_store.h"
+#include "model/parts.h"
 #include "ui/error_reporter.h"
 
 class QComboBox;
@@ -76,6 +77,14 @@ public:
     // count each duplicate as a step of its own.
     void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
     void CloseEditor();
+    // A download is about to write `part` into the store: while the editor
+    // shows it, the pending changes go into the store first, so that what
+    // the download replaces is what the operator had.
+    void PartArriving(Part part);
+    // A download wrote `part` into the store: while the editor shows it, the
+    // working copy and the display are loaded from the store again, so that
+    // closing the editor never writes the older copy back.
+    void PartReplaced(Part part);
 
     int16_t listType() const { return m_listType; }
     int16_t currentIndex() const { return m_currentIndex; }
@@ -102,6 +111,7 @@ private:
     void createListView();
     QVBoxLayout* createMoveButtons();
     void ShowListType();
+    bool Shows(Part part) const;
     void LoadWorkingCopy();
     void FillChannels();
     void FillListAlphas();

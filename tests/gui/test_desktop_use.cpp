@@ -6,6 +6,7 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QStatusBar>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -122,9 +123,11 @@ private slots:
         peer->close();
         QTRY_COMPARE(link->text(), QString("Server Module Not Connected"));
         QVERIFY(window.link().AnyPending());
-        QTRY_COMPARE(progress->text(), QString());
+        QTRY_COMPARE(progress->text(), QString("Link lost"));
+        QCOMPARE(window.statusBar()->currentMessage(),
+                 QString("Lost the link to the server module."));
         window.setUnappliedChanges(true);
-        QCOMPARE(progress->text(), QString("Unapplied changes"));
+        QCOMPARE(progress->text(), QString("Link lost - Unapplied changes"));
         QTRY_VERIFY(!progress->isElided());
     }
 };

@@ -24,6 +24,7 @@
 #include "app/main_views.h"
 #include "app/main_window.h"
 #include "files/panel_data_file.h"
+#include "link/connection.h"
 #include "tests/gui/gui_support.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
@@ -82,17 +83,40 @@ private:
         m_window = new MainWindow(Folder().toStdString());
         m_window->Start();
         m_window->show();
-        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
-        auto* login = Child<QDialog>(m_window, "frmLogin");
-        QTRY_VERIFY(login->isVisible());
-        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
-        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
+        LogIn();
         QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() ==
                         m_demo.groups.userGroupCount &&
                     !(m_window->link().pendingC & ~uint32_t(badTemplates ? 0x08 : 0)) &&
                     !m_window->link().pendingA);
         if (!badTemplates)
             QTRY_VERIFY(m_window->received().has_value());
+    }
+
+    void LogIn() {
+        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
+        auto* login = Child<QDialog>(m_window, "frmLogin");
+        QTRY_VERIFY(login->isVisible());
+        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
+        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
+    }
+
+    // The server module goes away (the window says so before the login
+    // returns) and comes back on the same port; returns once everything has
+    // been received again.
+    void DropAndReconnect() {
+        const quint16 port = m_server->port();
+        m_server.reset();
+        QTRY_COMPARE(m_window->statusBar()->currentMessage(),
+                     QString("Lost the link to the server module; the unapplied changes are "
+                             "kept."));
+        QCOMPARE(Progress(), QString("Link lost - Unapplied changes"));
+        m_server = std::make_unique<sim::SimServer>(m_state, sim::SimServerOptions{});
+        QString error;
+        bool inUse = false;
+        QVERIFY2(m_server->Listen("127.0.0.1", port, error, inUse), qPrintable(error));
+        LogIn();
+        QTRY_VERIFY(m_window->link().connected && !m_window->link().AnyPending() &&
+                    m_window->received().has_value());
     }
 
     // Rename the first user group in the group editor.
@@ -196,6 +220,10 @@ private slots:
         QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(),
                      QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
+        QTRY_COMPARE(m_window->statusBar()->currentMessage(),
+                     QString("Sent the Input display lists, Output display lists, Opto display "
+                             "lists, Relay display lists, user groups, button templates to the "
+                             "server module."));
 
         const QStringList backups = Backups();
         QCOMPARE(backups.size(), 30);
@@ -210,6 +238,21 @@ private slots:
         // What was sent is now what the server module holds.
         QCOMPARE(Progress(), QString());
         QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+    }
+
+    void applyThatLosesTheLinkSaysWhatWentOutBefore() {
+        Connect();
+        RenameFirstGroup("Not Sent");
+        // Gone between the second and the third of the six messages.
+        QTimer::singleShot(750, [this] { m_server.reset(); });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
+        QTRY_VERIFY(!m_server);
+        const QString said = m_window->statusBar()->currentMessage();
+        QVERIFY2(said.startsWith("The link to the server module was lost during Apply; sent "
+                                 "before it was lost: Input display lists, Output display lists"),
+                 qPrintable(said));
+        QVERIFY2(!said.contains("user groups"), qPrintable(said));
+        QVERIFY(m_window->hasUnappliedChanges());
     }
 
     void templatesNeverReceivedAreOnlySentWhenConfirmed() {
@@ -359,6 +402,105 @@ private slots:
             QCOMPARE(Progress(), step.progress);
         }
         QVERIFY(!redo->isEnabled());
+    }
+
+    void aReconnectDownloadOverEditsIsOneUndoStep() {
+        Connect();
+        RenameFirstGroup("Edited");
+        // A second part edited in a session of its own.
+        WhenModal("frmDisplayListView", [](QWidget* editor) {
+            Child<QLineEdit>(editor, "txtListAlpha")->setText("Edited List");
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+        });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditLists"), Qt::LeftButton);
+        const PanelStore edited = m_window->store();
+        QCOMPARE(ToQt(edited.lists(SubType::Input)[0].name), QString("Edited List"));
+        const size_t depth = m_window->history().undoDepth();
+
+        DropAndReconnect();
+        QTRY_COMPARE(FirstGroupShown(), DemoGroup());
+        QCOMPARE(m_window->statusBar()->currentMessage(),
+                 QString("The server module's configuration replaced the unapplied changes; "
+                         "Undo brings them back."));
+        // The indicator and Review Changes agree.
+        QCOMPARE(Progress(), QString());
+        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+
+        // One step for the whole download: one undo brings both edits back.
+        QCOMPARE(m_window->history().undoDepth(), depth + 1);
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(FirstGroupShown(), QString("Edited"));
+        QVERIFY(ChangedParts(m_window->store(), edited).empty());
+        QCOMPARE(Progress(), QString("Unapplied changes"));
+    }
+
+    // A download arrives while an editor is open with work pending in it:
+    // the editor shows the download, closing it keeps the download, and one
+    // undo brings the pending work back.
+    void aDownloadUnderAnOpenEditorReloadsIt() {
+        const auto name = [](const std::string& text) { return ToQt(text).trimmed(); };
+        const struct {
+            const char* command;
+            const char* editor;
+            std::function<void(QWidget*)> pend;         // leaves work pending in the editor
+            std::function<void(PanelStore&)> elsewhere; // another administrator's change
+            std::function<QString(QWidget*)> shown;
+            std::function<QString(const PanelStore&)> held;
+            QString pending;
+        } cases[] = {
+            {"cmdEditLists", "frmDisplayListView",
+             [](QWidget* e) { Child<QLineEdit>(e, "txtListAlpha")->setText("Pending"); },
+             [](PanelStore& s) { s.lists(SubType::Input)[0].name = "Server Side"; },
+             [](QWidget* e) { return Child<QComboBox>(e, "cmbListAlphas")->itemText(0); },
+             [name](const PanelStore& s) { return name(s.lists(SubType::Input)[0].name); },
+             "Pending"},
+            {"cmdEditGroups", "frmDisplayListView",
+             [](QWidget* e) { Child<QLineEdit>(e, "txtListAlpha")->setText("Pending"); },
+             [](PanelStore& s) { s.groups.userGroupNames[0] = "Server Side"; },
+             [](QWidget* e) { return Child<QComboBox>(e, "cmbListAlphas")->itemText(0); },
+             [name](const PanelStore& s) { return name(s.groups.userGroupNames[0]); }, "Pending"},
+            {"cmdEditButtons", "frmButtons",
+             [](QWidget* e) { QTest::mouseClick(Child<QPushButton>(e, "CmdAdd"), Qt::LeftButton); },
+             [](PanelStore& s) { s.templates.templateNames.back() = "Server Side"; },
+             [](QWidget* e) { return Child<QLineEdit>(e, "txtTemplateName")->text(); },
+             [name](const PanelStore& s) {
+                 return QString::number(s.templates.templateCount) + " " +
+                        name(s.templates.templateNames.back());
+             },
+             ""},
+        };
+        for (const auto& c : cases) {
+            cleanup();
+            init();
+            Connect();
+            const PanelStore before = m_window->store();
+            PanelStore server = m_state.store();
+            c.elsewhere(server);
+            bool reloaded = false;
+            WhenModal(c.editor, [&](QWidget* editor) {
+                c.pend(editor);
+                m_state.Reset(server, m_state.password());
+                m_window->connection().RequestEverything();
+                reloaded =
+                    QTest::qWaitFor([&] { return c.shown(editor).trimmed() == "Server Side"; });
+                if (auto* exit = editor->findChild<QAction*>("mnuExit"))
+                    exit->trigger();
+                else
+                    QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+            });
+            QTest::mouseClick(Child<QPushButton>(m_window, c.command), Qt::LeftButton);
+            QVERIFY2(reloaded, c.command);
+            // Closing the editor did not write its older copy back.
+            QCOMPARE(c.held(m_window->store()), c.held(server));
+            QCOMPARE(m_window->store().lists(SubType::Input)[0].channelCount,
+                     server.lists(SubType::Input)[0].channelCount);
+            Child<QAction>(m_window, "mnuUndo")->trigger();
+            if (!c.pending.isEmpty())
+                QCOMPARE(c.held(m_window->store()), c.pending);
+            else
+                QCOMPARE(m_window->store().templates.templateCount,
+                         before.templates.templateCount + 1);
+        }
     }
 
     void eachCopyIsAStepOfItsOwn() {

@@ -52,6 +52,32 @@ TEST(EditSteps, UndoGoesBackToWhereTheLastStepStarted) {
              steps.RecordFrom(std::move(before), store);
          },
          "Edited"},
+        {"a download replacing two edited parts is one step, undone to both edits",
+         [](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Edited");
+             store.listTable(SubType::Input).displayListCount = 3;
+             steps.Record(store);
+             PanelSnapshot arrived = TakeSnapshot(store, &steps.base());
+             Rename(store, "Downloaded");
+             steps.RecordDownload(arrived, {Part::UserGroups}, false, store);
+             arrived = TakeSnapshot(store, &steps.base());
+             store.listTable(SubType::Input).displayListCount = 0;
+             steps.RecordDownload(arrived, {Part::InputLists}, true, store);
+             EXPECT_EQ(steps.history().undoDepth(), 2u);
+             PanelStore undone = store;
+             steps.Undo(undone);
+             EXPECT_EQ(undone.listTable(SubType::Input).displayListCount, 3);
+             steps.Redo(undone);
+         },
+         "Edited"},
+        {"a download of one part leaves the edits of the others to the next step",
+         [](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Edited");
+             store.listTable(SubType::Input).displayListCount = 2;
+             steps.Rebase(store, {Part::InputLists});
+             EXPECT_TRUE(steps.Record(store));
+         },
+         "Studio"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

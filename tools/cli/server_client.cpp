@@ -310,15 +310,8 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
 int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent) {
     std::cerr << "sending display lists, user groups and button templates\n";
     sent = codec::UploadMessages(m_store);
-    // One flag per upload, in the order of UploadMessages.
-    const std::vector<bool> written = m_connection->Apply();
+    const PartSet gone = m_connection->Apply();
     if (!m_state.connected) {
-        PartSet gone;
-        for (size_t i = 0; i < sent.size() && i < written.size(); ++i) {
-            if (written[i]) {
-                gone.add(sent[i].part);
-            }
-        }
         // The cause first, then what went out before the link was dropped.
         ReportedTooLong();
         std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
