@@ -21,8 +21,8 @@ struct RecoveredEdits {
 };
 
 // The file's bytes: a marker, the edited parts, the length and checksum of
-// what follows, then a panel data file of the edited configuration (parts
-// not edited are written as in `edits` and ignored when read).
+// what follows, then the edited parts whole (the others are not written and
+// are read back as the store's defaults).
 std::string EncodeRecoveryFile(const RecoveredEdits& recovered);
 // Read the bytes back; a damaged or foreign file is refused whole
 // (InvalidFileFormat), never half read.
