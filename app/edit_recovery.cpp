@@ -6,8 +6,8 @@
 
 namespace lumeth {
 
-EditRecovery::EditRecovery(const PanelStore& start, const std::string& folder,
-                           ErrorReporter report, QObject* parent)
+EditRecovery::EditRecovery(const PanelStore& start, const std::string& folder, ErrorReporter report,
+                           QObject* parent)
     : QObject(parent), m_kept(start), m_path(folder + kRecoveryFileName),
       m_report(std::move(report)) {
     m_timer = new QTimer(this);

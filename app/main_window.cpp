@@ -699,7 +699,8 @@ void MainWindow::OfferRecoveredEdits() {
         return;
     const QString text =
         "Changes that were not applied to the server module were kept from the last session "
-        "(" + QString::fromStdString(JoinPartNames(parts)) +
+        "(" +
+        QString::fromStdString(JoinPartNames(parts)) +
         "). Put them back over the configuration just received?";
     if (MessageBox::Show(this, text, "Unapplied changes", QMessageBox::Question,
                          QMessageBox::Yes | QMessageBox::No,

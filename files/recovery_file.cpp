@@ -311,8 +311,8 @@ Status ReadRecoveryFile(const std::string& path, RecoveredEdits& recovered) {
 Status RemoveRecoveryFile(const std::string& path) {
     if (std::remove(path.c_str()) == 0 || errno == ENOENT)
         return {};
-    return Status(FailureFromErrno(errno, ErrorCode::PathFileAccessError, path,
-                                   ErrorCode::PathNotFound));
+    return Status(
+        FailureFromErrno(errno, ErrorCode::PathFileAccessError, path, ErrorCode::PathNotFound));
 }
 
 } // namespace lumeth

@@ -8,11 +8,10 @@ namespace lumeth {
 
 // The operator's edits that no download has yet shown the server module to
 // hold: each edited upload part as last edited. Parts are compared as the
-// server module keeps them (counted entries, names cut and trimmed as sent). An edit stays kept when a
-// download replaces it with something else, when Apply sends it (only a
-// download shows that it arrived) and across a restart; it goes when a
-// download brings the same content, when the operator takes the part back to
-// what was downloaded, or when the operator discards it.
+// server module keeps them (counted entries, names cut and trimmed as sent). An edit stays kept
+// when a download replaces it with something else, when Apply sends it (only a download shows that
+// it arrived) and across a restart; it goes when a download brings the same content, when the
+// operator takes the part back to what was downloaded, or when the operator discards it.
 class KeptEdits {
 public:
     // `start` is the store before anything has been downloaded.
