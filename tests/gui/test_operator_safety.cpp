@@ -1,5 +1,6 @@
 // Review Changes, the backup before Apply, the guard for parts never
-// received, and undo/redo, in the window against the emulator on loopback.
+// received, undo/redo, the quit question and the recovery file, in the window
+// against the emulator on loopback.
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
