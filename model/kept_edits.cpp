@@ -8,25 +8,6 @@ namespace lumeth {
 
 namespace {
 
-// Give `to` the part `part` of `from` (upload parts only).
-void CopyPart(const PanelSnapshot& from, Part part, PanelSnapshot& to) {
-    const PartInfo& info = Info(part);
-    switch (info.kind) {
-    case PartKind::DisplayLists:
-        to.lists[Index(*info.subType)] = from.lists[Index(*info.subType)];
-        break;
-    case PartKind::UserGroups:
-        to.groups = from.groups;
-        break;
-    case PartKind::Templates:
-        to.templates = from.templates;
-        break;
-    case PartKind::Password:
-    case PartKind::Alphas:
-        break;
-    }
-}
-
 // What the server module keeps of each part after an upload: the counted
 // entries, names and labels cut and trimmed as sent.
 bool SameSent(const DisplayListTable& a, const DisplayListTable& b) {
@@ -108,7 +89,7 @@ KeptEdits::KeptEdits(const PanelStore& start)
 
 void KeptEdits::Adopt(PartSet parts, PanelSnapshot edits) {
     parts = parts & kUploadParts;
-    ForEachPart(parts, [&](Part p) { CopyPart(edits, p, m_edits); });
+    CopyParts(edits, parts, m_edits);
     m_parts |= parts;
     m_replaced |= parts;
 }
@@ -117,7 +98,7 @@ void KeptEdits::Received(Part part, const PanelStore& store) {
     if (!kUploadParts.has(part))
         return;
     const PanelSnapshot now = TakeSnapshot(store, &m_downloaded);
-    CopyPart(now, part, m_downloaded);
+    CopyParts(now, {part}, m_downloaded);
     if (!m_parts.has(part))
         return;
     if (DifferAsSent(m_edits, m_downloaded).has(part))
@@ -131,7 +112,7 @@ bool KeptEdits::Note(const PanelStore& store) {
     const PartSet edited = DifferAsSent(now, m_downloaded);
     const PartSet changed = ChangedParts(now, m_edits) & edited;
     const PartSet before = m_parts;
-    ForEachPart(edited, [&](Part p) { CopyPart(now, p, m_edits); });
+    CopyParts(now, edited, m_edits);
     m_parts |= edited;
     m_replaced = m_replaced - edited;
     // Back to what was downloaded by the operator's own hand (an undo): the
@@ -145,7 +126,7 @@ void KeptEdits::Discard() {
 }
 
 void KeptEdits::Drop(Part part) {
-    CopyPart(m_downloaded, part, m_edits);
+    CopyParts(m_downloaded, {part}, m_edits);
     m_parts.remove(part);
     m_replaced.remove(part);
 }

@@ -64,6 +64,16 @@ void RestoreParts(const PanelSnapshot& snapshot, PartSet parts, PanelStore& stor
         store.currentList = Inside(store.currentList, store.listCount(*subType));
 }
 
+void CopyParts(const PanelSnapshot& from, PartSet parts, PanelSnapshot& to) {
+    for (SubType s : kAllSubTypes)
+        if (parts.has(ListsPart(s)))
+            to.lists[Index(s)] = from.lists[Index(s)];
+    if (parts.has(Part::UserGroups))
+        to.groups = from.groups;
+    if (parts.has(Part::Templates))
+        to.templates = from.templates;
+}
+
 void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store) {
     RestoreParts(snapshot, kUploadParts, store);
 }

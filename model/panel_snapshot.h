@@ -30,6 +30,9 @@ void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store);
 // Put only the parts of `parts` (upload parts) back into `store`.
 void RestoreParts(const PanelSnapshot& snapshot, PartSet parts, PanelStore& store);
 
+// Give `to` the parts of `parts` (upload parts) that `from` holds.
+void CopyParts(const PanelSnapshot& from, PartSet parts, PanelSnapshot& to);
+
 // The upload parts whose content differs between `a` and `b`.
 PartSet ChangedParts(const PanelStore& a, const PanelStore& b);
 PartSet ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b);
