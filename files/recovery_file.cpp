@@ -199,26 +199,34 @@ void ReadTemplates(Reader& r, TemplateTable& t) {
     r.Ints(t.templatePosition);
 }
 
-// Every array keeps at least one element, as the store's own do.
+// Every array holds at least max(count, 1) entries, as the store's own do.
+template <typename T> bool Holds(const std::vector<T>& v, int16_t count) {
+    return v.size() >= ArraySizeFor(count);
+}
+
 bool Whole(const DisplayListTable& t) {
     for (const DisplayList& l : t.displayLists)
-        if (l.channels.empty())
+        if (!Holds(l.channels, l.channelCount))
             return false;
-    return !t.displayLists.empty();
+    return Holds(t.displayLists, t.displayListCount);
 }
+
 bool Whole(const UserGroupTable& t) {
     for (const UserGroup& g : t.userGroups)
-        if (g.listIndexes.empty() || g.listTypes.empty())
+        if (!Holds(g.listIndexes, g.listCount) || !Holds(g.listTypes, g.listCount))
             return false;
-    return !t.userGroupNames.empty() && !t.userGroups.empty() && !t.userGroupIndex.empty() &&
-           !t.userGroupNumber.empty();
+    const int16_t n = t.userGroupCount;
+    return Holds(t.userGroupNames, n) && Holds(t.userGroups, n) && Holds(t.userGroupIndex, n) &&
+           Holds(t.userGroupNumber, n);
 }
+
 bool Whole(const TemplateTable& t) {
     for (const ButtonTemplate& b : t.buttonTemplates)
-        if (b.buttons.empty())
+        if (!Holds(b.buttons, b.buttonCount))
             return false;
-    return !t.templateNames.empty() && !t.buttonTemplates.empty() && !t.templateIndex.empty() &&
-           !t.templatePosition.empty();
+    const int16_t n = t.templateCount;
+    return Holds(t.templateNames, n) && Holds(t.buttonTemplates, n) && Holds(t.templateIndex, n) &&
+           Holds(t.templatePosition, n);
 }
 
 // The kept parts only: the others are not written.
