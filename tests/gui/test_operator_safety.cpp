@@ -333,6 +333,22 @@ private slots:
         QVERIFY2(QFile::exists(RecoveryFile()), "the edits are kept when the program quits");
     }
 
+    void closingTheLoginAfterALostLinkEndsWithoutAQuestionAndKeepsTheEdits() {
+        Connect();
+        RenameFirstGroup("Lost");
+        m_server.reset(); // the server module goes away: the login comes back
+        auto* login = Child<QDialog>(m_window, "frmLogin");
+        QTRY_VERIFY(login->isVisible());
+        QTest::mouseClick(Child<QPushButton>(login, "cmdCancel"), Qt::LeftButton);
+        QTRY_VERIFY(!m_window->isVisible());
+        QVERIFY(MessageBox::history().empty());
+
+        RecoveredEdits kept;
+        QVERIFY(ReadRecoveryFile(RecoveryFile().toStdString(), kept).ok());
+        QCOMPARE(kept.parts, PartSet{Part::UserGroups});
+        QCOMPARE(QString::fromStdString(kept.edits.groups->userGroupNames[0]), QString("Lost"));
+    }
+
     void aKilledProcessLosesNoEditAndTheRestoreIsOneStep() {
         Connect();
         RenameFirstGroup("Kept");
