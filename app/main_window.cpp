@@ -21,6 +21,7 @@
 
 #include <utility>
 
+#include "app/edit_recovery.h"
 #include "app/main_views.h"
 #include "app/window_layout.h"
 #include "files/backup_files.h"
@@ -115,6 +116,8 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     m_views = new MainViews(m_store, Reporter(), this);
     m_views->setListEditor([this] { ShowListEditor(); });
     m_channelModels = new ChannelListModels(this);
+    m_recovery = new EditRecovery(m_store, m_folder, Reporter(), this);
+    m_recoveryOffered = !m_recovery->Load();
 
     BuildMenus();
     BuildLayout();
@@ -123,6 +126,12 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
     // Direct: the store still holds what the download is about to replace.
     connect(m_connection, &Connection::partArriving, this, &MainWindow::OnPartArriving,
             Qt::DirectConnection);
+    // The kept edits see each download before anything reacts to it.
+    connect(m_connection, &Connection::partReceived, this, [this](Part part) {
+        m_recovery->Received(part, m_store);
+        if (!m_recoveryOffered)
+            QTimer::singleShot(0, this, &MainWindow::OfferRecoveredEdits);
+    });
     connect(m_connection, &Connection::partReceived, this, &MainWindow::OnPartReceived);
     connect(m_connection, &Connection::linkConnected, this, &MainWindow::OnLinkConnected);
     connect(m_connection, &Connection::linkDisconnected, this, &MainWindow::OnLinkLost);
@@ -331,6 +340,10 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->accept();
         return;
     }
+    if (!ConfirmQuit()) {
+        event->ignore();
+        return;
+    }
     m_shutDown = true;
     m_connection->StopPolling();
     m_progressTimer->stop();
@@ -346,6 +359,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
                          QString::fromStdString(m_folder));
     if (!layout)
         ReportError("Error Writing window layout", "File Error", layout.failure());
+
+    m_recovery->Flush();
 
     // Unload every other window, the most recent first.
     const QWidgetList windows = QApplication::topLevelWidgets();
@@ -610,6 +625,7 @@ void MainWindow::CancelEdits() {
     m_downloadStep = true;
     m_downloadDepth = m_steps.history().undoDepth();
     RefreshEditMenu();
+    m_recovery->Discard();
     m_mirror.RequestedEverything();
     m_connection->RequestEverything();
     setUnappliedChanges(false);
@@ -770,6 +786,51 @@ void MainWindow::RefreshEditMenu() {
     // would send a mix of two configurations.
     m_undo->setEnabled(!m_applying && m_steps.history().canUndo());
     m_redo->setEnabled(!m_applying && m_steps.history().canRedo());
+    // Called after every step: the kept edits follow the store.
+    m_recovery->Changed(m_store);
+}
+
+bool MainWindow::ConfirmQuit() {
+    // Nobody logged in (the login closed after a lost link): the program ends
+    // without a question; the recovery file keeps the edits.
+    if (!m_unapplied || m_link.enteredPassword.empty())
+        return true;
+    const QString text = "The changes have not been applied to the server module. Quit anyway?\n\n"
+                         "They are kept and offered back the next time the program starts.";
+    return MessageBox::Show(this, text, "Exit", QMessageBox::Question,
+                            QMessageBox::Yes | QMessageBox::No,
+                            QMessageBox::No) == QMessageBox::Yes;
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    // The login enables the window: the offer may have waited for it.
+    if (event->type() == QEvent::EnabledChange && isEnabled() && !m_recoveryOffered)
+        QTimer::singleShot(0, this, &MainWindow::OfferRecoveredEdits);
+}
+
+void MainWindow::OfferRecoveredEdits() {
+    if (m_recoveryOffered || m_shutDown || !isEnabled() || !m_mirror.missing().empty())
+        return;
+    m_recoveryOffered = true;
+    // Parts a download showed the server module to hold are no longer kept.
+    const PartSet parts = m_recovery->kept().parts();
+    if (parts.empty())
+        return;
+    const QString text =
+        "Changes that were not applied to the server module were kept from the last session "
+        "(" +
+        QString::fromStdString(JoinPartNames(parts)) +
+        "). Put them back over the configuration just received?";
+    if (MessageBox::Show(this, text, "Unapplied changes", QMessageBox::Question,
+                         QMessageBox::Yes | QMessageBox::No,
+                         QMessageBox::Yes) != QMessageBox::Yes) {
+        m_recovery->Discard();
+        return;
+    }
+    RestoreParts(m_recovery->kept().edits(), parts, m_store);
+    RecordStep();
+    AfterRestore();
 }
 
 } // namespace lumeth

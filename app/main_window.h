@@ -30,6 +30,7 @@ class ButtonEditor;
 class ChannelListModels;
 class Connection;
 class DisplayListEditor;
+class EditRecovery;
 class LoginDialog;
 class MainViews;
 
@@ -88,6 +89,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -121,6 +123,11 @@ private:
     void RecordStep();
     void AfterRestore();
     void RefreshEditMenu();
+    // Quitting with unapplied changes asks first; false: the operator stays.
+    bool ConfirmQuit();
+    // Once the configuration has been received in full after the start, the
+    // edits an earlier run kept are offered back.
+    void OfferRecoveredEdits();
 
     std::string m_folder;
     PanelStore m_store;
@@ -167,6 +174,10 @@ private:
     // The link went down and has not come back.
     bool m_linkLost = false;
     bool m_shutDown = false;
+    // The unapplied edits kept on disk; `m_recoveryOffered` once an earlier
+    // run's edits have been offered back (or there were none).
+    EditRecovery* m_recovery = nullptr;
+    bool m_recoveryOffered = true;
 };
 
 } // namespace lumeth

@@ -1,7 +1,8 @@
 // The operator's safety net on the emulator's generated configurations:
 // Review Changes and `lumeth-cli diff` between "max" and a copy with 100
 // scattered edits, one undo step on "large", a download over unapplied edits
-// of "large" kept as one undo step, and the memory 50 steps hold.
+// of "large" kept as one undo step, the memory 50 steps hold, and keeping the
+// unapplied edits of "max" in the recovery file.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -16,6 +17,8 @@
 #include "bench/max_configuration.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
+#include "files/recovery_file.h"
+#include "model/kept_edits.h"
 #include "model/store_diff.h"
 #include "model/undo_history.h"
 #include "ui/changes_dialog.h"
@@ -238,5 +241,33 @@ void BM_FiftyStepsLargeResident(benchmark::State& state) {
     state.counters["resident_MB"] = resident;
 }
 BENCHMARK(BM_FiftyStepsLargeResident)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// The recovery file for "max" with every editable part edited, written
+// atomically (temporary file, fsync, rename) as the window's timer does.
+void BM_WriteRecoveryFileMax(benchmark::State& state) {
+    QTemporaryDir folder;
+    const std::string path = folder.path().toStdString() + "/" + kRecoveryFileName;
+    const RecoveredEdits edits{kUploadParts, TakeSnapshot(Max().after)};
+    for (auto _ : state) {
+        if (!WriteRecoveryFile(path, edits)) {
+            state.SkipWithError("recovery file not written");
+            break;
+        }
+    }
+}
+BENCHMARK(BM_WriteRecoveryFileMax)->Unit(benchmark::kMillisecond);
+
+// What each recorded step costs the window to keep the edits up to date
+// (the file itself is written later, by the timer).
+void BM_KeptEditsNoteMax(benchmark::State& state) {
+    KeptEdits kept(Max().before);
+    PanelStore store = Max().before;
+    int k = 0;
+    for (auto _ : state) {
+        store.groups.userGroupNames[0] = "Step " + std::to_string(++k);
+        benchmark::DoNotOptimize(kept.Note(store));
+    }
+}
+BENCHMARK(BM_KeptEditsNoteMax)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -161,6 +161,9 @@ private slots:
 
     void cleanup() {
         if (m_window) {
+            // Quitting with unapplied changes asks first.
+            if (m_window->hasUnappliedChanges())
+                MessageBox::setNextAnswer(QMessageBox::Yes);
             m_window->close();
             delete m_window;
             m_window = nullptr;

@@ -1,5 +1,6 @@
 // Review Changes, the backup before Apply, the guard for parts never
-// received, and undo/redo, in the window against the emulator on loopback.
+// received, undo/redo, the quit question and the recovery file, in the window
+// against the emulator on loopback.
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
@@ -21,9 +22,11 @@
 
 #include <sys/stat.h>
 
+#include "app/edit_recovery.h"
 #include "app/main_views.h"
 #include "app/main_window.h"
 #include "files/panel_data_file.h"
+#include "files/recovery_file.h"
 #include "link/connection.h"
 #include "tests/gui/gui_support.h"
 #include "tools/sim/demo_config.h"
@@ -79,7 +82,11 @@ private:
                       .arg(m_server->port())
                       .toLatin1());
         ini.close();
+        StartWindow(badTemplates);
+    }
 
+    // A window over the folder, logged in; returns once the user groups are shown.
+    void StartWindow(bool badTemplates = false) {
         m_window = new MainWindow(Folder().toStdString());
         m_window->Start();
         m_window->show();
@@ -145,6 +152,20 @@ private:
                                                                     : QStringList{"(not shown)"};
     }
 
+    QString RecoveryFile() const { return Folder() + kRecoveryFileName; }
+    // The title of every message box shown or answered so far.
+    QStringList BoxTitles() const {
+        QStringList titles;
+        for (const MessageBox::Shown& box : MessageBox::history())
+            titles << box.title;
+        return titles;
+    }
+    // The window ends as a killed process does: no close, no shut-down.
+    void Kill() {
+        delete m_window;
+        m_window = nullptr;
+    }
+
     QStringList Backups() {
         return QDir(Folder() + "backups").entryList({"LumethEX-*.dat"}, QDir::Files, QDir::Name);
     }
@@ -158,8 +179,12 @@ private slots:
     }
 
     void cleanup() {
-        if (m_window)
+        if (m_window) {
+            // Quitting with unapplied changes asks first.
+            if (m_window->hasUnappliedChanges())
+                MessageBox::setNextAnswer(QMessageBox::Yes);
             m_window->close();
+        }
         delete m_window;
         m_window = nullptr;
         m_server.reset();
@@ -520,6 +545,127 @@ private slots:
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
         Child<QAction>(m_window, "mnuUndo")->trigger();
         QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.groups.userGroupCount + 1);
+    }
+
+    void quittingWithUnappliedChangesAsks() {
+        Connect();
+        auto* exit = Child<QAction>(m_window, "mnuExit");
+        exit->trigger();
+        QVERIFY2(!m_window->isVisible(), "nothing unapplied: no question");
+        QVERIFY(MessageBox::history().empty());
+
+        m_window->deleteLater();
+        m_window = nullptr;
+        StartWindow();
+        RenameFirstGroup("Edited");
+        MessageBox::setNextAnswer(QMessageBox::No);
+        Child<QAction>(m_window, "mnuExit")->trigger();
+        QVERIFY2(m_window->isVisible(), "No stays");
+        QCOMPARE(MessageBox::history().size(), size_t(1));
+        const MessageBox::Shown asked = MessageBox::history().back();
+        QCOMPARE(asked.icon, QMessageBox::Question);
+        QCOMPARE(asked.defaultButton, QMessageBox::No);
+        QCOMPARE(FirstGroupShown(), QString("Edited"));
+
+        MessageBox::setNextAnswer(QMessageBox::Yes);
+        QVERIFY(m_window->close()); // the close box
+        QVERIFY(!m_window->isVisible());
+        QCOMPARE(MessageBox::history().size(), size_t(2));
+        QVERIFY2(QFile::exists(RecoveryFile()), "the edits are kept when the program quits");
+    }
+
+    void closingTheLoginAfterALostLinkEndsWithoutAQuestionAndKeepsTheEdits() {
+        Connect();
+        RenameFirstGroup("Lost");
+        m_server.reset(); // the server module goes away: the login comes back
+        auto* login = Child<QDialog>(m_window, "frmLogin");
+        QTRY_VERIFY(login->isVisible());
+        QTest::mouseClick(Child<QPushButton>(login, "cmdCancel"), Qt::LeftButton);
+        QTRY_VERIFY(!m_window->isVisible());
+        QVERIFY(MessageBox::history().empty());
+
+        RecoveredEdits kept;
+        QVERIFY(ReadRecoveryFile(RecoveryFile().toStdString(), kept).ok());
+        QCOMPARE(kept.parts, PartSet{Part::UserGroups});
+        QCOMPARE(QString::fromStdString(kept.edits.groups->userGroupNames[0]), QString("Lost"));
+    }
+
+    void aKilledProcessLosesNoEditAndTheRestoreIsOneStep() {
+        Connect();
+        RenameFirstGroup("Kept");
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
+        Kill();
+
+        MessageBox::setNextAnswer(QMessageBox::Yes);
+        StartWindow();
+        QTRY_COMPARE(FirstGroupShown(), QString("Kept"));
+        QCOMPARE(BoxTitles(), QStringList{"Unapplied changes"});
+        QCOMPARE(Progress(), QString("Unapplied changes"));
+        const QStringList lines = ReviewedLines([this] { m_window->ReviewChanges(); });
+        QVERIFY2(lines.join('\n').contains("Kept"), qPrintable(lines.join('\n')));
+
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(FirstGroupShown(), DemoGroup());
+        QCOMPARE(Progress(), QString());
+        // Undone back to what the server module holds: nothing is kept.
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
+    }
+
+    void theRestoreQuestionAndWhatADownloadConfirms() {
+        Connect();
+        // A file as a process killed after its edits leaves it, over what
+        // the server module holds.
+        const PanelStore held = m_window->store();
+        const std::string heldGroup = held.groups.userGroupNames[0];
+        Kill();
+        const auto write = [this, &held](const std::string& group) {
+            PanelStore store = held;
+            store.groups.userGroupNames[0] = group;
+            QVERIFY(WriteRecoveryFile(RecoveryFile().toStdString(),
+                                      {PartSet{Part::UserGroups}, TakeSnapshot(store)})
+                        .ok());
+        };
+        const struct {
+            const char* name;
+            std::string group;
+            QMessageBox::StandardButton answer; // NoButton: no question
+            QString shown;
+        } cases[] = {
+            {"No discards the edits", "Not wanted", QMessageBox::No, DemoGroup()},
+            {"edits the server module holds (applied) are not offered", heldGroup,
+             QMessageBox::NoButton, DemoGroup()},
+        };
+        for (const auto& c : cases) {
+            MessageBox::clearHistory();
+            write(c.group);
+            if (c.answer != QMessageBox::NoButton)
+                MessageBox::setNextAnswer(c.answer);
+            StartWindow();
+            QTRY_VERIFY(!MessageBox::hasQueuedAnswers());
+            QTest::qWait(50); // a question would be asked from the event loop
+            QCOMPARE(BoxTitles().size(), c.answer == QMessageBox::NoButton ? 0 : 1);
+            QCOMPARE(FirstGroupShown(), c.shown);
+            QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
+            QCOMPARE(Progress(), QString());
+            Kill();
+        }
+    }
+
+    void applyAloneKeepsTheFileUntilADownloadShowsTheEdits() {
+        Connect();
+        RenameFirstGroup("Sent");
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
+        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("Sent"));
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
+        m_window->close();
+        delete m_window;
+        m_window = nullptr;
+        QVERIFY(QFile::exists(RecoveryFile()));
+
+        StartWindow();
+        QCOMPARE(FirstGroupShown(), QString("Sent"));
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
+        QVERIFY2(MessageBox::history().empty(), "the download showed the edits held");
     }
 };
 
