@@ -5,9 +5,9 @@
 using lumeth::sim::ParseSimOptions;
 
 TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
-    std::string error;
-    const auto o = ParseSimOptions({}, error);
-    ASSERT_TRUE(o);
+    const auto parsed = ParseSimOptions({});
+    ASSERT_TRUE(parsed.status);
+    const auto* o = &parsed.options;
     EXPECT_EQ(o->host, "127.0.0.1");
     EXPECT_EQ(o->port, 1250);
     EXPECT_EQ(o->pollIntervalMs, 5000);
@@ -26,17 +26,18 @@ TEST(SimOptions, RejectsBadValuesWithOneLine) {
         {"--max-clients", "0"},     {"--max-queued-total", "1023"},
     };
     for (const auto& args : bad) {
-        std::string error;
-        EXPECT_FALSE(ParseSimOptions(args, error)) << args[0];
+        const auto parsed = ParseSimOptions(args);
+        EXPECT_FALSE(parsed.status) << args[0];
+        const std::string& error = parsed.status.failure().detail;
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(error.find('\n'), std::string::npos);
     }
 }
 
 TEST(SimOptions, ResourceCapsAreTakenAsGiven) {
-    std::string error;
-    const auto o = ParseSimOptions({"--max-clients", "8", "--max-queued-total", "4194304"}, error);
-    ASSERT_TRUE(o) << error;
+    const auto parsed = ParseSimOptions({"--max-clients", "8", "--max-queued-total", "4194304"});
+    ASSERT_TRUE(parsed.status) << parsed.status.failure().detail;
+    const auto* o = &parsed.options;
     EXPECT_EQ(o->maxClients, 8);
     EXPECT_EQ(o->maxQueuedTotal, 4194304);
 }

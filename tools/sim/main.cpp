@@ -138,21 +138,20 @@ int Serve(int argc, char** argv, const SimOptions& options) {
 
 int Run(int argc, char** argv) {
     std::vector<std::string> args(argv + 1, argv + argc);
-    std::string error;
-    const auto parsed = ParseSimOptions(args, error);
-    if (!parsed) {
-        Error(error + " (--help for usage)");
+    const ParsedSimOptions parsed = ParseSimOptions(args);
+    if (!parsed.status) {
+        Error(parsed.status.failure().detail + " (--help for usage)");
         return kExitUsage;
     }
-    if (parsed->help) {
+    if (parsed.options.help) {
         std::cout << SimUsage();
         return 0;
     }
-    if (parsed->version) {
+    if (parsed.options.version) {
         std::cout << "lumeth-sim " << kProductVersion << "\n";
         return 0;
     }
-    return Serve(argc, argv, *parsed);
+    return Serve(argc, argv, parsed.options);
 }
 
 } // namespace

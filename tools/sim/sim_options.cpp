@@ -76,56 +76,56 @@ bool ParseFlag(const std::string& arg, SimOptions& options) {
     return true;
 }
 
-bool ParseListen(const std::string& v, SimOptions& options, std::string& error) {
+Status BadArgument(std::string line) {
+    return Status::Fail(ErrorCode::InvalidProcedureCall, std::move(line));
+}
+
+Status ParseListen(const std::string& v, SimOptions& options) {
     const auto colon = v.rfind(':');
     long port = 0;
     if (colon == std::string::npos || colon == 0 ||
         !ParseInt(v.substr(colon + 1), 0, 65535, port)) {
-        error = "--listen wants HOST:PORT with a port from 0 to 65535, not \"" + v + "\"";
-        return false;
+        return BadArgument("--listen wants HOST:PORT with a port from 0 to 65535, not \"" + v +
+                           "\"");
     }
     options.host = v.substr(0, colon);
     if (options.host.size() > 2 && options.host.front() == '[' && options.host.back() == ']') {
         options.host = options.host.substr(1, options.host.size() - 2);
     }
     options.port = static_cast<int>(port);
-    return true;
+    return Status::Ok();
 }
 
-// `arg` (one TakesValue accepts) with its value `v`; false with `error` set
-// when `v` does not suit it.
-bool ParseValue(const std::string& arg, const std::string& v, SimOptions& options,
-                std::string& error) {
+// `arg` (one TakesValue accepts) with its value `v`; fails when `v` does not
+// suit it.
+Status ParseValue(const std::string& arg, const std::string& v, SimOptions& options) {
     if (arg == "--listen") {
-        return ParseListen(v, options, error);
+        return ParseListen(v, options);
     }
     if (arg == "--state") {
         options.stateFile = v;
     } else if (arg == "--demo") {
         if (v != "demo" && v != "large" && v != "max") {
-            error = "--demo wants demo, large or max, not \"" + v + "\"";
-            return false;
+            return BadArgument("--demo wants demo, large or max, not \"" + v + "\"");
         }
         options.demo = v;
     } else if (const NumberOption* number = FindNumberOption(arg)) {
         long n = 0;
         if (!ParseInt(v, number->min, number->max, n)) {
-            error = arg + " wants a whole number from " + std::to_string(number->min) + " to " +
-                    std::to_string(number->max) + ", not \"" + v + "\"";
-            return false;
+            return BadArgument(arg + " wants a whole number from " + std::to_string(number->min) +
+                               " to " + std::to_string(number->max) + ", not \"" + v + "\"");
         }
         number->set(options, n);
     } else {
         double p = 0;
         if (!ParseProbability(v, p)) {
-            error = arg + " wants a probability from 0 to 1, not \"" + v + "\"";
-            return false;
+            return BadArgument(arg + " wants a probability from 0 to 1, not \"" + v + "\"");
         }
         (arg == "--fault-garbage"    ? options.faults.garbage
          : arg == "--fault-checksum" ? options.faults.checksum
                                      : options.faults.cut) = p;
     }
-    return true;
+    return Status::Ok();
 }
 
 } // namespace
@@ -147,27 +147,23 @@ const char* SimUsage() {
            "Exit codes: 1 bad arguments, 2 bad state file, 3 cannot listen.\n";
 }
 
-std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args,
-                                          std::string& error) {
-    SimOptions options;
-    for (size_t i = 0; i < args.size(); ++i) {
+ParsedSimOptions ParseSimOptions(const std::vector<std::string>& args) {
+    ParsedSimOptions parsed;
+    SimOptions& options = parsed.options;
+    for (size_t i = 0; i < args.size() && parsed.status; ++i) {
         const std::string& arg = args[i];
         if (ParseFlag(arg, options)) {
             continue;
         }
         if (!TakesValue(arg)) {
-            error = "unknown argument \"" + arg + "\"";
-            return std::nullopt;
-        }
-        if (i + 1 >= args.size()) {
-            error = arg + " needs a value";
-            return std::nullopt;
-        }
-        if (!ParseValue(arg, args[++i], options, error)) {
-            return std::nullopt;
+            parsed.status = BadArgument("unknown argument \"" + arg + "\"");
+        } else if (i + 1 >= args.size()) {
+            parsed.status = BadArgument(arg + " needs a value");
+        } else {
+            parsed.status = ParseValue(arg, args[++i], options);
         }
     }
-    return options;
+    return parsed;
 }
 
 } // namespace lumeth::sim

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "model/failure.h"
 #include "tools/sim/fault_injector.h"
 
 namespace lumeth::sim {
@@ -24,8 +25,13 @@ struct SimOptions {
     bool version = false;
 };
 
-// Parse argv[1..]; on error returns nullopt and sets `error` to one line.
-std::optional<SimOptions> ParseSimOptions(const std::vector<std::string>& args, std::string& error);
+// The options read from argv[1..]; a failed status's detail is the one line
+// that says what is wrong.
+struct ParsedSimOptions {
+    SimOptions options;
+    Status status;
+};
+ParsedSimOptions ParseSimOptions(const std::vector<std::string>& args);
 
 // The usage text.
 const char* SimUsage();
