@@ -134,7 +134,7 @@ private:
         if (!s)
             return;
         if (channel == kNoChannel)
-            Warn(at, std::string(function.longName) + " needs a channel and has none");
+            Warn(at, std::string(function.longName) + " without a channel");
         else
             Channel(at, *s, channel);
     }

@@ -209,7 +209,7 @@ private slots:
         QCOMPARE(ReviewedLines([this] {
                      QTest::mouseClick(Child<QLabel>(m_window, "stbStatus_2"), Qt::LeftButton);
                  }),
-                 QStringList({QString("Group \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
+                 QStringList({QString("Gr.001 \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
     }
 
     void theGrowthTo32ButtonsIsOneLine() {
