@@ -29,9 +29,14 @@ std::string ListRecordName(const PanelStore& store, SubType s, int position) {
     return text;
 }
 
-std::string TemplateRecordName(const PanelStore& store, int index) {
+std::string TemplateKey(int index) {
     std::string text = "template ";
     text += ZeroPadded(index + 1, 2);
+    return text;
+}
+
+std::string TemplateRecordName(const PanelStore& store, int index) {
+    std::string text = TemplateKey(index);
     if (index >= 0 && index < ValidCount(store.templates.templateCount))
         text.append(" ").append(
             QuotedName(RefAt(store.templates.templateNames, index), kNameWidth));

@@ -16,7 +16,9 @@ std::string QuotedName(const std::string& name, size_t width);
 std::string GroupRecordName(const PanelStore& store, int index);
 // "Input Lst.000 \"Mics\"", or the key alone for a list the store lacks.
 std::string ListRecordName(const PanelStore& store, SubType s, int position);
-// "template 01 \"Host\"" (numbers from 1, two digits).
+// "template 01" for index 0 (numbers from 1, two digits).
+std::string TemplateKey(int index);
+// "template 01 \"Host\"".
 std::string TemplateRecordName(const PanelStore& store, int index);
 // "Btn 13" for button index 12.
 std::string ButtonKey(int button);
