@@ -59,6 +59,40 @@ TEST(StoreCheck, FindingsNameTheirPathAndSeverity) {
     EXPECT_EQ(lines, expected);
 }
 
+// Only the same finding on consecutive keys of one template is one line: a
+// gap, another function or another template starts a new line.
+TEST(StoreCheck, RepeatedButtonFindingsAreGroupedAndCounted) {
+    PanelStore store;
+    store.templates.templateCount = 2;
+    store.templates.Resize(2);
+    store.templates.templateNames = {"Host", "Desk"};
+    const auto keys = [](std::vector<int> types) {
+        ButtonTemplate tmpl;
+        tmpl.buttons.clear();
+        tmpl.buttonCount = static_cast<int16_t>(types.size());
+        for (int type : types) {
+            PanelButton b = PanelButton::Cleared();
+            b.type = static_cast<int16_t>(type);
+            b.label = "KEY";
+            tmpl.buttons.push_back(b);
+        }
+        return tmpl;
+    };
+    // 40 Source Select needs a channel; 0 is a cleared key's function, which does too.
+    store.templates.buttonTemplates = {keys({40, 40, 40, 0, 40, 40}), keys({40, 40})};
+    const std::vector<CheckFinding> findings = CheckStore(store, false);
+    const std::vector<std::string> expected{
+        "warning: template 01 \"Host\" Btn 1-3: Source Select without a channel (3 keys)",
+        "warning: template 01 \"Host\" Btn 4: Console Source Select without a channel "
+        "[templates[0].buttons[3].channel]",
+        "warning: template 01 \"Host\" Btn 5-6: Source Select without a channel (2 keys)",
+        "warning: template 02 \"Desk\" Btn 1-2: Source Select without a channel (2 keys)",
+    };
+    EXPECT_EQ(CheckReportLines(findings, store), expected);
+    EXPECT_EQ(CheckSummary(findings), "0 errors, 8 warnings");
+    EXPECT_EQ(CheckSummary({}), "no problems found");
+}
+
 // Each count the messages carry in 14 bits, and the buttons of a template:
 // at the limit nothing blocks sending, one more is an error that does.
 TEST(StoreCheck, CountsPastWhatIsSentAreErrorsThatBlockSending) {
