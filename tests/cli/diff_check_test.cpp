@@ -100,8 +100,9 @@ TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
          "warning: Gr.001 \"" + DemoGroup() + "\": user group is empty [user_groups[0]]\n" +
              warned.toStdString() + ": 0 errors, 1 warning\n"},
         {failed, 2,
-         "error: Gr.001 \"" + DemoGroup() + "\" entry 1: points to Input list 99 of " + inputLists +
-             " [user_groups[0].lists[0]]\n" + failed.toStdString() + ": 1 error, 0 warnings\n"},
+         "error: Gr.001 \"" + DemoGroup() + "\" entry 1: points to Input Lst.099, past the " +
+             inputLists + " Input lists [user_groups[0].lists[0]]\n" + failed.toStdString() +
+             ": 1 error, 0 warnings\n"},
         {keys, 1,
          "warning: template 01 \"Host\" Btn 1-16: Console Source Select without a channel (16 "
          "keys)\n"

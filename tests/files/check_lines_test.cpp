@@ -47,7 +47,8 @@ TEST(StoreCheck, FindingsNameTheirPathAndSeverity) {
         "[display_lists.input[2]]",
         "error: Output Lst.000 \"Outs\" Ch.0006: channel 5 is outside the 0 Output channel names "
         "[display_lists.output[0].channels[0]]",
-        "error: Gr.001 \"Studio\" entry 2: points to Input list 3 of 3 [user_groups[0].lists[1]]",
+        "error: Gr.001 \"Studio\" entry 2: points to Input Lst.003, past the 3 Input lists "
+        "[user_groups[0].lists[1]]",
         "error: Gr.001 \"Studio\" entry 3: list type 51 is not 11, 21, 31 or 41 "
         "[user_groups[0].lists[2]]",
         "warning: Gr.002 \"Empty\": user group is empty [user_groups[1]]",
