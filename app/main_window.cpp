@@ -19,12 +19,14 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 #include "app/edit_recovery.h"
 #include "app/main_views.h"
 #include "app/window_layout.h"
 #include "files/backup_files.h"
+#include "files/check_report.h"
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "link/protocol.h"
@@ -180,6 +182,8 @@ void MainWindow::BuildMenus() {
     QAction* changes = MakeAction(edit, "mnuChanges", "&Review Changes...");
     changes->setShortcut(QKeySequence("Ctrl+D"));
     connect(changes, &QAction::triggered, this, &MainWindow::ReviewChanges);
+    connect(MakeAction(edit, "mnuCheck", "&Check Configuration..."), &QAction::triggered, this,
+            &MainWindow::ShowCheck);
     RefreshEditMenu();
 
     QMenu* help = bar->addMenu("&Help");
@@ -713,6 +717,18 @@ void MainWindow::ReviewChanges() {
         m_changes = new ChangesDialog(this);
     m_changes->setLines(ChangeLines());
     m_changes->exec();
+}
+
+void MainWindow::ShowCheck() {
+    // Channel numbers are checked against the names the store holds.
+    const bool names = std::any_of(kAllSubTypes.begin(), kAllSubTypes.end(),
+                                   [this](SubType s) { return m_store.alpha(s).count > 0; });
+    const std::vector<CheckFinding> findings = CheckStore(m_store, names);
+    std::vector<std::string> lines = CheckReportLines(findings, m_store);
+    lines.push_back(CheckSummary(findings));
+    ChangesDialog dialog(this, ChangesDialog::Report::Check);
+    dialog.setLines(lines);
+    dialog.exec();
 }
 
 bool MainWindow::ConfirmUnreceivedParts() {

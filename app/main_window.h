@@ -60,10 +60,12 @@ public:
     void LoadAll();
     void ShowSetup();
     void ShowAbout();
-    // Edit menu: undo and redo a step, review what Apply would change.
+    // Edit menu: undo and redo a step, review what Apply would change, check.
     void Undo();
     void Redo();
     void ReviewChanges();
+    // The problems check finds in the configuration shown, read-only.
+    void ShowCheck();
     // The poll timer's login: disable the window and show the login dialog.
     void ShowLogin();
 

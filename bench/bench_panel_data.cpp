@@ -10,6 +10,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "files/check_report.h"
 #include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
@@ -168,8 +169,11 @@ BENCHMARK(BM_JsonRefuseLongString)->Arg(1)->Arg(256)->Unit(benchmark::kMicroseco
 // past every 14-bit count: the checks stay linear in the entries.
 void BM_CheckMax(benchmark::State& state) {
     const lumeth::PanelStore store = lumeth::sim::MakeDemo("max").store;
+    // What check prints: the findings, their grouped lines and the count.
     for (auto _ : state) {
-        benchmark::DoNotOptimize(lumeth::CheckStore(store, true));
+        const std::vector<lumeth::CheckFinding> findings = lumeth::CheckStore(store, true);
+        benchmark::DoNotOptimize(lumeth::CheckReportLines(findings, store));
+        benchmark::DoNotOptimize(lumeth::CheckSummary(findings));
     }
 }
 BENCHMARK(BM_CheckMax)->Unit(benchmark::kMillisecond);

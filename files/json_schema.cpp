@@ -177,14 +177,6 @@ std::string JsonPath(const StoreLocation& at) {
     return path;
 }
 
-std::string CheckFindingLine(const CheckFinding& finding) {
-    std::string line = finding.severity == CheckFinding::Severity::Error ? "error: " : "warning: ";
-    line += JsonPath(finding.location) + ": " + finding.message;
-    if (finding.other)
-        line += JsonPath(*finding.other);
-    return line;
-}
-
 Status RequireSections(PartSet present, const std::string& why) {
     const PartSet missing = kUploadParts - present;
     if (missing.empty())

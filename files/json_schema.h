@@ -89,8 +89,6 @@ const JsonNode& JsonSection(Part part);
 std::string JsonIndex(size_t index);
 // "display_lists.input[2].channels[5]", "user_groups[0]", "alphas.relay".
 std::string JsonPath(const StoreLocation& at);
-// "error: user_groups[0].lists[1]: ..." / "warning: ...".
-std::string CheckFindingLine(const CheckFinding& finding);
 // Fails naming the upload sections not in `present`: for sending a document,
 // where a missing section would empty that part on the server module.
 // `why` ends the message.

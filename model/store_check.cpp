@@ -5,6 +5,7 @@
 
 #include "model/button_catalogue.h"
 #include "model/limits.h"
+#include "model/view_keys.h"
 
 namespace lumeth {
 
@@ -100,9 +101,10 @@ private:
                 if (!subType) {
                     Fail(entry, "list type " + std::to_string(type) + " is not 11, 21, 31 or 41");
                 } else if (index < 0 || index >= m_store.listCount(*subType)) {
-                    Fail(entry, "points to " + std::string(SubTypeName(*subType)) + " list " +
-                                    std::to_string(index) + " of " +
-                                    std::to_string(m_store.listCount(*subType)));
+                    const std::string lists = SubTypeName(*subType);
+                    Fail(entry, "points to " + lists + " " + ListKey(index) + ", past the " +
+                                    std::to_string(m_store.listCount(*subType)) + " " + lists +
+                                    " lists");
                 }
             }
         }
@@ -134,7 +136,7 @@ private:
         if (!s)
             return;
         if (channel == kNoChannel)
-            Warn(at, std::string(function.longName) + " needs a channel and has none");
+            Warn(at, std::string(function.longName) + " without a channel");
         else
             Channel(at, *s, channel);
     }

@@ -10,18 +10,12 @@
 #include "model/button_templates.h"
 #include "model/limits.h"
 #include "model/number_text.h"
+#include "model/record_names.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
 
 namespace {
-
-std::string Quoted(const std::string& text, size_t width) {
-    std::string quoted(1, '"');
-    quoted += AsSent(text, width);
-    quoted += '"';
-    return quoted;
-}
 
 // "1 channel", "3 channels"
 std::string Count(int n, const char* noun) {
@@ -58,30 +52,13 @@ public:
     }
 
 private:
-    const AlphaTable& Names(SubType s) const {
-        return m_after.alpha(s).count > 0 ? m_after.alpha(s) : m_before.alpha(s);
-    }
-
-    // "MIC 1" as sent; empty when the table has no name for it.
-    std::string ChannelName(SubType s, int channel) const {
-        const AlphaTable& table = Names(s);
-        if (channel < 0 || channel >= table.count)
-            return {};
-        return AsSent(RefAt(table.channelNames, channel), kNameWidth);
-    }
-
-    // "MIC 1" (Ch.0001), or Ch.0001 alone without a name.
+    // Input Ch.0001 "MIC 1", or Input Ch.0001 alone without a name.
     std::string Channel(SubType s, int channel) const {
-        const std::string name = ChannelName(s, channel);
-        return name.empty() ? ChannelKey(channel)
-                            : "\"" + name + "\" (" + ChannelKey(channel) + ")";
+        return ChannelRecordName(m_after.alpha(s).count > 0 ? m_after : m_before, s, channel);
     }
 
     static std::string ListName(const PanelStore& store, SubType s, int position) {
-        const std::string head = std::string(SubTypeName(s)) + " list ";
-        if (position < 0 || position >= store.listCount(s))
-            return head + std::to_string(position);
-        return head + Quoted(RefAt(store.lists(s), position).name, kNameWidth);
+        return ListRecordName(store, s, position);
     }
 
     void DisplayLists(SubType s) {
@@ -101,7 +78,7 @@ private:
             const DisplayList& was = m_before.lists(s)[static_cast<size_t>(i)];
             const DisplayList& now = m_after.lists(s)[static_cast<size_t>(i)];
             if (AsSent(was.name, kNameWidth) != AsSent(now.name, kNameWidth))
-                Add(ListName(m_before, s, i) + " renamed to " + Quoted(now.name, kNameWidth));
+                Add(ListName(m_before, s, i) + " renamed to " + QuotedName(now.name, kNameWidth));
             Channels(s, ListName(m_after, s, i), Members(was.channels, was.channelCount),
                      Members(now.channels, now.channelCount));
         }
@@ -179,7 +156,7 @@ private:
     }
 
     static std::string GroupName(const PanelStore& store, int i) {
-        return "Group " + Quoted(RefAt(store.groups.userGroupNames, i), kNameWidth);
+        return GroupRecordName(store, i);
     }
 
     static std::vector<std::pair<int16_t, int16_t>> Entries(const UserGroup& group) {
@@ -229,7 +206,7 @@ private:
             if (AsSent(RefAt(m_before.groups.userGroupNames, i), kNameWidth) !=
                 AsSent(RefAt(m_after.groups.userGroupNames, i), kNameWidth))
                 Add(GroupName(m_before, i) + " renamed to " +
-                    Quoted(RefAt(m_after.groups.userGroupNames, i), kNameWidth));
+                    QuotedName(RefAt(m_after.groups.userGroupNames, i), kNameWidth));
             // Entries pair as channels do: a list named twice counts twice, and
             // the panel shows a group's lists in its entry order.
             const auto was = Numbered(Entries(RefAt(m_before.groups.userGroups, i)));
@@ -259,7 +236,7 @@ private:
     }
 
     static std::string TemplateName(const PanelStore& store, int i) {
-        return "Template " + Quoted(RefAt(store.templates.templateNames, i), kNameWidth);
+        return TemplateRecordName(store, i);
     }
 
     std::string ButtonChannel(std::optional<SubType> s, int channel) const {
@@ -267,8 +244,7 @@ private:
             return "no channel";
         if (!s)
             return "channel " + std::to_string(channel);
-        const std::string name = ChannelName(*s, channel);
-        return name.empty() ? "channel " + std::to_string(channel) : "\"" + name + "\"";
+        return Channel(*s, channel);
     }
 
     // Listen, "MIC 1", label "MIC1"
@@ -278,7 +254,7 @@ private:
         text += ", " + ButtonChannel(function.channelSubType, b.channel);
         if (function.channel2SubType)
             text += ", " + ButtonChannel(function.channel2SubType, b.channel2);
-        text += ", label " + Quoted(b.label, kLabelWidth);
+        text += ", label " + QuotedName(b.label, kLabelWidth);
         if (b.captionOption & 1)
             text += " shown";
         return text;
@@ -305,14 +281,14 @@ private:
             if (AsSent(RefAt(m_before.templates.templateNames, i), kNameWidth) !=
                 AsSent(RefAt(m_after.templates.templateNames, i), kNameWidth))
                 Add(TemplateName(m_before, i) + " renamed to " +
-                    Quoted(RefAt(m_after.templates.templateNames, i), kNameWidth));
+                    QuotedName(RefAt(m_after.templates.templateNames, i), kNameWidth));
             const ButtonTemplate& was = RefAt(m_before.templates.buttonTemplates, i);
             const ButtonTemplate& now = RefAt(m_after.templates.buttonTemplates, i);
             const std::string name = TemplateName(m_after, i);
             if (was.number != now.number)
                 Add(name + ": number " + std::to_string(was.number) + " changed to " +
                     std::to_string(now.number));
-            Buttons(i, name, was, now);
+            Buttons(name, was, now);
         }
     }
 
@@ -320,14 +296,11 @@ private:
     // to 32 buttons. Its buttons are then listed only where they differ from
     // what the growth adds (or from a cleared one, as a button a template does
     // not hold reads).
-    void Buttons(int i, const std::string& name, const ButtonTemplate& was,
-                 const ButtonTemplate& now) {
+    void Buttons(const std::string& name, const ButtonTemplate& was, const ButtonTemplate& now) {
         const int held = ValidCount(was.buttonCount);
         const int holds = ValidCount(now.buttonCount);
         if (holds > held)
-            Add("template " + ZeroPadded(i + 1, 2) + " " +
-                Quoted(RefAt(m_after.templates.templateNames, i), kNameWidth) + ": grown from " +
-                std::to_string(held) + " to " + Count(holds, "button"));
+            Add(name + ": grown from " + std::to_string(held) + " to " + Count(holds, "button"));
         for (int k = 0; k < std::max(held, holds); ++k) {
             const PanelButton b = k < holds ? RefAt(now.buttons, k) : PanelButton::Cleared();
             if (k < held) {
@@ -342,8 +315,7 @@ private:
 
     std::string ButtonLine(const std::string& name, int k, const PanelButton& a,
                            const PanelButton& b) const {
-        return name + " button " + std::to_string(k + 1) + ": " + Button(a) + " changed to " +
-               Button(b);
+        return name + " " + ButtonKey(k) + ": " + Button(a) + " changed to " + Button(b);
     }
 
     void Add(std::string line) { m_lines.push_back(std::move(line)); }

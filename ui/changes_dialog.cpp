@@ -11,11 +11,12 @@
 
 namespace lumeth {
 
-ChangesDialog::ChangesDialog(QWidget* parent) : QDialog(parent) {
-    setObjectName("frmChanges");
-    setWindowTitle("Review Changes");
+ChangesDialog::ChangesDialog(QWidget* parent, Report report) : QDialog(parent), m_report(report) {
+    const bool changes = report == Report::Changes;
+    setObjectName(changes ? "frmChanges" : "frmCheck");
+    setWindowTitle(changes ? "Review Changes" : "Check Configuration");
     m_text = new QPlainTextEdit(this);
-    m_text->setObjectName("txtChanges");
+    m_text->setObjectName(changes ? "txtChanges" : "txtCheck");
     m_text->setReadOnly(true);
     m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -29,7 +30,7 @@ ChangesDialog::ChangesDialog(QWidget* parent) : QDialog(parent) {
 }
 
 void ChangesDialog::setLines(const std::vector<std::string>& lines) {
-    if (lines.empty()) {
+    if (lines.empty() && m_report == Report::Changes) {
         m_text->setPlainText(kNoChangesLine);
         return;
     }

@@ -9,19 +9,22 @@ class QPlainTextEdit;
 
 namespace lumeth {
 
-// frmChanges, "Review Changes": the difference between the configuration as
-// last received from the server module and the one shown, one change per
-// line in the read-only txtChanges.
+// A read-only report, one line per item. frmChanges, "Review Changes": the
+// difference between the configuration as last received from the server
+// module and the one shown, in txtChanges. frmCheck, "Check Configuration":
+// the problems check finds, in txtCheck.
 class ChangesDialog : public QDialog {
     Q_OBJECT
 public:
-    explicit ChangesDialog(QWidget* parent = nullptr);
+    enum class Report { Changes, Check };
+    explicit ChangesDialog(QWidget* parent = nullptr, Report report = Report::Changes);
 
     // The report's lines (bytes); an empty report says there is no change.
     void setLines(const std::vector<std::string>& lines);
 
 private:
     QPlainTextEdit* m_text = nullptr;
+    Report m_report;
 };
 
 } // namespace lumeth

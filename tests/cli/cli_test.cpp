@@ -66,8 +66,9 @@ TEST_F(Cli, ShowListsNamesFunctionsAndChannelNames) {
     const testing::CliResult r = Run({"show", kDemo});
     ASSERT_EQ(r.exitCode, 0) << r.err;
     for (const char* expected :
-         {"Input display lists: 7", "[0] \"Studio A Mics\" (6 channels)", "STA MIC 1 [0001]",
-          "User groups: 5", "        Relay [0] \"Studio Lights\"", "\"Studio A Desk\" Template # 1",
+         {"Input display lists: 7", "Lst.000 \"Studio A Mics\" (6 channels)", "STA MIC 1 [0001]",
+          "User groups: 5", "\n  Gr.001 \"", "\n        Btn 1: ",
+          "        Relay Lst.000 \"Studio Lights\"", "template 01 \"Studio A Desk\" Template # 1",
           "channel STA RED LT [0001], channel 2 STA ON AIR [0001], label \"ON AIR\" (custom)",
           "Relay Toggle - Opto Tally", "Output Select W/Listen"}) {
         EXPECT_NE(r.out.find(expected), std::string::npos) << expected;

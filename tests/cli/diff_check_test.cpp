@@ -9,6 +9,7 @@
 #include "files/panel_data_file.h"
 #include "model/button_templates.h"
 #include "model/cp1252.h"
+#include "model/limits.h"
 
 namespace lumeth {
 namespace {
@@ -59,7 +60,7 @@ TEST_F(DiffCheck, DiffExitsLikeDiff) {
         std::string out;
     } cases[] = {
         {{"diff", kDemo, same}, 0, "No changes.\n"},
-        {{"diff", kDemo, renamed}, 1, "Group \"" + DemoGroup() + "\" renamed to \"Renamed\"\n"},
+        {{"diff", kDemo, renamed}, 1, "Gr.001 \"" + DemoGroup() + "\" renamed to \"Renamed\"\n"},
         {{"diff", held, grown}, 1, "template 01 \"Host\": grown from 1 to 32 buttons\n"},
         {{"diff", kDemo}, 2, ""},
         {{"diff", kDemo, Path("missing.dat")}, 2, ""},
@@ -79,6 +80,15 @@ TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
         s.groups.userGroups[0].listTypes[0] = 11;
         s.groups.userGroups[0].listIndexes[0] = 99;
     });
+    // Cleared keys 1-16 and Source Select keys 17-32, none with a channel.
+    const QString keys = Edited("keys.json", [](PanelStore& s) {
+        s.templates.templateNames[0] = "Host";
+        ButtonTemplate& host = s.templates.buttonTemplates[0];
+        host.buttonCount = kTemplateButtons;
+        host.buttons.assign(kTemplateButtons, PanelButton::Cleared());
+        for (int k = 16; k < kTemplateButtons; ++k)
+            host.buttons[static_cast<size_t>(k)].type = 40; // Source Select
+    });
     const std::string inputLists = std::to_string(m_demo.listCount(SubType::Input));
     const struct {
         QString file;
@@ -86,9 +96,18 @@ TEST_F(DiffCheck, CheckExitsWithTheWorstFindingAndApplyRefusesErrors) {
         std::string out;
     } cases[] = {
         {kDemo, 0, kDemo.toStdString() + ": no problems found\n"},
-        {warned, 1, "warning: user_groups[0]: user group is empty\n"},
+        {warned, 1,
+         "warning: Gr.001 \"" + DemoGroup() + "\": user group is empty [user_groups[0]]\n" +
+             warned.toStdString() + ": 0 errors, 1 warning\n"},
         {failed, 2,
-         "error: user_groups[0].lists[0]: points to Input list 99 of " + inputLists + "\n"},
+         "error: Gr.001 \"" + DemoGroup() + "\" entry 1: points to Input Lst.099, past the " +
+             inputLists + " Input lists [user_groups[0].lists[0]]\n" + failed.toStdString() +
+             ": 1 error, 0 warnings\n"},
+        {keys, 1,
+         "warning: template 01 \"Host\" Btn 1-16: Console Source Select without a channel (16 "
+         "keys)\n"
+         "warning: template 01 \"Host\" Btn 17-32: Source Select without a channel (16 keys)\n" +
+             keys.toStdString() + ": 0 errors, 32 warnings\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.file.toStdString());
@@ -127,10 +146,11 @@ TEST_F(DiffCheck, CheckAndShowTellADamagedPanelDataFile) {
         const char* file;
         std::string line;
     } cases[] = {
-        {"flipped.dat",
-         "error: templates: template count " + negative + " is negative: the file is damaged\n"},
+        {"flipped.dat", "error: button templates: template count " + negative +
+                            " is negative: the file is damaged [templates]\n"},
         {"trailing.dat",
-         "error: templates: 1 byte follows the last template: the file is damaged\n"},
+         "error: button templates: 1 byte follows the last template: the file is damaged "
+         "[templates]\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.file);

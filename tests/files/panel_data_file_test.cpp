@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "files/check_report.h"
 #include "files/file_io.h"
 #include "files/json_schema.h"
 #include "files/panel_data_file.h"
@@ -324,13 +325,16 @@ TEST(PanelDataFile, NegativeCountsAreKeptAndLoadingGoesOn) {
     std::vector<std::string> damage;
     for (const CheckFinding& finding : r.damage) {
         EXPECT_TRUE(finding.blocksSending);
-        damage.push_back(CheckFindingLine(finding));
+        damage.push_back(CheckFindingLine(finding, store));
     }
     const std::vector<std::string> expected{
-        "error: display_lists.input: display list count -1 is negative: the file is damaged",
-        "error: display_lists.output[0]: channel count -32768 is negative: the file is damaged",
-        "error: user_groups: user group count -2 is negative: the file is damaged",
-        "error: templates[0]: button count -5 is negative: the file is damaged",
+        "error: Input display lists: display list count -1 is negative: the file is damaged "
+        "[display_lists.input]",
+        "error: Output Lst.000 \"Outs\": channel count -32768 is negative: the file is damaged "
+        "[display_lists.output[0]]",
+        "error: user groups: user group count -2 is negative: the file is damaged [user_groups]",
+        "error: template 01 \"T\": button count -5 is negative: the file is damaged "
+        "[templates[0]]",
     };
     EXPECT_EQ(damage, expected);
     // Saved again, a negative count is written as 0.
@@ -363,13 +367,15 @@ TEST(PanelDataFile, FlippedSignAndTrailingBytesAreReportedAsDamage) {
         {"flipped sign",
          flipped,
          -32766,
-         {"error: templates: template count -32766 is negative: the file is damaged",
-          "error: templates: " + std::to_string(Version3TemplatesSize() - 2) +
-              " bytes follow the last template: the file is damaged"}},
+         {"error: button templates: template count -32766 is negative: the file is damaged "
+          "[templates]",
+          "error: button templates: " + std::to_string(Version3TemplatesSize() - 2) +
+              " bytes follow the last template: the file is damaged [templates]"}},
         {"trailing bytes",
          file + "xyz",
          2,
-         {"error: templates: 3 bytes follow the last template: the file is damaged"}},
+         {"error: button templates: 3 bytes follow the last template: the file is damaged "
+          "[templates]"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -379,7 +385,7 @@ TEST(PanelDataFile, FlippedSignAndTrailingBytesAreReportedAsDamage) {
         EXPECT_EQ(store.templates.templateCount, c.templates);
         std::vector<std::string> damage;
         for (const CheckFinding& finding : r.damage)
-            damage.push_back(CheckFindingLine(finding));
+            damage.push_back(CheckFindingLine(finding, store));
         EXPECT_EQ(damage, c.damage);
     }
 }

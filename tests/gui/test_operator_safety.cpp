@@ -140,10 +140,11 @@ private:
 
     // The lines of Review Changes as `open` brings it up (the status panel's
     // click opens it from the event loop, after `open` has returned).
-    QStringList ReviewedLines(const std::function<void()>& open) {
+    QStringList ReviewedLines(const std::function<void()>& open, const char* form = "frmChanges",
+                              const char* textName = "txtChanges") {
         auto text = std::make_shared<QString>();
-        WhenModal("frmChanges", [text](QWidget* dialog) {
-            auto* view = Child<QPlainTextEdit>(dialog, "txtChanges");
+        WhenModal(form, [text, textName](QWidget* dialog) {
+            auto* view = Child<QPlainTextEdit>(dialog, textName);
             *text = view->isReadOnly() ? view->toPlainText() : "(editable)";
             qobject_cast<QDialog*>(dialog)->reject();
         });
@@ -200,7 +201,8 @@ private slots:
         for (QAction* action : Child<QMenu>(m_window, "mnuEditMenu")->actions())
             menus << action->text() + " " + action->shortcut().toString();
         QCOMPARE(menus, QStringList({"mnuFile", "mnuEditMenu", "mnuHelp", "&Undo Ctrl+Z",
-                                     "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D"}));
+                                     "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D",
+                                     "&Check Configuration... "}));
         QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
                  QStringList({"No changes."}));
 
@@ -209,7 +211,31 @@ private slots:
         QCOMPARE(ReviewedLines([this] {
                      QTest::mouseClick(Child<QLabel>(m_window, "stbStatus_2"), Qt::LeftButton);
                  }),
-                 QStringList({QString("Group \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
+                 QStringList({QString("Gr.001 \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
+    }
+
+    // Check Configuration lists check's lines read-only, repeated findings
+    // grouped, and ends with the count.
+    void checkConfigurationListsTheFindings() {
+        // From key 5 on, the first template's keys select a source, none set.
+        Connect(false, [](PanelStore& store) {
+            ButtonTemplate& tpl = store.templates.buttonTemplates[0];
+            for (int k = 4; k < tpl.buttonCount; ++k) {
+                tpl.buttons[static_cast<size_t>(k)].type = 40; // Source Select
+                tpl.buttons[static_cast<size_t>(k)].channel = kNoChannel;
+            }
+        });
+        const int keys = m_demo.templates.buttonTemplates[0].buttonCount;
+        QVERIFY(keys > 5);
+        const QString name = ToQt(m_demo.templates.templateNames[0]).trimmed();
+        QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuCheck")->trigger(); },
+                               "frmCheck", "txtCheck"),
+                 QStringList({QString("warning: template 01 \"%1\" Btn 5-%2: Source Select "
+                                      "without a channel (%3 keys)")
+                                  .arg(name)
+                                  .arg(keys)
+                                  .arg(keys - 4),
+                              QString("0 errors, %1 warnings").arg(keys - 4)}));
     }
 
     void theGrowthTo32ButtonsIsOneLine() {

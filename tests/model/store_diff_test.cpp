@@ -65,11 +65,12 @@ TEST(StoreDiff, EachEditGivesItsLines) {
              s.templates.buttonTemplates[0].buttons[7].label = "TB";
              s.templates.buttonTemplates[0].buttons[0] = PanelButton::Cleared();
          },
-         {"Template \"Desk\" renamed to \"Host\"",
+         {"template 01 \"Desk\" renamed to \"Host\"",
           "template 01 \"Host\": grown from 2 to 32 buttons",
-          "Template \"Host\" button 1: Source Select, \"MIC 1\", label \"MIC\" changed to "
+          "template 01 \"Host\" Btn 1: Source Select, Input Ch.0001 \"MIC 1\", label \"MIC\" "
+          "changed to "
           "Console Source Select, no channel, label \"\"",
-          "Template \"Host\" button 8: Console Source Select, no channel, label \"Button 8\" "
+          "template 01 \"Host\" Btn 8: Console Source Select, no channel, label \"Button 8\" "
           "changed to "
           "Console Source Select, no channel, label \"TB\""}},
         {"buttons dropped: no growth line",
@@ -77,46 +78,47 @@ TEST(StoreDiff, EachEditGivesItsLines) {
          {}},
         {"rename",
          [&](PanelStore& s) { inputs(s)[0].name = "Voices"; },
-         {"Input list \"Mics\" renamed to \"Voices\""}},
+         {"Input Lst.000 \"Mics\" renamed to \"Voices\""}},
         {"channels removed, added, moved",
          [&](PanelStore& s) {
              inputs(s)[0] = test::List("Mics", {2, 0, 3});
          },
-         {"Input list \"Mics\": removed \"MIC 2\" (Ch.0002)",
-          "Input list \"Mics\": added \"MIC 4\" (Ch.0004)",
-          "Input list \"Mics\": moved \"MIC 3\" (Ch.0003)"}},
+         {"Input Lst.000 \"Mics\": removed Input Ch.0002 \"MIC 2\"",
+          "Input Lst.000 \"Mics\": added Input Ch.0004 \"MIC 4\"",
+          "Input Lst.000 \"Mics\": moved Input Ch.0003 \"MIC 3\""}},
         {"a channel listed a second time",
          [&](PanelStore& s) {
              inputs(s)[0] = test::List("Mics", {0, 1, 2, 0});
          },
-         {"Input list \"Mics\": added \"MIC 1\" (Ch.0001)"}},
+         {"Input Lst.000 \"Mics\": added Input Ch.0001 \"MIC 1\""}},
         {"a list added and one removed",
          [&](PanelStore& s) {
              s.listCount(SubType::Input) = 1;
              s.listCount(SubType::Output) = 2;
              s.lists(SubType::Output).push_back(test::List("Cue", {1, 2}));
          },
-         {"Input list \"Spare\" removed", "Output list \"Cue\" added (2 channels)"}},
+         {"Input Lst.001 \"Spare\" removed", "Output Lst.001 \"Cue\" added (2 channels)"}},
         {"group entries and name",
          [](PanelStore& s) {
              s.groups.userGroupNames[0] = "Studio B";
              s.groups.userGroups[0] = test::Group({{0, 11}, {1, 11}});
          },
-         {"Group \"Studio\" renamed to \"Studio B\"",
-          "Group \"Studio B\": removed Output list \"Outs\"",
-          "Group \"Studio B\": added Input list \"Spare\""}},
+         {"Gr.001 \"Studio\" renamed to \"Studio B\"",
+          "Gr.001 \"Studio B\": removed Output Lst.000 \"Outs\"",
+          "Gr.001 \"Studio B\": added Input Lst.001 \"Spare\""}},
         {"group entries in another order, one named twice",
          [](PanelStore& s) {
              s.groups.userGroups[0] = test::Group({{0, 21}, {0, 11}, {0, 11}});
          },
-         {"Group \"Studio\": added Input list \"Mics\"",
-          "Group \"Studio\": moved Output list \"Outs\""}},
+         {"Gr.001 \"Studio\": added Input Lst.000 \"Mics\"",
+          "Gr.001 \"Studio\": moved Output Lst.000 \"Outs\""}},
         {"a button's label and channel",
          [](PanelStore& s) {
              s.templates.buttonTemplates[0].buttons[0].label = "VOX";
              s.templates.buttonTemplates[0].buttons[0].channel = kNoChannel;
          },
-         {"Template \"Desk\" button 1: Source Select, \"MIC 1\", label \"MIC\" changed to Source "
+         {"template 01 \"Desk\" Btn 1: Source Select, Input Ch.0001 \"MIC 1\", label \"MIC\" "
+          "changed to Source "
           "Select, no channel, label \"VOX\""}},
     };
     const PanelStore before = Base();

@@ -1,7 +1,7 @@
 #include <iostream>
 
+#include "files/check_report.h"
 #include "files/configuration_file.h"
-#include "files/json_schema.h"
 #include "model/cp1252.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
@@ -20,13 +20,14 @@ constexpr int kErrors = 2;
 
 std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out) {
     std::vector<CheckFinding> findings = CheckConfiguration(config);
-    for (const CheckFinding& finding : findings)
-        out << cp1252::ToUtf8(CheckFindingLine(finding)) << "\n";
+    for (const std::string& line : CheckReportLines(findings, config.store))
+        out << cp1252::ToUtf8(line) << "\n";
     return findings;
 }
 
-// check FILE: one line per problem with its JSON path; 0 clean, 1 warnings
-// only, 2 errors (a file that cannot be read is one).
+// check FILE: one line per problem (repeated ones grouped), then the count of
+// errors and warnings; 0 clean, 1 warnings only, 2 errors (a file that cannot
+// be read is one).
 int RunCheck(const std::vector<std::string>& args) {
     if (args.size() != 1 || args[0].starts_with("-")) {
         UsageError("check needs exactly one FILE");
@@ -36,10 +37,9 @@ int RunCheck(const std::vector<std::string>& args) {
     if (!config.status)
         return InputError(args[0], config.status);
     const std::vector<CheckFinding> findings = PrintChecks(config, std::cout);
-    if (findings.empty()) {
-        std::cout << args[0] << ": no problems found\n";
+    std::cout << args[0] << ": " << CheckSummary(findings) << "\n";
+    if (findings.empty())
         return kClean;
-    }
     return HasErrors(findings) ? kErrors : kWarnings;
 }
 

@@ -5,6 +5,8 @@
 #include "model/button_catalogue.h"
 #include "model/cp1252.h"
 #include "model/limits.h"
+#include "model/record_names.h"
+#include "model/view_keys.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 
@@ -80,7 +82,7 @@ void ShowDisplayLists(const Configuration& doc, std::ostream& out) {
             if (list == nullptr) {
                 break;
             }
-            out << "  [" << i << "] " << Quoted(list->name) << " "
+            out << "  " << ListKey(i) << " " << Quoted(list->name) << " "
                 << Counted(list->channelCount, "channel", "channels") << "\n";
             for (int k = 0; k < list->channelCount; ++k) {
                 const int16_t* channel = Entry(list->channels, k, list->channelCount);
@@ -102,7 +104,7 @@ void ShowUserGroups(const Configuration& doc, std::ostream& out) {
         if (group == nullptr || name == nullptr) {
             break;
         }
-        out << "  [" << i << "] " << Quoted(*name) << " "
+        out << "  " << GroupKey(i) << " " << Quoted(*name) << " "
             << Counted(group->listCount, "list", "lists") << "\n";
         for (int k = 0; k < group->listCount; ++k) {
             const int16_t* type = Entry(group->listTypes, k, group->listCount);
@@ -116,7 +118,7 @@ void ShowUserGroups(const Configuration& doc, std::ostream& out) {
                 continue;
             }
             const DisplayList* list = Entry(store.lists(*sub), *index, store.listCount(*sub));
-            out << "        " << SubTypeName(*sub) << " [" << *index << "] "
+            out << "        " << SubTypeName(*sub) << " " << ListKey(*index) << " "
                 << (list ? Quoted(list->name) : std::string("*Invalid*")) << "\n";
         }
     }
@@ -133,8 +135,8 @@ void ShowTemplates(const Configuration& doc, std::ostream& out) {
         if (tmpl == nullptr || name == nullptr) {
             break;
         }
-        out << "  [" << i << "] " << Quoted(*name) << " Template # " << tmpl->number << " "
-            << Counted(tmpl->buttonCount, "button", "buttons") << "\n";
+        out << "  " << TemplateKey(i) << " " << Quoted(*name) << " Template # " << tmpl->number
+            << " " << Counted(tmpl->buttonCount, "button", "buttons") << "\n";
         for (int k = 0; k < tmpl->buttonCount; ++k) {
             const PanelButton* b = Entry(tmpl->buttons, k, tmpl->buttonCount);
             if (b == nullptr) {
@@ -143,7 +145,7 @@ void ShowTemplates(const Configuration& doc, std::ostream& out) {
             // A code outside the catalogue is listed by its number.
             const ButtonFunction& row = ButtonFunctionOf(b->type);
             const ButtonFunction* f = row.code == b->type ? &row : nullptr;
-            out << "        button " << k + 1 << ": "
+            out << "        " << ButtonKey(k) << ": "
                 << (f ? std::string(f->longName) : "unknown function " + std::to_string(b->type));
             const auto channel = [&](const std::optional<SubType>& table, int16_t value) {
                 if (table) {
