@@ -50,6 +50,9 @@ struct PanelButton {
     int16_t channel = 0;
     int16_t channel2 = 0;
 
+    // The panel shows `label` on this button rather than its channel's name.
+    bool usesCustomLabel() const { return (captionOption & 1) != 0; }
+
     // A cleared or newly added button: no channels, caption option 0.
     static PanelButton Cleared() {
         PanelButton b;

@@ -20,6 +20,7 @@
 #include <QRadioButton>
 #include <QShowEvent>
 #include <QStringListModel>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -45,6 +46,9 @@ namespace lumeth {
 namespace {
 
 constexpr int kNumberDigits = 3;
+// Grid rows per row of keys: number, strip, key, strip, function, custom
+// label, gap.
+constexpr int kKeyRows = 7;
 constexpr std::string_view kButtonError = "Button Error";
 
 // Puts `text` on a key face, in a smaller font when the dialog's font would
@@ -111,9 +115,17 @@ ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorRe
     setWindowTitle("Program Buttons");
     setModal(true);
     // The selected key stands out from the other fifteen.
-    setStyleSheet("QPushButton[controlArray=\"cmdButton\"]:checked {"
+    // The selected key stands out from the other fifteen; a key that shows
+    // its custom label on the panel has a blue edge, and the label itself sits
+    // under the key on a blue chip.
+    setStyleSheet("QPushButton[controlArray=\"cmdButton\"][customLabel=\"true\"] {"
+                  " border: 2px solid #2f6fb3; border-radius: 3px; }"
+                  "QPushButton[controlArray=\"cmdButton\"]:checked {"
                   " background: #ffe3a3; border: 2px solid #d98c1f; border-radius: 3px;"
-                  " font-weight: bold; }");
+                  " font-weight: bold; }"
+                  "QLabel[controlArray=\"lblCustom\"] {"
+                  " background: #dbe8f6; color: #123d6b; border: 1px solid #2f6fb3;"
+                  " border-radius: 2px; padding: 0px 2px; }");
     createLayout();
     createMenu();
 
@@ -191,14 +203,15 @@ QGroupBox* ButtonEditor::createKeysGroup() {
         createKey(keys, grid, p);
         group->addButton(m_buttons[p], p);
     }
-    grid->setRowMinimumHeight(5, 14);
+    grid->setRowMinimumHeight(kKeyRows - 1, 14);
     return keys;
 }
 
 void ButtonEditor::createKey(QGroupBox* keys, QGridLayout* grid, int p) {
     // Number above, the key between its two colour strips, the function's
-    // short label below.
-    const int row = (p / 8) * 6;
+    // short label below, and under that the custom label the panel shows,
+    // when the button uses one.
+    const int row = (p / 8) * kKeyRows;
     const int column = p % 8;
     m_buttonLabels[p] =
         ArrayMember(new QLabel(QStringLiteral("Btn %1").arg(p + 1), keys), "lblButton", p);
@@ -222,6 +235,15 @@ void ButtonEditor::createKey(QGroupBox* keys, QGridLayout* grid, int p) {
     }
     grid->addWidget(m_buttons[p], row + 2, column);
     grid->addWidget(m_typeLabels[p], row + 4, column);
+    m_customLabels[p] = ArrayMember(new QLabel(keys), "lblCustom", p);
+    m_customLabels[p]->setAlignment(Qt::AlignCenter);
+    m_customLabels[p]->setTextFormat(Qt::PlainText);
+    // Hidden, the chip keeps its row: the grid does not jump as labels come and go.
+    QSizePolicy keepRoom = m_customLabels[p]->sizePolicy();
+    keepRoom.setRetainSizeWhenHidden(true);
+    m_customLabels[p]->setSizePolicy(keepRoom);
+    m_customLabels[p]->hide();
+    grid->addWidget(m_customLabels[p], row + 5, column, Qt::AlignHCenter);
     connect(m_buttons[p], &QPushButton::clicked, this, [this, p] { ButtonClicked(p); });
 }
 
@@ -446,6 +468,7 @@ void ButtonEditor::DisplayCurrentTemplate() {
                 .buttons[static_cast<size_t>(b)];
         m_typeLabels[p]->setText(ToQt(ButtonFunctionOf(button.type).shortLabel));
         m_buttonLabels[p]->setText(QStringLiteral("Btn %1").arg(b + 1));
+        ShowCustomLabel(p, button);
     }
     m_templateNumber->setText(TwoDigits(m_current + 1));
     m_templateName->setText(
@@ -454,6 +477,30 @@ void ButtonEditor::DisplayCurrentTemplate() {
     DisplayCurrentButton();
     if (!unnamed)
         throw std::out_of_range(unnamed.failure().detail);
+}
+
+void ButtonEditor::ShowCustomLabel(int position, const PanelButton& button) {
+    // Only what changed is touched: this runs for every key each time a
+    // template or page is shown.
+    const bool custom = button.usesCustomLabel();
+    QPushButton* key = m_buttons[position];
+    if (key->property("customLabel").toBool() != custom) {
+        key->setProperty("customLabel", custom);
+        key->style()->unpolish(key);
+        key->style()->polish(key);
+    }
+    QLabel* chip = m_customLabels[position];
+    chip->setVisible(custom);
+    if (!custom)
+        return;
+    const QString sent = ToQt(AsSent(button.label, kLabelWidth));
+    chip->setText(sent);
+    chip->setToolTip(sent.isEmpty()
+                         ? QStringLiteral("This key uses its custom label, which is blank: "
+                                          "the panel shows no label on it.")
+                         : QStringLiteral("This key uses its custom label: the panel shows "
+                                          "\"%1\" on it.")
+                               .arg(sent));
 }
 
 void ButtonEditor::LoadChannelCombos(int code) {
@@ -495,7 +542,7 @@ void ButtonEditor::DisplayCurrentButton() {
     SetFaceText(m_buttons[m_button], FaceOf(button.channel, m_channels[0]->currentText()));
     m_buttons[m_button]->setChecked(true);
 
-    const bool custom = (button.captionOption & 1) != 0;
+    const bool custom = button.usesCustomLabel();
     m_captionOptions[custom ? 1 : 0]->setChecked(true);
     m_caption->setText(custom ? ToQt(button.label) : InputAlpha(button.channel));
     SetCaptionEditable(custom);
@@ -551,6 +598,7 @@ void ButtonEditor::CaptionOptionChosen(int option) {
         // Flipped, not set: this runs once per change of option, which keeps
         // the bit and the option in step.
         button.captionOption = static_cast<int16_t>(button.captionOption ^ 1);
+        ShowCustomLabel(m_button, button);
     });
 }
 
@@ -650,6 +698,7 @@ void ButtonEditor::StoreCaption() {
             return;
         text.resize(std::min(text.size(), kLabelWidth));
         button.label = std::move(text);
+        ShowCustomLabel(m_button, button);
         if (!m_caption->isReadOnly())
             m_caption->setText(ToQt(button.label));
     });

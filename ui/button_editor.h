@@ -92,6 +92,9 @@ private:
 
     void LoadChannelCombos(int code);
     void SelectChannel(int list, int channel);
+    // Marks key `position` when `button` shows its custom label on the panel,
+    // and shows that label, as sent, under the key.
+    void ShowCustomLabel(int position, const PanelButton& button);
     PanelButton& CurrentButtonRecord();
     QString InputAlpha(int channel) const;
     bool CaptionKey(QKeyEvent* key);
@@ -117,6 +120,7 @@ private:
     // The keys' numbers, then the heading of the selected button.
     std::array<QLabel*, kPageKeys + 1> m_buttonLabels{};
     std::array<QLabel*, kPageKeys> m_typeLabels{};
+    std::array<QLabel*, kPageKeys> m_customLabels{};
     std::array<QComboBox*, 2> m_channels{};
     std::array<QRadioButton*, 2> m_captionOptions{};
     std::array<QPushButton*, 6> m_nav{};

@@ -440,6 +440,70 @@ private slots:
         QCOMPARE(m_store.templates.templateNames[0], std::string("Studio A Morning"));
     }
 
+    // Keys whose button uses its custom label are marked and show that label as
+    // the panel gets it (8 characters, trailing blanks dropped); the key face
+    // keeps the system label. The marks follow the option, a stored label, the
+    // page and the template.
+    void keysShowTheCustomLabelThePanelShows() {
+        PanelStore store = MakeStore(2);
+        std::vector<PanelButton>& buttons = store.templates.buttonTemplates[0].buttons;
+        buttons[2] = {40, 1, "MON+OFFA", 2, kNoChannel};
+        buttons[5] = {40, 3, "TALK  ", 5, kNoChannel}; // bit 0 set among others
+        buttons[7] = {40, 1, "LONGERTHAN8", 7, kNoChannel};
+        buttons[9] = {40, 2, "IGNORED", 9, kNoChannel}; // bit 0 clear
+        buttons[20] = {40, 1, "PAGE2", 20, kNoChannel};
+        Open(std::move(store));
+        const auto chip = [this](int p) {
+            return Get<QLabel>(QStringLiteral("lblCustom_%1").arg(p));
+        };
+        // The custom label each key shows, "-" for a key without one.
+        const auto shown = [&] {
+            QStringList keys;
+            for (int p = 0; p < ButtonEditor::kPageKeys; ++p) {
+                const bool marked = Key(p)->property("customLabel").toBool();
+                if (marked != chip(p)->isVisible())
+                    return QStringList{QStringLiteral("mark and chip disagree at %1").arg(p)};
+                keys << (marked ? chip(p)->text() : QStringLiteral("-"));
+            }
+            return keys;
+        };
+        const auto expect = [](std::initializer_list<std::pair<int, QString>> custom) {
+            QStringList keys(ButtonEditor::kPageKeys, QStringLiteral("-"));
+            for (const auto& [p, text] : custom)
+                keys[p] = text;
+            return keys;
+        };
+        QCOMPARE(shown(), expect({{2, "MON+OFFA"}, {5, "TALK"}, {7, "LONGERTH"}}));
+        QVERIFY(chip(2)->toolTip().contains("\"MON+OFFA\""));
+        // The faces are the system labels still.
+        QCOMPARE(Key(2)->text(), QString("MIC 3"));
+        QCOMPARE(Key(9)->text(), QString("MIC 10"));
+
+        // The selected key shows the start of its channel entry: that too stays.
+        Key(9)->click();
+        const QString face9 = Key(9)->text();
+        ChooseCaption(1);
+        QCOMPARE(shown(), expect({{2, "MON+OFFA"}, {5, "TALK"}, {7, "LONGERTH"}, {9, "IGNORED"}}));
+        auto* caption = Get<QLineEdit>("txtCaption");
+        caption->clear();
+        QTest::keyClicks(caption, "CUE 1   ");
+        QTest::keyClick(caption, Qt::Key_Return);
+        QCOMPARE(chip(9)->text(), QString("CUE 1"));
+        QCOMPARE(Key(9)->text(), face9);
+        Key(2)->click();
+        const QString face2 = Key(2)->text();
+        ChooseCaption(0);
+        QCOMPARE(shown(), expect({{5, "TALK"}, {7, "LONGERTH"}, {9, "CUE 1"}}));
+        QCOMPARE(Key(2)->text(), face2);
+
+        Click("cmdMore");
+        QCOMPARE(shown(), expect({{4, "PAGE2"}}));
+        Click("cmdMore");
+        Click("cmdNav_3");
+        QCOMPARE(m_editor->currentTemplate(), 1);
+        QCOMPARE(shown(), expect({}));
+    }
+
     void addAndClear() {
         PanelStore store = MakeStore(5);
         store.templates.buttonTemplates[4].buttons[6].channel2 = 9;
