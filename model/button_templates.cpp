@@ -135,7 +135,7 @@ LabelSheetPage LabelSheetPageFor(const PanelStore& store, int t) {
         key.function = std::string(function.shortLabel);
         // The custom label as the upload sends it: at most 8 characters.
         key.face =
-            (button.captionOption & 1)
+            button.usesCustomLabel()
                 ? AsSent(button.label, kLabelWidth)
                 : SystemButtonLabel(store, button.type, button.channel).substr(0, kLabelWidth);
         if (button.channel == kNoChannel || !function.channelSubType) {

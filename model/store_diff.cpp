@@ -255,7 +255,7 @@ private:
         if (function.channel2SubType)
             text += ", " + ButtonChannel(function.channel2SubType, b.channel2);
         text += ", label " + QuotedName(b.label, kLabelWidth);
-        if (b.captionOption & 1)
+        if (b.usesCustomLabel())
             text += " shown";
         return text;
     }
