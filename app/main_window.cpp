@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
@@ -253,6 +254,7 @@ void MainWindow::BuildLayout() {
     auto* layout = new QVBoxLayout(central);
     layout->addLayout(grid, 1);
     layout->addLayout(buttons);
+    SetTabOrder({editGroups, editLists, editButtons, m_send, cancel});
 
     BuildStatusBar();
 
@@ -261,6 +263,21 @@ void MainWindow::BuildLayout() {
     if (const QScreen* shown = screen())
         size = size.boundedTo(shown->availableGeometry().size() * 0.95);
     resize(size);
+}
+
+// Tab walks the window in reading order: the three views left to right (the
+// sub type buttons above the lists), then the buttons below them.
+void MainWindow::SetTabOrder(const std::vector<QWidget*>& buttons) {
+    std::vector<QWidget*> order{m_views->groups()};
+    for (QRadioButton* button : m_views->subTypeButtons())
+        order.push_back(button);
+    order.push_back(m_views->displayLists());
+    order.push_back(m_views->items());
+    order.insert(order.end(), buttons.begin(), buttons.end());
+    for (QWidget* w : order)
+        w->setFocusPolicy(Qt::StrongFocus);
+    for (size_t i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
 }
 
 void MainWindow::BuildStatusBar() {
