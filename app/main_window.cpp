@@ -510,7 +510,7 @@ void MainWindow::ShowListEditor() {
     m_listEditor->exec();
     RecordStep();
     if (m_listEditor->storeChanged())
-        setUnappliedChanges(true);
+        RefreshUnapplied();
 }
 
 void MainWindow::EditGroups() {
@@ -545,12 +545,13 @@ void MainWindow::EditButtons() {
         m_buttonEditor->setStepHook([this] { RecordStep(); });
     }
     // Compared by the parts Apply sends: anything the editor changed
-    // (including a template grown to 32 buttons) is waiting for Apply.
+    // (including a template grown to 32 buttons) is waiting for Apply; an
+    // edit undone before closing is not.
     const PanelSnapshot before = TakeSnapshot(m_store, &m_steps.base());
     m_buttonEditor->exec();
     RecordStep();
     if (!(m_steps.base() == before))
-        setUnappliedChanges(true);
+        RefreshUnapplied();
 }
 
 void MainWindow::EditFromPopup() {
@@ -690,7 +691,8 @@ void MainWindow::LoadAll() {
     }
     // Redrawn as a group download is: the groups, then the current group's lists.
     OnPartReceived(Part::UserGroups);
-    setUnappliedChanges(true);
+    // A file equal to what the server module holds leaves nothing to apply.
+    RefreshUnapplied();
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
 }
 
@@ -794,7 +796,7 @@ void MainWindow::AfterRestore() {
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!ChangedParts(m_mirror.uploadParts(), m_steps.base()).empty());
+    RefreshUnapplied();
     RefreshEditMenu();
 }
 
