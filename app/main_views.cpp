@@ -1,6 +1,5 @@
 #include "app/main_views.h"
 
-#include <QButtonGroup>
 #include <QEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -126,7 +125,6 @@ MainViews::MainViews(PanelStore& store, Reporter reporter, QWidget* parent)
     // "(Ch.nnnn)" keys after them line up.
     UseFixedPitchFont(m_items);
     m_items->setSelectionMode(QAbstractItemView::NoSelection);
-    m_items->installEventFilter(this);
 
     const char* captions[3] = {"User Groups", "Display Lists", "Items"};
     for (int i = 0; i < 3; ++i) {
@@ -144,15 +142,16 @@ MainViews::MainViews(PanelStore& store, Reporter reporter, QWidget* parent)
     m_subTypeFrame->setEnabled(false); // until a group is shown
     auto* row = new QHBoxLayout(m_subTypeFrame);
     row->setContentsMargins(6, 2, 6, 2);
-    auto* buttons = new QButtonGroup(this);
-    buttons->setExclusive(true);
+    // One sub type is shown at a time; ShowGroupData checks its button and
+    // clears the others. The buttons are not auto-exclusive: Qt would then
+    // make only the checked one a Tab stop, and Tab is to reach all four.
     for (size_t i = 0; i < kListTypeCodes.size(); ++i) {
         const int code = kListTypeCodes[i];
         auto* button = new QRadioButton(SubTypeName(kAllSubTypes[i]), m_subTypeFrame);
         button->setObjectName(QStringLiteral("optSubType_%1").arg(code));
         button->setProperty("controlArray", "optSubType");
         button->setProperty("controlIndex", code);
-        buttons->addButton(button, code);
+        button->setAutoExclusive(false);
         row->addWidget(button);
         m_subTypeButtons[i] = button;
         connect(button, &QRadioButton::clicked, this, [this, code] { SubTypeClicked(code); });
@@ -234,12 +233,14 @@ void MainViews::ShowGroupData(int group) {
     try {
         BuildGroupListRows(m_store, group, rows);
         Fill(m_lists, rows, true);
-        m_captions[1]->setText("Display Lists in " + ToQt(At(m_store.groups.userGroupNames, group)));
+        m_captions[1]->setText("Display Lists in " +
+                               ToQt(At(m_store.groups.userGroupNames, group)));
         QRadioButton* button = subTypeButton(m_store.currentListType);
         if (!button)
             throw std::out_of_range("no sub type button " +
                                     std::to_string(m_store.currentListType));
-        button->setChecked(true);
+        for (QRadioButton* other : m_subTypeButtons)
+            other->setChecked(other == button);
     } catch (const std::exception& error) {
         if (m_lists->topLevelItemCount() == 0)
             Fill(m_lists, rows, true);
@@ -325,15 +326,6 @@ void MainViews::ListDoubleClicked() {
 void MainViews::SubTypeClicked(int listTypeCode) {
     m_store.currentListType = static_cast<int16_t>(listTypeCode);
     ShowGroupData(m_store.currentUserGroup);
-}
-
-bool MainViews::eventFilter(QObject* watched, QEvent* event) {
-    // lvItems only shows channels: focus passes on to the display lists.
-    if (watched == m_items && event->type() == QEvent::FocusIn) {
-        m_lists->setFocus(Qt::OtherFocusReason);
-        return false;
-    }
-    return QObject::eventFilter(watched, event);
 }
 
 } // namespace lumeth

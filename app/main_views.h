@@ -83,13 +83,12 @@ public:
     QLabel* caption(int index) const { return m_captions.at(static_cast<size_t>(index)); }
     QGroupBox* subTypeFrame() const { return m_subTypeFrame; }
     QRadioButton* subTypeButton(int listTypeCode) const;
+    const std::array<QRadioButton*, 4>& subTypeButtons() const { return m_subTypeButtons; }
 
     // The key stored with a view item.
     static QString ItemKey(const QTreeWidgetItem* item);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void Report(std::string_view location, const std::exception& error);
     // The group of the current item becomes the current user group and the

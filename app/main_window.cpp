@@ -13,6 +13,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
@@ -257,6 +258,7 @@ void MainWindow::BuildLayout() {
     auto* layout = new QVBoxLayout(central);
     layout->addLayout(grid, 1);
     layout->addLayout(buttons);
+    SetTabOrder({editGroups, editLists, editButtons, m_send, cancel});
 
     BuildStatusBar();
 
@@ -265,6 +267,21 @@ void MainWindow::BuildLayout() {
     if (const QScreen* shown = screen())
         size = size.boundedTo(shown->availableGeometry().size() * 0.95);
     resize(size);
+}
+
+// Tab walks the window in reading order: the three views left to right (the
+// sub type buttons above the lists), then the buttons below them.
+void MainWindow::SetTabOrder(const std::vector<QWidget*>& buttons) {
+    std::vector<QWidget*> order{m_views->groups()};
+    for (QRadioButton* button : m_views->subTypeButtons())
+        order.push_back(button);
+    order.push_back(m_views->displayLists());
+    order.push_back(m_views->items());
+    order.insert(order.end(), buttons.begin(), buttons.end());
+    for (QWidget* w : order)
+        w->setFocusPolicy(Qt::StrongFocus);
+    for (size_t i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
 }
 
 void MainWindow::BuildStatusBar() {
@@ -497,7 +514,7 @@ void MainWindow::ShowListEditor() {
     m_listEditor->exec();
     RecordStep();
     if (m_listEditor->storeChanged())
-        setUnappliedChanges(true);
+        RefreshUnapplied();
 }
 
 void MainWindow::EditGroups() {
@@ -532,12 +549,13 @@ void MainWindow::EditButtons() {
         m_buttonEditor->setStepHook([this] { RecordStep(); });
     }
     // Compared by the parts Apply sends: anything the editor changed
-    // (including a template grown to 32 buttons) is waiting for Apply.
+    // (including a template grown to 32 buttons) is waiting for Apply; an
+    // edit undone before closing is not.
     const PanelSnapshot before = TakeSnapshot(m_store, &m_steps.base());
     m_buttonEditor->exec();
     RecordStep();
     if (!(m_steps.base() == before))
-        setUnappliedChanges(true);
+        RefreshUnapplied();
 }
 
 void MainWindow::EditFromPopup() {
@@ -677,7 +695,8 @@ void MainWindow::LoadAll() {
     }
     // Redrawn as a group download is: the groups, then the current group's lists.
     OnPartReceived(Part::UserGroups);
-    setUnappliedChanges(true);
+    // A file equal to what the server module holds leaves nothing to apply.
+    RefreshUnapplied();
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
 }
 
@@ -793,7 +812,7 @@ void MainWindow::AfterRestore() {
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);
-    setUnappliedChanges(!ChangedParts(m_mirror.uploadParts(), m_steps.base()).empty());
+    RefreshUnapplied();
     RefreshEditMenu();
 }
 

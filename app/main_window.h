@@ -98,6 +98,7 @@ private:
     void BuildMenus();
     void BuildLayout();
     void BuildStatusBar();
+    void SetTabOrder(const std::vector<QWidget*>& buttons);
     void OnPartArriving(Part part);
     void OnPartReceived(Part part);
     // When a download replaced a part that held edits not yet applied, they

@@ -234,6 +234,7 @@ QGridLayout* DisplayListEditor::createListsGrid() {
     grid->addWidget(m_currentListLabel, 0, 2);
     grid->addWidget(m_filter, 1, 0);
     grid->addWidget(m_channelView, 2, 0);
+    grid->addWidget(m_noMatch, 3, 0);
     grid->addLayout(createMoveButtons(), 2, 1);
     grid->addWidget(m_listView, 2, 2);
     grid->setColumnStretch(0, 1);
@@ -260,6 +261,26 @@ void DisplayListEditor::createChannelView() {
     connect(m_channelView, &QTreeView::doubleClicked, this, &DisplayListEditor::Add);
     connect(m_filter, &QLineEdit::textChanged, m_channelFilter,
             &QSortFilterProxyModel::setFilterFixedString);
+    // A filter that hides every item says so under the (empty) view.
+    m_noMatch = MakeLabel(this, "lblNoMatch", QString());
+    m_noMatch->hide();
+    connect(m_channelFilter, &QAbstractItemModel::modelReset, this,
+            &DisplayListEditor::ShowNoMatch);
+    connect(m_channelFilter, &QAbstractItemModel::layoutChanged, this,
+            &DisplayListEditor::ShowNoMatch);
+    connect(m_channelFilter, &QAbstractItemModel::rowsInserted, this,
+            &DisplayListEditor::ShowNoMatch);
+    connect(m_channelFilter, &QAbstractItemModel::rowsRemoved, this,
+            &DisplayListEditor::ShowNoMatch);
+    connect(m_filter, &QLineEdit::textChanged, this, &DisplayListEditor::ShowNoMatch);
+}
+
+void DisplayListEditor::ShowNoMatch() {
+    const QString text = m_filter->text();
+    const bool hidden = !text.isEmpty() && m_channelFilter->rowCount() == 0;
+    m_noMatch->setText(hidden ? QStringLiteral("No available items match \"%1\"").arg(text)
+                              : QString());
+    m_noMatch->setVisible(hidden);
 }
 
 void DisplayListEditor::createListView() {
@@ -327,8 +348,8 @@ void DisplayListEditor::Open() {
         if (m_listType == kUserGroupListType) {
             m_currentIndex = m_store.currentUserGroup;
             m_itemCount = m_store.groups.userGroupCount;
-            if (QRadioButton* button =
-                    m_subTypeButtons.at(static_cast<size_t>(SubTypeFromListCode(m_store.currentListType).value())))
+            if (QRadioButton* button = m_subTypeButtons.at(
+                    static_cast<size_t>(SubTypeFromListCode(m_store.currentListType).value())))
                 button->setChecked(true);
         } else {
             m_currentIndex = m_store.currentList;

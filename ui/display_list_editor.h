@@ -108,6 +108,7 @@ private:
     void createSubTypeGroup();
     QGridLayout* createListsGrid();
     void createChannelView();
+    void ShowNoMatch();
     void createListView();
     QVBoxLayout* createMoveButtons();
     void ShowListType();
@@ -144,6 +145,7 @@ private:
     QLineEdit* m_listAlpha = nullptr;
     QPushButton* m_new = nullptr;
     QLineEdit* m_filter = nullptr;
+    QLabel* m_noMatch = nullptr;
     QTreeView* m_channelView = nullptr;
     QTreeView* m_listView = nullptr;
     ListItemModel* m_channels = nullptr;

@@ -317,7 +317,24 @@ private slots:
         loadAll->trigger();
         CheckGroupsShown();
         QCOMPARE(store.listCount(SubType::Output), Demo().listCount(SubType::Output));
+        // The file holds what the server module holds: nothing to apply, as
+        // Review Changes says; an edit shows, and undone it is gone again.
+        QCOMPARE(Progress(), QString());
+        QCOMPARE(m_window->ChangeLines(), std::vector<std::string>{});
+        store.groups.userGroupNames[0] = "Scratch";
+        FileDialog::setNextFileName(path);
+        loadAll->trigger();
+        QCOMPARE(Progress(), QString());
+        WhenModal("frmDisplayListView", [&](QWidget* editor) {
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdRemoveAll"), Qt::LeftButton);
+            QTest::mouseClick(Child<QPushButton>(editor, "cmdClose"), Qt::LeftButton);
+        });
+        QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditLists"), Qt::LeftButton);
         QCOMPARE(Progress(), QString("Unapplied changes"));
+        QVERIFY(!m_window->ChangeLines().empty());
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(Progress(), QString());
+        QCOMPARE(m_window->ChangeLines(), std::vector<std::string>{});
 
         // A name that does not exist loads nothing and changes nothing.
         store.groups.userGroupNames[0] = "Kept";
@@ -338,7 +355,8 @@ private slots:
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
         QTRY_COMPARE(Trimmed(m_sim.state.store().lists(SubType::Input)[0].name),
                      QString("Renamed On Air"));
-        QTRY_COMPARE(Trimmed(m_sim.state.store().groups.userGroupNames[0]), QString("Morning Show"));
+        QTRY_COMPARE(Trimmed(m_sim.state.store().groups.userGroupNames[0]),
+                     QString("Morning Show"));
         QCOMPARE(Progress(), QString());
 
         // Cancel throws local edits away by downloading everything again.

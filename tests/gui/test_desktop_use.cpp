@@ -1,6 +1,7 @@
 // The window as a person drives it from the keyboard and reads it: drill-down
 // by keys and Enter, the status panels in each link state, the login's
 // password echo and the window layout kept between runs.
+#include <QApplication>
 #include <QDialog>
 #include <QFile>
 #include <QHelpEvent>
@@ -80,6 +81,32 @@ private slots:
         QCOMPARE(editor ? seen : int(state), number);
     }
 
+    void tabWalksTheMainWindowInReadingOrder() {
+        MainWindow window((m_home.path() + "/").toStdString());
+        PanelStore& store = window.store();
+        store.listCount(SubType::Input) = 1;
+        store.lists(SubType::Input) = {test::List("Mics", {0, 1})};
+        store.groups.userGroupCount = 1;
+        store.groups.userGroupNames = {"Studio A"};
+        store.groups.userGroups = {test::Group({{0, 11}})};
+        store.groups.userGroupIndex = {0};
+        window.views().DisplayUserGroups();
+        window.views().ShowGroupData(0);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        window.views().groups()->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), window.views().groups());
+        const QStringList expected{"optSubType_11", "optSubType_21",  "optSubType_31",
+                                   "optSubType_41", "lvDisplayLists", "lvItems",
+                                   "cmdEditGroups", "cmdEditLists",   "cmdEditButtons",
+                                   "cmdSend",       "cmdCancel",      "lvGroups"};
+        QStringList walked;
+        for (qsizetype i = 0; i < expected.size(); ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            walked << QApplication::focusWidget()->objectName();
+        }
+        QCOMPARE(walked, expected);
+    }
     void statusPanelsFollowTheLinkAndLoginEchoesStars() {
         QTcpServer silent; // accepts and never answers
         QVERIFY(silent.listen(QHostAddress::LocalHost, 0));

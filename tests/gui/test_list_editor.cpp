@@ -559,7 +559,14 @@ private slots:
         QCOMPARE(Column(Selected()), QStringList({"Ch.0001", "Ch.0002"}));
         filter->setText("CH.0004");
         QCOMPARE(Column(Available()), QStringList({"Ch.0004"}));
+        auto* noMatch = Child<QLabel>(m_editor, "lblNoMatch");
+        QVERIFY(noMatch->isHidden());
+        filter->setText("xyz"); // hides everything: said under the empty view
+        QCOMPARE(Column(Available()), QStringList());
+        QVERIFY(!noMatch->isHidden());
+        QCOMPARE(noMatch->text(), QString("No available items match \"xyz\""));
         filter->clear();
+        QVERIFY(noMatch->isHidden());
         Click("cmdAddAll");
         QCOMPARE(Column(Selected()), QStringList({"Ch.0001", "Ch.0002", "Ch.0003", "Ch.0004"}));
 
