@@ -125,6 +125,10 @@ MainViews::MainViews(PanelStore& store, Reporter reporter, QWidget* parent)
     // "(Ch.nnnn)" keys after them line up.
     UseFixedPitchFont(m_items);
     m_items->setSelectionMode(QAbstractItemView::NoSelection);
+    // lvItems only shows channels: activating an item (Enter, double-click)
+    // hands the focus to the display lists. Tab still passes through it.
+    connect(m_items, &QTreeWidget::itemActivated, this,
+            [this] { m_lists->setFocus(Qt::OtherFocusReason); });
 
     const char* captions[3] = {"User Groups", "Display Lists", "Items"};
     for (int i = 0; i < 3; ++i) {
