@@ -120,6 +120,66 @@ Status CheckTarget(const std::string& path) {
     return S_ISREG(entry.st_mode) || S_ISDIR(entry.st_mode) ? Status::Ok() : NotRegular();
 }
 
+struct TempFile {
+    std::string path;
+    int fd = -1;
+};
+
+// A new, exclusively created file beside `path`, so the rename that replaces
+// `path` stays within one file system and happens in one step.
+Status CreateTempBeside(const std::string& path, mode_t mode, TempFile& temp) {
+    std::random_device seed;
+    std::mt19937 random(seed());
+    for (int attempt = 0; attempt < 16 && temp.fd < 0; ++attempt) {
+        temp.path = path + ".tmp" + std::to_string(random() % 1000000);
+        temp.fd = ::open(temp.path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (temp.fd < 0 && errno != EEXIST) {
+            return WriteFailure(errno, path);
+        }
+    }
+    if (temp.fd < 0) {
+        return Status::Fail(ErrorCode::FileAlreadyExists,
+                            "cannot find a free temporary name beside " + path);
+    }
+    return Status::Ok();
+}
+
+// Write the content into `fd`, give it the permissions of the file it
+// replaces (`old`, when there is one), flush it to disk and close it. 0 when
+// all went well, -1 when the writer gave up without a system error, else the
+// error number.
+int FillAndClose(int fd, const std::function<bool(const ByteSink&)>& write,
+                 const struct stat* old) {
+    int err = 0;
+    const ByteSink sink = [&](std::string_view bytes) {
+        if (err == 0 && !WriteAll(fd, bytes)) {
+            err = errno;
+        }
+        return err == 0;
+    };
+    const bool written = write(sink) && err == 0;
+    if (written && old != nullptr && ::fchmod(fd, old->st_mode & 07777) != 0) {
+        err = errno;
+    }
+    if (written && err == 0 && ::fsync(fd) != 0) {
+        err = errno;
+    }
+    if (::close(fd) != 0 && err == 0) {
+        err = errno;
+    }
+    return err != 0 ? err : (written ? 0 : -1);
+}
+
+// The rename itself reaches the disk with the folder's entry.
+void SyncFolderOf(const std::filesystem::path& target) {
+    const std::string folder = target.parent_path().empty() ? "." : target.parent_path().string();
+    const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dir >= 0) {
+        ::fsync(dir);
+        ::close(dir);
+    }
+}
+
 } // namespace
 
 Status ReplaceFile(const std::string& path, const std::function<bool(const ByteSink&)>& write,
@@ -150,60 +210,22 @@ Status ReplaceFile(const std::string& path, const std::function<bool(const ByteS
     // private until it gets the old file's permissions below.
     const mode_t mode = access == NewFileAccess::Owner || replacing ? 0600 : 0666;
 
-    // A new, exclusively created file beside the target, so the rename below
-    // stays within one file system and replaces the target in one step.
-    std::random_device seed;
-    std::mt19937 random(seed());
-    std::string temp;
-    int fd = -1;
-    for (int attempt = 0; attempt < 16 && fd < 0; ++attempt) {
-        temp = path + ".tmp" + std::to_string(random() % 1000000);
-        fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (fd < 0 && errno != EEXIST) {
-            return WriteFailure(errno, path);
-        }
+    TempFile temp;
+    if (Status created = CreateTempBeside(path, mode, temp); !created) {
+        return created;
     }
-    if (fd < 0) {
-        return Status::Fail(ErrorCode::FileAlreadyExists,
-                            "cannot find a free temporary name beside " + path);
+    const int err = FillAndClose(temp.fd, write, replacing ? &old : nullptr);
+    if (err != 0) {
+        ::unlink(temp.path.c_str());
+        return err < 0 ? Status::Fail(ErrorCode::DeviceIoError, "the content could not be produced")
+                       : WriteFailure(err, path);
     }
-
-    int err = 0;
-    const ByteSink sink = [&](std::string_view bytes) {
-        if (err == 0 && !WriteAll(fd, bytes)) {
-            err = errno;
-        }
-        return err == 0;
-    };
-    const bool written = write(sink) && err == 0;
-    if (written && replacing && ::fchmod(fd, old.st_mode & 07777) != 0) {
-        err = errno;
+    if (std::rename(temp.path.c_str(), path.c_str()) != 0) {
+        const int renameError = errno;
+        ::unlink(temp.path.c_str());
+        return WriteFailure(renameError, path);
     }
-    if (written && err == 0 && ::fsync(fd) != 0) {
-        err = errno;
-    }
-    if (::close(fd) != 0 && err == 0) {
-        err = errno;
-    }
-    if (!written || err != 0) {
-        ::unlink(temp.c_str());
-        if (err == 0) {
-            return Status::Fail(ErrorCode::DeviceIoError, "the content could not be produced");
-        }
-        return WriteFailure(err, path);
-    }
-    if (std::rename(temp.c_str(), path.c_str()) != 0) {
-        err = errno;
-        ::unlink(temp.c_str());
-        return WriteFailure(err, path);
-    }
-    // The rename itself reaches the disk with the folder's entry.
-    const std::string folder = target.parent_path().empty() ? "." : target.parent_path().string();
-    const int dir = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (dir >= 0) {
-        ::fsync(dir);
-        ::close(dir);
-    }
+    SyncFolderOf(target);
     return Status::Ok();
 }
 
