@@ -226,5 +226,15 @@ TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
     }
 }
 
+TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
+    for (const QStringList& args : {QStringList{"fetch", "-o", "out.json"}}) {
+        const testing::CliResult result = Run(args);
+        EXPECT_EQ(result.exitCode, 1) << args.join(' ').toStdString();
+        EXPECT_EQ(result.err,
+                  "lumeth-cli: no password: give one with --password-file FILE, LUMETH_PASSWORD, "
+                  "or a terminal\n");
+    }
+}
+
 } // namespace
 } // namespace lumeth

@@ -73,7 +73,7 @@ int RunApply(const std::vector<std::string>& args) {
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
-        return UsageError(password.status.failure().detail);
+        return Error(ExitCode::Usage, password.status.failure().detail);
     }
 
     ServerClient client(options);

@@ -33,7 +33,7 @@ int LoadSide(const std::string& source, const ServerOptions& options,
     if (!fetched) {
         const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
         if (!password.password) {
-            UsageError(password.status.failure().detail);
+            Error(ExitCode::Usage, password.status.failure().detail);
             return ToInt(ExitCode::BadInput);
         }
         ServerClient client(options);

@@ -78,9 +78,10 @@ PasswordResult ReadPassword(const PasswordSource& source) {
     }
     result.password = PromptWithoutEcho(source.prompt);
     if (!result.password) {
-        result.status = Status::Fail(ErrorCode::InvalidProcedureCall,
-                                     std::string("no password: set ") + source.environmentVariable +
-                                         ", give a password file, or run on a terminal");
+        result.status =
+            Status::Fail(ErrorCode::InvalidProcedureCall,
+                         std::string("no password: give one with --password-file FILE, ") +
+                             source.environmentVariable + ", or a terminal");
     }
     return result;
 }
