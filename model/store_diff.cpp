@@ -39,16 +39,16 @@ public:
         return std::move(m_lines);
     }
 
-    // Whether upload part `p` holds a change.
-    bool Changes(Part p) {
+    // The change lines of upload part `p` alone.
+    std::vector<std::string> Part(lumeth::Part p) {
         m_lines.clear();
         if (Info(p).kind == PartKind::DisplayLists)
             DisplayLists(*Info(p).subType);
-        else if (p == Part::UserGroups)
+        else if (p == lumeth::Part::UserGroups)
             UserGroups();
-        else if (p == Part::Templates)
+        else if (p == lumeth::Part::Templates)
             Templates();
-        return !m_lines.empty();
+        return std::move(m_lines);
     }
 
 private:
@@ -331,11 +331,15 @@ std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& 
     return Differ(before, after).Run();
 }
 
+std::vector<std::string> DiffPart(const PanelStore& before, const PanelStore& after, Part part) {
+    return Differ(before, after).Part(part);
+}
+
 PartSet DifferingParts(const PanelStore& before, const PanelStore& after) {
     Differ differ(before, after);
     PartSet parts;
     ForEachPart(kUploadParts, [&](Part p) {
-        if (differ.Changes(p))
+        if (!differ.Part(p).empty())
             parts.add(p);
     });
     return parts;

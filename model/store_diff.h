@@ -19,6 +19,9 @@ namespace lumeth {
 // Text is bytes (Windows-1252). An empty result means no difference.
 std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& after);
 
+// DiffStores' lines for upload part `part` alone.
+std::vector<std::string> DiffPart(const PanelStore& before, const PanelStore& after, Part part);
+
 // The upload parts in which DiffStores finds a change.
 PartSet DifferingParts(const PanelStore& before, const PanelStore& after);
 
