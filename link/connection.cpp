@@ -194,8 +194,8 @@ void Connection::SendPassword() {
     FlushSession();
 }
 
-PartSet Connection::Apply() {
-    const std::vector<codec::Upload> steps = m_session.BuildApplySteps();
+PartSet Connection::Apply(PartSet parts) {
+    const std::vector<codec::Upload> steps = m_session.BuildApplySteps(parts);
     PartSet written;
     for (size_t i = 0; i < steps.size(); ++i) {
         if (i > 0) {

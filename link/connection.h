@@ -72,9 +72,9 @@ public:
 
     void RequestEverything();
     void SendPassword();
-    // The six upload messages, Wait(500, true) between every two. The
-    // result holds the parts whose message was written while the link was up.
-    PartSet Apply();
+    // The upload messages of `parts` (all six by default) in Apply's order,
+    // Wait(500, true) between every two. The result holds the parts whose message was written while the link was up.
+    PartSet Apply(PartSet parts = kUploadParts);
 
     // tmrPoll: 500 ms, reconnects while the link is down and calls the login
     // hook whenever nobody is logged in.

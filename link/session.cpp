@@ -201,8 +201,8 @@ std::vector<std::string> LinkSession::BuildApplyMessages() const {
     return out;
 }
 
-std::vector<codec::Upload> LinkSession::BuildApplySteps() const {
-    return codec::UploadMessages(m_store);
+std::vector<codec::Upload> LinkSession::BuildApplySteps(PartSet parts) const {
+    return codec::UploadMessages(m_store, parts);
 }
 
 void LinkSession::Queue(std::string message) {

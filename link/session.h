@@ -80,8 +80,9 @@ public:
     std::vector<std::string> BuildApplyMessages() const;
 
     // The same with the location each failure is reported under and its
-    // status (a failed one must not be sent).
-    std::vector<codec::Upload> BuildApplySteps() const;
+    // status (a failed one must not be sent); only the upload parts of
+    // `parts`, in the same order.
+    std::vector<codec::Upload> BuildApplySteps(PartSet parts = kUploadParts) const;
 
     // Queue one message for sending (the handlers' answers go this way).
     void Queue(std::string message);
