@@ -78,7 +78,7 @@ public:
     explicit Reader(std::string_view in) : m_in(in) {}
     bool ok() const { return m_ok; }
     bool atEnd() const { return m_pos == m_in.size(); }
-    int16_t Int() { return Has(2) ? static_cast<int16_t>(Take(2)) : int16_t{0}; }
+    void Int(int16_t& v) { v = Has(2) ? static_cast<int16_t>(Take(2)) : int16_t{0}; }
     size_t Size() {
         // Every element takes at least two bytes: a larger count is damage.
         const size_t n = Has(4) ? Take(4) : 0;
@@ -86,13 +86,12 @@ public:
             m_ok = false;
         return m_ok ? n : 0;
     }
-    std::string Text() {
+    void Text(std::string& text) {
         const size_t n = Has(4) ? Take(4) : 0;
         if (!Has(n))
-            return {};
-        std::string text(m_in.substr(m_pos, n));
+            return text.clear();
+        text.assign(m_in.substr(m_pos, n));
         m_pos += n;
-        return text;
     }
     template <typename T, typename F> void Array(std::vector<T>& items, F&& each) {
         items.resize(Size());
@@ -100,10 +99,10 @@ public:
             each(item);
     }
     void Ints(std::vector<int16_t>& v) {
-        Array(v, [this](int16_t& i) { i = Int(); });
+        Array(v, [this](int16_t& i) { Int(i); });
     }
     void Texts(std::vector<std::string>& v) {
-        Array(v, [this](std::string& t) { t = Text(); });
+        Array(v, [this](std::string& t) { Text(t); });
     }
 
 private:
@@ -121,82 +120,45 @@ private:
     bool m_ok = true;
 };
 
-void WriteLists(Writer& w, const DisplayListTable& t) {
-    w.Int(t.displayListCount);
-    w.Array(t.displayLists, [&](const DisplayList& l) {
-        w.Int(l.channelCount);
-        w.Text(l.name);
-        w.Ints(l.channels);
+// The order of each table's fields in the file, one function for writing
+// (Io = Writer, a const table) and reading (Io = Reader) alike.
+template <typename Io, typename Table> void Lists(Io& io, Table& t) {
+    io.Int(t.displayListCount);
+    io.Array(t.displayLists, [&](auto& l) {
+        io.Int(l.channelCount);
+        io.Text(l.name);
+        io.Ints(l.channels);
     });
 }
 
-void ReadLists(Reader& r, DisplayListTable& t) {
-    t.displayListCount = r.Int();
-    r.Array(t.displayLists, [&](DisplayList& l) {
-        l.channelCount = r.Int();
-        l.name = r.Text();
-        r.Ints(l.channels);
+template <typename Io, typename Table> void Groups(Io& io, Table& t) {
+    io.Int(t.userGroupCount);
+    io.Texts(t.userGroupNames);
+    io.Array(t.userGroups, [&](auto& g) {
+        io.Int(g.listCount);
+        io.Ints(g.listIndexes);
+        io.Ints(g.listTypes);
     });
+    io.Ints(t.userGroupIndex);
+    io.Ints(t.userGroupNumber);
 }
 
-void WriteGroups(Writer& w, const UserGroupTable& t) {
-    w.Int(t.userGroupCount);
-    w.Texts(t.userGroupNames);
-    w.Array(t.userGroups, [&](const UserGroup& g) {
-        w.Int(g.listCount);
-        w.Ints(g.listIndexes);
-        w.Ints(g.listTypes);
-    });
-    w.Ints(t.userGroupIndex);
-    w.Ints(t.userGroupNumber);
-}
-
-void ReadGroups(Reader& r, UserGroupTable& t) {
-    t.userGroupCount = r.Int();
-    r.Texts(t.userGroupNames);
-    r.Array(t.userGroups, [&](UserGroup& g) {
-        g.listCount = r.Int();
-        r.Ints(g.listIndexes);
-        r.Ints(g.listTypes);
-    });
-    r.Ints(t.userGroupIndex);
-    r.Ints(t.userGroupNumber);
-}
-
-void WriteTemplates(Writer& w, const TemplateTable& t) {
-    w.Int(t.templateCount);
-    w.Texts(t.templateNames);
-    w.Array(t.buttonTemplates, [&](const ButtonTemplate& b) {
-        w.Int(b.number);
-        w.Int(b.buttonCount);
-        w.Array(b.buttons, [&](const PanelButton& p) {
-            w.Int(p.type);
-            w.Int(p.captionOption);
-            w.Text(p.label);
-            w.Int(p.channel);
-            w.Int(p.channel2);
+template <typename Io, typename Table> void Templates(Io& io, Table& t) {
+    io.Int(t.templateCount);
+    io.Texts(t.templateNames);
+    io.Array(t.buttonTemplates, [&](auto& b) {
+        io.Int(b.number);
+        io.Int(b.buttonCount);
+        io.Array(b.buttons, [&](auto& p) {
+            io.Int(p.type);
+            io.Int(p.captionOption);
+            io.Text(p.label);
+            io.Int(p.channel);
+            io.Int(p.channel2);
         });
     });
-    w.Ints(t.templateIndex);
-    w.Ints(t.templatePosition);
-}
-
-void ReadTemplates(Reader& r, TemplateTable& t) {
-    t.templateCount = r.Int();
-    r.Texts(t.templateNames);
-    r.Array(t.buttonTemplates, [&](ButtonTemplate& b) {
-        b.number = r.Int();
-        b.buttonCount = r.Int();
-        r.Array(b.buttons, [&](PanelButton& p) {
-            p.type = r.Int();
-            p.captionOption = r.Int();
-            p.label = r.Text();
-            p.channel = r.Int();
-            p.channel2 = r.Int();
-        });
-    });
-    r.Ints(t.templateIndex);
-    r.Ints(t.templatePosition);
+    io.Ints(t.templateIndex);
+    io.Ints(t.templatePosition);
 }
 
 // Every array holds at least max(count, 1) entries, as the store's own do.
@@ -235,11 +197,11 @@ std::string EncodeParts(PartSet parts, const PanelSnapshot& edits) {
     Writer w(out);
     for (SubType s : kAllSubTypes)
         if (parts.has(ListsPart(s)))
-            WriteLists(w, *edits.lists[Index(s)]);
+            Lists(w, *edits.lists[Index(s)]);
     if (parts.has(Part::UserGroups))
-        WriteGroups(w, *edits.groups);
+        Groups(w, *edits.groups);
     if (parts.has(Part::Templates))
-        WriteTemplates(w, *edits.templates);
+        Templates(w, *edits.templates);
     return out;
 }
 
@@ -250,19 +212,19 @@ bool DecodeParts(std::string_view bytes, PartSet parts, PanelSnapshot& edits) {
         if (!parts.has(ListsPart(s)))
             continue;
         DisplayListTable t;
-        ReadLists(r, t);
+        Lists(r, t);
         whole = whole && Whole(t);
         edits.lists[Index(s)] = std::make_shared<const DisplayListTable>(std::move(t));
     }
     if (parts.has(Part::UserGroups)) {
         UserGroupTable t;
-        ReadGroups(r, t);
+        Groups(r, t);
         whole = whole && Whole(t);
         edits.groups = std::make_shared<const UserGroupTable>(std::move(t));
     }
     if (parts.has(Part::Templates)) {
         TemplateTable t;
-        ReadTemplates(r, t);
+        Templates(r, t);
         whole = whole && Whole(t);
         edits.templates = std::make_shared<const TemplateTable>(std::move(t));
     }
