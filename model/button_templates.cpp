@@ -41,13 +41,17 @@ int AddButtonTemplate(PanelStore& store) {
     ButtonTemplate& tpl = store.templates.buttonTemplates[static_cast<size_t>(t)];
     tpl.buttonCount = kTemplateButtons;
     tpl.buttons.assign(kTemplateButtons, PanelButton::Cleared());
-    for (int b = 0; b < kTemplateButtons; ++b) {
-        PanelButton& button = tpl.buttons[static_cast<size_t>(b)];
-        button.type = 40; // Source Select
-        button.label = "Button " + std::to_string(b);
-    }
+    for (int b = 0; b < kTemplateButtons; ++b)
+        tpl.buttons[static_cast<size_t>(b)] = BlankTemplateButton(b);
     store.templates.templateNames[static_cast<size_t>(t)] = "Btn Tmplate " + ZeroPadded(t + 1, 3);
     return t;
+}
+
+PanelButton BlankTemplateButton(int b) {
+    PanelButton button = PanelButton::Cleared();
+    button.type = 40; // Source Select
+    button.label = "Button " + std::to_string(b);
+    return button;
 }
 
 PanelButton GrownButton(int b) {

@@ -18,6 +18,10 @@ inline constexpr int kPageButtons = 16;
 // position. Returns that position.
 int AddButtonTemplate(PanelStore& store);
 
+// The button a new template has at 0-based position `b`: "Source Select"
+// without channels, labelled "Button " + its 0-based number.
+PanelButton BlankTemplateButton(int b);
+
 // The button that growing a template to 32 buttons adds at 0-based position
 // `b`: a cleared one labelled "Button " + its 1-based number.
 PanelButton GrownButton(int b);

@@ -36,6 +36,7 @@
 #include "ui/control_array.h"
 #include "ui/duplicate_template_dialog.h"
 #include "ui/file_dialog.h"
+#include "ui/key_commands.h"
 #include "ui/label_sheet_pdf.h"
 #include "ui/named_widgets.h"
 #include "ui/qt_text.h"
@@ -127,6 +128,11 @@ ButtonEditor::ButtonEditor(PanelStore& store, ChannelListModels& models, ErrorRe
                   " background: #dbe8f6; color: #123d6b; border: 1px solid #2f6fb3;"
                   " border-radius: 2px; padding: 0px 2px; }");
     createLayout();
+    m_keyCommands = new KeyCommands(*this, m_store, m_reporter, [this] {
+        if (m_stepHook)
+            m_stepHook();
+    });
+    m_keyCommands->AttachKeys(m_buttons);
     createMenu();
 
     // A download of channel names rebuilds the shared lists under the open
@@ -160,6 +166,7 @@ void ButtonEditor::createMenu() {
             &ButtonEditor::ExportLabelSheet);
     file->addSeparator()->setObjectName("mnuSep1");
     connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &QDialog::accept);
+    m_keyCommands->AddMenu(bar);
     layout()->setMenuBar(bar);
 }
 
@@ -474,6 +481,7 @@ void ButtonEditor::DisplayCurrentTemplate() {
     m_templateName->setText(
         ToQt(m_store.templates.templateNames.at(static_cast<size_t>(m_current))));
     m_templateName->setCursorPosition(0);
+    m_keyCommands->ShowMarks();
     DisplayCurrentButton();
     if (!unnamed)
         throw std::out_of_range(unnamed.failure().detail);

@@ -27,6 +27,7 @@ class QVBoxLayout;
 namespace lumeth {
 
 class ChannelListModels;
+class KeyCommands;
 
 // frmButtons, "Program Buttons": edits the button templates of the store in
 // place, 16 of a template's 32 buttons at a time. Each button gets a function,
@@ -129,6 +130,8 @@ private:
     QLineEdit* m_templateNumber = nullptr;
     QLineEdit* m_templateName = nullptr;
     QPushButton* m_more = nullptr;
+    // Keys in bulk: picking, the clipboard and the fill (the Edit menu).
+    KeyCommands* m_keyCommands = nullptr;
 };
 
 } // namespace lumeth
