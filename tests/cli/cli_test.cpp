@@ -226,13 +226,32 @@ TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
     }
 }
 
+// diff keeps 2 for it, as for its other usage errors: 1 says the sides differ.
 TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
-    for (const QStringList& args : {QStringList{"fetch", "-o", "out.json"}}) {
-        const testing::CliResult result = Run(args);
-        EXPECT_EQ(result.exitCode, 1) << args.join(' ').toStdString();
-        EXPECT_EQ(result.err,
-                  "lumeth-cli: no password: give one with --password-file FILE, LUMETH_PASSWORD, "
-                  "or a terminal\n");
+    const std::string current = "lumeth-cli: no password: give one with --password-file FILE, "
+                                "LUMETH_PASSWORD, or a terminal\n";
+    const QString demo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
+    const struct {
+        QStringList args;
+        QString password;
+        int exitCode;
+        std::string err;
+    } cases[] = {
+        {{"fetch", "-o", "out.json"}, {}, 1, current},
+        {{"apply", demo}, {}, 1, current},
+        {{"set-password"}, {}, 1, current},
+        {{"set-password"},
+         "studio",
+         1,
+         "lumeth-cli: no password: give one with --new-password-file FILE, "
+         "LUMETH_NEW_PASSWORD, or a terminal\n"},
+        {{"diff", demo, "server"}, {}, 2, current},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const testing::CliResult result = Run(c.args, Environment(c.password));
+        EXPECT_EQ(result.exitCode, c.exitCode);
+        EXPECT_EQ(result.err, c.err);
     }
 }
 

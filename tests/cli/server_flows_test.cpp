@@ -404,7 +404,7 @@ TEST_F(ServerFlowsTest, FetchSucceedsOnlyWithAllElevenParts) {
         std::filesystem::remove(m_dir.file("out.json"));
         ScriptedServer server("studio", c.script);
         const CliResult result = Run({"fetch", "--server", Server(server.port()), "--timeout",
-                                      c.timeout, "-o", Path("out.json")},
+                                      c.timeout, "-o", Path("out.json"), "--verbose"},
                                      Environment("studio"));
         EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
         EXPECT_NE(result.err.find(c.message), std::string::npos) << result.err;

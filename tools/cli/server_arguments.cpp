@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "files/user_data_folder.h"
+#include "tools/cli/progress_line.h"
 
 namespace lumeth::cli {
 
@@ -13,6 +14,7 @@ Status ParseServerOptions(const std::vector<std::string>& args, ServerOptions& o
     if (!ParseServerArguments(args, options, rest, error)) {
         return Status::Fail(ErrorCode::InvalidProcedureCall, error);
     }
+    Progress().setMode(ChooseProgressMode(options.verbose), TerminalColumns());
     if (options.home.empty()) {
         options.home = UserDataFolder();
         // A folder that cannot be made only costs the log: the command runs.

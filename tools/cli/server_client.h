@@ -34,9 +34,11 @@ struct ServerOptions {
     double timeoutSeconds = kDefaultTimeoutSeconds;
     std::string home = "."; // the folder that receives Errorlog.txt
     std::optional<std::string> passwordFile;
+    bool verbose = false; // --verbose: every step on a line of its own
 };
 
-// Take the shared options (--server, --timeout, --home, --password-file) out
+// Take the shared options (--server, --timeout, --home, --password-file,
+// --verbose) out
 // of `args`; everything else is left in `rest` in its order. False with
 // `error` set on a missing or bad value.
 bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
