@@ -255,5 +255,26 @@ TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
     }
 }
 
+// A bad server option is a usage error naming it, before any password is asked.
+TEST_F(Cli, BadServerOptionsAreUsageErrors) {
+    const struct {
+        QStringList options;
+        std::string line;
+    } cases[] = {
+        {{"--server", "host:0"}, "invalid port in --server host:0 (1 to 65535)"},
+        {{"--server", "host:12x"}, "invalid port in --server host:12x (1 to 65535)"},
+        {{"--server", ":1250"}, "no host in --server :1250"},
+        {{"--timeout", "0"}, "--timeout needs a number of seconds greater than 0"},
+        {{"--timeout", "86401"}, "--timeout needs a number of seconds greater than 0"},
+        {{"--timeout"}, "--timeout needs a value"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        const testing::CliResult r = Run(QStringList{"fetch", "-o", "out.json"} + c.options);
+        EXPECT_EQ(r.exitCode, 1);
+        EXPECT_EQ(r.err.substr(0, r.err.find('\n') + 2), "lumeth-cli: " + c.line + "\n\n");
+    }
+}
+
 } // namespace
 } // namespace lumeth

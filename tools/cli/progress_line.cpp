@@ -33,8 +33,13 @@ ProgressMode ChooseProgressMode(bool verbose) {
         return ProgressMode::Verbose;
     }
     const char* forced = std::getenv("LUMETH_CLI_TTY");
-    const bool terminal = forced != nullptr && *forced != '\0' ? std::string_view(forced) != "0"
-                                                               : ::isatty(STDERR_FILENO) == 1;
+    if (forced != nullptr && *forced != '\0') {
+        return std::string_view(forced) != "0" ? ProgressMode::InPlace : ProgressMode::Quiet;
+    }
+    // A terminal that cannot clear to the end of a line gets no progress line.
+    const char* term = std::getenv("TERM");
+    const bool terminal =
+        ::isatty(STDERR_FILENO) == 1 && !(term != nullptr && std::string_view(term) == "dumb");
     return terminal ? ProgressMode::InPlace : ProgressMode::Quiet;
 }
 
@@ -59,14 +64,9 @@ void ProgressLine::setMode(ProgressMode mode, size_t columns) {
     Clear();
     m_mode = mode;
     m_columns = columns;
-    m_last.clear();
 }
 
 void ProgressLine::Step(std::string_view text) {
-    if (text == m_last) {
-        return;
-    }
-    m_last = text;
     switch (m_mode) {
     case ProgressMode::Quiet:
         return;
@@ -98,7 +98,6 @@ void ProgressLine::Clear() {
     if (m_shown) {
         m_out << "\r" << kClearToEnd << std::flush;
         m_shown = false;
-        m_last.clear();
     }
 }
 

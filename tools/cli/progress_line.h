@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <iosfwd>
-#include <string>
 #include <string_view>
 
 namespace lumeth::cli {
@@ -15,7 +14,8 @@ enum class ProgressMode {
     Verbose, // --verbose: every step on a line of its own
 };
 
-// InPlace when stderr is a terminal, else Quiet; Verbose when asked for.
+// InPlace when stderr is a terminal (not a "dumb" one), else Quiet; Verbose
+// when asked for.
 // LUMETH_CLI_TTY=1 (or 0) says whether stderr counts as a terminal, for
 // scripts and tests that capture it.
 ProgressMode ChooseProgressMode(bool verbose);
@@ -48,7 +48,6 @@ private:
     ProgressMode m_mode;
     size_t m_columns;
     bool m_shown = false; // a progress line is on the terminal
-    std::string m_last;   // the step last told, not told twice
 };
 
 // The reporter of this process: stderr, Quiet until a command chooses.

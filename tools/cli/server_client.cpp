@@ -41,34 +41,50 @@ std::string SecondsText(double seconds) {
     return text.str();
 }
 
+Status UsageFailure(const std::string& message) {
+    return Status::Fail(ErrorCode::InvalidProcedureCall, message);
+}
+
+// A --timeout value: more than 0 seconds and at most a day.
+std::optional<double> ParseSeconds(const std::string& value) {
+    double seconds = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, code] = std::from_chars(value.data(), end, seconds);
+    if (value.empty() || code != std::errc() || stop != end || !(seconds > 0) || seconds > 86400) {
+        return std::nullopt;
+    }
+    return seconds;
+}
+
 } // namespace
 
-bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error) {
+ServerAddress ParseServer(std::string_view text) {
+    ServerAddress parsed;
     std::string_view hostPart = text;
-    int portValue = kDefaultServerPort;
     const size_t colon = text.rfind(':');
     if (colon != std::string_view::npos) {
         hostPart = text.substr(0, colon);
         const std::string_view portText = text.substr(colon + 1);
         const char* end = portText.data() + portText.size();
-        const auto [stop, code] = std::from_chars(portText.data(), end, portValue);
-        if (portText.empty() || code != std::errc() || stop != end || portValue < 1 ||
-            portValue > 65535) {
-            error = "invalid port in --server " + std::string(text) + " (1 to 65535)";
-            return false;
+        const auto [stop, code] = std::from_chars(portText.data(), end, parsed.port);
+        if (portText.empty() || code != std::errc() || stop != end || parsed.port < 1 ||
+            parsed.port > 65535) {
+            parsed.status =
+                UsageFailure("invalid port in --server " + std::string(text) + " (1 to 65535)");
+            return parsed;
         }
     }
     if (hostPart.empty()) {
-        error = "no host in --server " + std::string(text);
-        return false;
+        parsed.status = UsageFailure("no host in --server " + std::string(text));
+        return parsed;
     }
-    host = std::string(hostPart);
-    port = portValue;
-    return true;
+    parsed.host = std::string(hostPart);
+    return parsed;
 }
 
-bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
-                          std::vector<std::string>& rest, std::string& error) {
+ServerArguments ParseServerArguments(const std::vector<std::string>& args, ServerOptions defaults) {
+    ServerArguments parsed{std::move(defaults), {}, Status::Ok()};
+    ServerOptions& options = parsed.options;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         if (arg == "--verbose") {
@@ -78,35 +94,36 @@ bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& o
         const bool shared =
             arg == "--server" || arg == "--timeout" || arg == "--home" || arg == "--password-file";
         if (!shared) {
-            rest.push_back(arg);
+            parsed.rest.push_back(arg);
             continue;
         }
         if (i + 1 >= args.size()) {
-            error = arg + " needs a value";
-            return false;
+            parsed.status = UsageFailure(arg + " needs a value");
+            return parsed;
         }
         const std::string& value = args[++i];
         if (arg == "--server") {
-            if (!ParseServer(value, options.host, options.port, error)) {
-                return false;
+            ServerAddress address = ParseServer(value);
+            if (!address.status) {
+                parsed.status = address.status;
+                return parsed;
             }
+            options.host = std::move(address.host);
+            options.port = address.port;
         } else if (arg == "--timeout") {
-            double seconds = 0;
-            const char* end = value.data() + value.size();
-            const auto [stop, code] = std::from_chars(value.data(), end, seconds);
-            if (value.empty() || code != std::errc() || stop != end || !(seconds > 0) ||
-                seconds > 86400) {
-                error = "--timeout needs a number of seconds greater than 0";
-                return false;
+            const std::optional<double> seconds = ParseSeconds(value);
+            if (!seconds) {
+                parsed.status = UsageFailure("--timeout needs a number of seconds greater than 0");
+                return parsed;
             }
-            options.timeoutSeconds = seconds;
+            options.timeoutSeconds = *seconds;
         } else if (arg == "--home") {
             options.home = value;
         } else {
             options.passwordFile = value;
         }
     }
-    return true;
+    return parsed;
 }
 
 ServerClient::ServerClient(const ServerOptions& options)
