@@ -261,10 +261,8 @@ TEST_F(Cli, BadServerOptionsAreUsageErrors) {
         QStringList options;
         std::string line;
     } cases[] = {
-        {{"--server", "host:0"}, "invalid port in --server host:0 (1 to 65535)"},
         {{"--server", "host:12x"}, "invalid port in --server host:12x (1 to 65535)"},
         {{"--server", ":1250"}, "no host in --server :1250"},
-        {{"--timeout", "0"}, "--timeout needs a number of seconds greater than 0"},
         {{"--timeout", "86401"}, "--timeout needs a number of seconds greater than 0"},
         {{"--timeout"}, "--timeout needs a value"},
     };
