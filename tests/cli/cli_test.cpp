@@ -157,6 +157,9 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
          limitSize,
          "cannot write " + m_dir.file("big.json") + ": File too large\n"},
         {{"check", kDemo}, fullOutput, "cannot write standard output"},
+        {{"convert", kDemo, "-"},
+         fullOutput,
+         "cannot write standard output: No space left on device\n"},
     };
     std::vector<std::remove_cvref_t<decltype(failedWrites[0])>> cases(std::begin(failedWrites),
                                                                       std::end(failedWrites));
@@ -238,7 +241,6 @@ TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
         std::string err;
     } cases[] = {
         {{"fetch", "-o", "out.json"}, {}, 1, current},
-        {{"apply", demo}, {}, 1, current},
         {{"set-password"}, {}, 1, current},
         {{"set-password"},
          "studio",
