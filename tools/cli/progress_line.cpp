@@ -83,12 +83,6 @@ void ProgressLine::Step(std::string_view text) {
     }
 }
 
-void ProgressLine::Detail(std::string_view text) {
-    if (m_mode == ProgressMode::Verbose) {
-        m_out << text << "\n";
-    }
-}
-
 void ProgressLine::Line(std::string_view text) {
     Clear();
     m_out << text << "\n" << std::flush;

@@ -33,8 +33,6 @@ public:
 
     // The step now under way.
     void Step(std::string_view text);
-    // A line only --verbose shows (the details of a step).
-    void Detail(std::string_view text);
     // A line every mode shows: the progress line goes first.
     void Line(std::string_view text);
     // Take the progress line off the terminal (nothing in the other modes).
