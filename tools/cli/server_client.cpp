@@ -262,10 +262,10 @@ int ServerClient::LogIn(const std::string& password) {
         return LinkLost(" while waiting for the password");
     case WaitResult::TimedOut:
         // Nothing asked for yet means the identity query never came.
-        return Error(
-            ExitCode::Timeout,
-            "timed out waiting for: " +
-                std::string((m_state.AnyPending() ? PartName(Part::Password) : "identity query")));
+        return Error(ExitCode::Timeout,
+                     "timed out waiting for: " + std::string(m_state.AnyPending()
+                                                                 ? PartName(Part::Password)
+                                                                 : "identity query"));
     }
 
     if (password != m_state.serverPassword) {
