@@ -104,10 +104,12 @@ void BM_SimFetch(benchmark::State& st, const char* demoName) {
 
 // Runs lumeth-cli with `args` to its end, serving this process's events
 // meanwhile; returns the wall time in ms, or a negative value on failure.
-double RunCli(const QStringList& args, const QString& folder) {
+// `tty` "1" has it draw its progress line as on a terminal.
+double RunCli(const QStringList& args, const QString& folder, const char* tty = "0") {
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("LUMETH_PASSWORD", "studio");
+    env.insert("LUMETH_CLI_TTY", tty);
     env.insert("XDG_DATA_HOME", folder); // its error log stays in the bench's folder
     process.setProcessEnvironment(env);
     process.setWorkingDirectory(folder);
@@ -132,8 +134,9 @@ double RunCli(const QStringList& args, const QString& folder) {
 // The whole `lumeth-cli fetch -o large.json` process against the emulator
 // (here in this process): log in, download, write the JSON document. Target:
 // within 1.3 times the decode-tick floor, plus what starting the process
-// costs (measured as `lumeth-cli --help`).
-void BM_CliFetchProcess(benchmark::State& st) {
+// costs (measured as `lumeth-cli --help`). Also with OUT "-" (the document
+// through a pipe to this process) and with the progress line drawn.
+void BM_CliFetchProcess(benchmark::State& st, const char* out, const char* tty) {
     App();
     Emulator emulator;
     if (const std::string error = emulator.Start("large"); !error.empty()) {
@@ -141,13 +144,13 @@ void BM_CliFetchProcess(benchmark::State& st) {
         return;
     }
     QTemporaryDir folder;
-    const QStringList fetch{"fetch", "-o", "large.json", "--server",
+    const QStringList fetch{"fetch", "-o", out, "--server",
                             QString("127.0.0.1:%1").arg(emulator.server->port())};
     double startMs = 0;
     double fetchMs = 0;
     for (auto _ : st) {
         const double start = RunCli({"--help"}, folder.path());
-        const double ms = RunCli(fetch, folder.path());
+        const double ms = RunCli(fetch, folder.path(), tty);
         if (start < 0 || ms < 0) {
             st.SkipWithError("lumeth-cli failed");
             return;
@@ -165,7 +168,18 @@ void BM_CliFetchProcess(benchmark::State& st) {
 
 } // namespace
 
-BENCHMARK(BM_CliFetchProcess)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK_CAPTURE(BM_CliFetchProcess, file, "large.json", "0")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(BM_CliFetchProcess, stdout, "-", "0")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(BM_CliFetchProcess, progress_line, "large.json", "1")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
 BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)

@@ -207,6 +207,7 @@ PartSet Connection::Apply(PartSet parts) {
             ReportError(steps[i].failureLocation, "TCP Send Error", steps[i].status.failure());
             continue;
         }
+        emit uploadSending(steps[i].part);
         if (Transmit(steps[i].message)) {
             written.add(steps[i].part);
         }

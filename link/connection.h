@@ -97,6 +97,8 @@ signals:
     // The peer sent more bytes without an end marker than any message holds;
     // the link is dropped right after (linkDisconnected follows).
     void messageTooLong();
+    // Apply is about to write the upload of `part`.
+    void uploadSending(lumeth::Part part);
 
 private:
     void OnConnected();

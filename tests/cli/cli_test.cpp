@@ -157,6 +157,9 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
          limitSize,
          "cannot write " + m_dir.file("big.json") + ": File too large\n"},
         {{"check", kDemo}, fullOutput, "cannot write standard output"},
+        {{"convert", kDemo, "-"},
+         fullOutput,
+         "cannot write standard output: No space left on device\n"},
     };
     std::vector<std::remove_cvref_t<decltype(failedWrites[0])>> cases(std::begin(failedWrites),
                                                                       std::end(failedWrites));
@@ -226,13 +229,50 @@ TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
     }
 }
 
+// diff keeps 2 for it, as for its other usage errors: 1 says the sides differ.
 TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
-    for (const QStringList& args : {QStringList{"fetch", "-o", "out.json"}}) {
-        const testing::CliResult result = Run(args);
-        EXPECT_EQ(result.exitCode, 1) << args.join(' ').toStdString();
-        EXPECT_EQ(result.err,
-                  "lumeth-cli: no password: give one with --password-file FILE, LUMETH_PASSWORD, "
-                  "or a terminal\n");
+    const std::string current = "lumeth-cli: no password: give one with --password-file FILE, "
+                                "LUMETH_PASSWORD, or a terminal\n";
+    const QString demo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
+    const struct {
+        QStringList args;
+        QString password;
+        int exitCode;
+        std::string err;
+    } cases[] = {
+        {{"fetch", "-o", "out.json"}, {}, 1, current},
+        {{"set-password"}, {}, 1, current},
+        {{"set-password"},
+         "studio",
+         1,
+         "lumeth-cli: no password: give one with --new-password-file FILE, "
+         "LUMETH_NEW_PASSWORD, or a terminal\n"},
+        {{"diff", demo, "server"}, {}, 2, current},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const testing::CliResult result = Run(c.args, Environment(c.password));
+        EXPECT_EQ(result.exitCode, c.exitCode);
+        EXPECT_EQ(result.err, c.err);
+    }
+}
+
+// A bad server option is a usage error naming it, before any password is asked.
+TEST_F(Cli, BadServerOptionsAreUsageErrors) {
+    const struct {
+        QStringList options;
+        std::string line;
+    } cases[] = {
+        {{"--server", "host:12x"}, "invalid port in --server host:12x (1 to 65535)"},
+        {{"--server", ":1250"}, "no host in --server :1250"},
+        {{"--timeout", "86401"}, "--timeout needs a number of seconds greater than 0"},
+        {{"--timeout"}, "--timeout needs a value"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        const testing::CliResult r = Run(QStringList{"fetch", "-o", "out.json"} + c.options);
+        EXPECT_EQ(r.exitCode, 1);
+        EXPECT_EQ(r.err.substr(0, r.err.find('\n') + 2), "lumeth-cli: " + c.line + "\n\n");
     }
 }
 

@@ -1,12 +1,14 @@
 #include <algorithm>
-#include <iostream>
 
+#include "files/check_report.h"
 #include "files/configuration_file.h"
 #include "link/codec.h"
+#include "model/cp1252.h"
 #include "model/store_check.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
+#include "tools/cli/progress_line.h"
 #include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
@@ -25,6 +27,32 @@ Status CheckUploadable(const PanelStore& store) {
         }
     }
     return Status::Ok();
+}
+
+// What check found in FILE, told before connecting. With --verbose every
+// line, as check prints them; otherwise only the errors that stop FILE from
+// being sent (a file of many warnings is not hundreds of lines), then one
+// line counting all of them.
+void ReportChecks(const Configuration& doc, const std::vector<CheckFinding>& findings,
+                  const std::string& path, bool force) {
+    if (findings.empty()) {
+        return;
+    }
+    const bool verbose = Progress().mode() == ProgressMode::Verbose;
+    std::vector<CheckFinding> shown;
+    for (const CheckFinding& finding : findings) {
+        const bool stops =
+            finding.blocksSending || (finding.severity == CheckFinding::Severity::Error && !force);
+        if (verbose || stops) {
+            shown.push_back(finding);
+        }
+    }
+    for (const std::string& line : CheckReportLines(shown, doc.store)) {
+        Progress().Line(cp1252::ToUtf8(line));
+    }
+    const bool allShown = shown.size() == findings.size();
+    Progress().Line(path + ": " + CheckSummary(findings) +
+                    (allShown ? "" : " (lumeth-cli check " + path + " lists them)"));
 }
 
 } // namespace
@@ -59,7 +87,8 @@ int RunApply(const std::vector<std::string>& args) {
     if (const Status all = doc.RequireAllSections(); !all) {
         return InputError(path, all);
     }
-    const std::vector<CheckFinding> findings = PrintChecks(doc, std::cerr);
+    const std::vector<CheckFinding> findings = CheckConfiguration(doc);
+    ReportChecks(doc, findings, path, force);
     // A damaged file or more than the messages carry: the server module would
     // end up with something else than FILE, so --force does not send it.
     if (BlocksSending(findings)) {
@@ -95,10 +124,11 @@ int RunApply(const std::vector<std::string>& args) {
         return code;
     }
     const PanelStore& store = client.store();
-    std::cout << "applied " << path << " to " << options.host << ":" << options.port << ": "
-              << DisplayListTotal(store) << " display lists, " << store.groups.userGroupCount
-              << " user groups, " << store.templates.templateCount << " button templates"
-              << (verify ? ", read back and identical\n" : " (not read back)\n");
+    PrintResult("applied " + path + " to " + options.host + ":" + std::to_string(options.port) +
+                ": " + std::to_string(DisplayListTotal(store)) + " display lists, " +
+                std::to_string(store.groups.userGroupCount) + " user groups, " +
+                std::to_string(store.templates.templateCount) + " button templates" +
+                (verify ? ", read back and identical" : " (not read back)"));
     return ToInt(ExitCode::Ok);
 }
 

@@ -1,7 +1,15 @@
 #include "tools/cli/cli_common.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <iostream>
+#include <utility>
+
+#include "tools/cli/progress_line.h"
 
 namespace lumeth::cli {
 
@@ -23,7 +31,8 @@ void PrintUsage(std::ostream& out) {
     }
     out << CommandOptionsHelp();
     out << "\nFILE and IN may be a panel data file (.dat) or a JSON document (.json); the\n"
-           "content tells which. The extension of OUT (.dat or .json) chooses its form.\n"
+           "content tells which. The extension of OUT (.dat or .json) chooses its form;\n"
+           "OUT - writes the JSON document to standard output.\n"
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
            "or link lost, 4 wrong password, 5 timed out waiting for the server module,\n"
            "6 apply: the server module holds a configuration that differs from FILE,\n"
@@ -31,13 +40,13 @@ void PrintUsage(std::ostream& out) {
 }
 
 int UsageError(const std::string& message) {
-    std::cerr << "lumeth-cli: " << message << "\n\n";
+    Progress().Line("lumeth-cli: " + message + "\n");
     PrintUsage(std::cerr);
     return ToInt(ExitCode::Usage);
 }
 
 int Error(ExitCode code, const std::string& line) {
-    std::cerr << "lumeth-cli: " << line << "\n";
+    Progress().Line("lumeth-cli: " + line);
     return ToInt(code);
 }
 
@@ -45,10 +54,80 @@ int InputError(const std::string& source, const Status& status) {
     return Error(ExitCode::BadInput, source + ": " + status.failure().detail);
 }
 
+namespace {
+
+constexpr const char* kStandardOutputName = "standard output";
+
+// All of `bytes` to the standard output descriptor; errno tells why not.
+bool WriteAll(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(static_cast<size_t>(written));
+    }
+    return true;
+}
+
+// `config` in `form` on stdout. Written past stdio's buffer, so that a full
+// disk or a closed pipe is told here with its reason, once.
+Status WriteStandardOutput(const Configuration& config, ConfigurationForm form) {
+    std::cout.flush();
+    std::fflush(stdout);
+    errno = 0;
+    // The encoder hands over small pieces; the descriptor gets large ones.
+    constexpr size_t kChunk = 1 << 16;
+    std::string pending;
+    const bool encoded = EncodeConfiguration(config, form, [&](std::string_view bytes) {
+        pending.append(bytes);
+        if (pending.size() < kChunk) {
+            return true;
+        }
+        return WriteAll(std::exchange(pending, {}));
+    });
+    if (encoded && WriteAll(pending)) {
+        return Status::Ok();
+    }
+    const int error = errno;
+    return Status::Fail(ErrorCode::DeviceIoError,
+                        error != 0 ? std::strerror(error) : "the write failed");
+}
+
+} // namespace
+
+std::optional<ConfigurationForm> OutputForm(const std::string& out) {
+    if (out == kStandardOutput) {
+        return ConfigurationForm::Json;
+    }
+    return FormForPath(out);
+}
+
+int UnknownOutputForm(const std::string& out) {
+    return UsageError("cannot tell the form of " + out +
+                      " (use .dat or .json, or - for the JSON document on standard output)");
+}
+
+void PrintResult(const std::string& line, bool toStandardError) {
+    if (toStandardError) {
+        Progress().Line(line);
+        return;
+    }
+    Progress().Clear();
+    std::cout << line << "\n";
+}
+
 int WriteConfigurationFile(const Configuration& config, ConfigurationForm form,
                            const std::string& path, const std::string& source) {
     if (const Status encodable = CheckEncodable(config, form); !encodable) {
         return InputError(source, encodable);
+    }
+    if (path == kStandardOutput) {
+        const Status status = WriteStandardOutput(config, form);
+        return status ? ToInt(ExitCode::Ok) : WriteError(kStandardOutputName, status);
     }
     const bool secret = form == ConfigurationForm::Json && config.password.has_value();
     const Status status = ReplaceFile(

@@ -2,6 +2,7 @@
 
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -63,10 +64,23 @@ struct FileToOutput {
 Status ParseFileToOutput(const std::string& command, const std::vector<std::string>& args,
                          const std::vector<std::string>& valued, FileToOutput& parsed);
 
+// OUT given as "-": standard output, which takes the JSON document only.
+inline constexpr const char* kStandardOutput = "-";
+// The form of OUT: its extension (.dat or .json) chooses, standard output
+// takes the JSON document; nothing for another name.
+std::optional<ConfigurationForm> OutputForm(const std::string& out);
+// The usage error for an OUT whose form OutputForm cannot tell.
+int UnknownOutputForm(const std::string& out);
+
+// The one line a command ends with: on stdout, or on stderr when stdout
+// holds what the command wrote (OUT "-"). The progress line goes first.
+void PrintResult(const std::string& line, bool toStandardError = false);
+
 // Check `config`, then replace `path` with it atomically (a new file holding
 // the password is readable by its owner only). Prints one line on failure and
 // returns the exit code: BadInput naming `source` when the content cannot be
-// written in that form, WriteFailed when the file cannot be written.
+// written in that form, WriteFailed when the file cannot be written. A `path`
+// of "-" writes to standard output instead.
 int WriteConfigurationFile(const Configuration& config, ConfigurationForm form,
                            const std::string& path, const std::string& source);
 

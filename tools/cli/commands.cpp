@@ -43,6 +43,9 @@ const char* CommandOptionsHelp() {
            "                          are never given as arguments and never printed.\n"
            "  --home DIR              folder for Errorlog.txt (default: the per-user data\n"
            "                          folder, ~/.local/share/KOV/Lumeth Admin/)\n"
+           "  --verbose               print every step on a line of its own (on a terminal\n"
+           "                          one line shows the step under way; otherwise only\n"
+           "                          errors and the result are printed)\n"
            "  The new password of set-password comes from --new-password-file FILE,\n"
            "  LUMETH_NEW_PASSWORD, or is asked on the terminal.\n";
 }

@@ -12,10 +12,12 @@ namespace lumeth::cli {
 
 namespace {
 
-// Exit codes of diff, as diff(1) has them: usage and input errors are 2, the
+// Exit codes of diff, as diff(1) has them: usage and input errors are 2 (a
+// missing password too: 1 would tell a script that the sides differ), the
 // server module's failures keep their own codes (3 and up).
 constexpr int kSame = 0;
 constexpr int kDiffer = 1;
+constexpr int kTrouble = 2;
 
 constexpr const char* kServer = "server";
 
@@ -34,7 +36,7 @@ int LoadSide(const std::string& source, const ServerOptions& options,
         const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
         if (!password.password) {
             Error(ExitCode::Usage, password.status.failure().detail);
-            return ToInt(ExitCode::BadInput);
+            return kTrouble;
         }
         ServerClient client(options);
         if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0)
@@ -55,11 +57,11 @@ int RunDiff(const std::vector<std::string>& args) {
     std::vector<std::string> rest;
     if (const Status parsed = ParseServerOptions(args, options, rest); !parsed) {
         UsageError(parsed.failure().detail);
-        return ToInt(ExitCode::BadInput);
+        return kTrouble;
     }
     if (rest.size() != 2 || rest[0].starts_with("-") || rest[1].starts_with("-")) {
         UsageError("diff needs two sources: FILE or server");
-        return ToInt(ExitCode::BadInput);
+        return kTrouble;
     }
     std::optional<PanelStore> fetched;
     PanelStore before;

@@ -1,5 +1,3 @@
-#include <iostream>
-
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
@@ -10,7 +8,8 @@ namespace lumeth::cli {
 
 // fetch -o OUT: log in, download everything, write OUT. OUT is written only
 // after the whole download has arrived, so a wrong password, a lost link or a
-// timeout leaves no file behind.
+// timeout leaves no file behind. OUT "-" is the JSON document on stdout, the
+// result line then on stderr.
 int RunFetch(const std::vector<std::string>& args) {
     ServerOptions options;
     std::vector<std::string> rest;
@@ -28,9 +27,9 @@ int RunFetch(const std::vector<std::string>& args) {
     if (out.empty()) {
         return UsageError("fetch needs -o OUT");
     }
-    const auto form = FormForPath(out);
+    const auto form = OutputForm(out);
     if (!form) {
-        return UsageError("cannot tell the form of " + out + " (use .dat or .json)");
+        return UnknownOutputForm(out);
     }
     const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!password.password) {
@@ -52,13 +51,16 @@ int RunFetch(const std::vector<std::string>& args) {
     }
 
     const PanelStore& store = fetched.store;
-    std::cout << "wrote " << out << ": ";
+    const bool toStandardOutput = out == kStandardOutput;
+    std::string result =
+        "wrote " + (toStandardOutput ? std::string("standard output") : out) + ": ";
     for (SubType subType : kAllSubTypes) {
-        std::cout << store.alpha(subType).count << " " << SubTypeName(subType) << ", ";
+        result += std::to_string(store.alpha(subType).count) + " " + SubTypeName(subType) + ", ";
     }
-    std::cout << "channel names; " << DisplayListTotal(store) << " display lists, "
-              << store.groups.userGroupCount << " user groups, " << store.templates.templateCount
-              << " button templates\n";
+    result += "channel names; " + std::to_string(DisplayListTotal(store)) + " display lists, " +
+              std::to_string(store.groups.userGroupCount) + " user groups, " +
+              std::to_string(store.templates.templateCount) + " button templates";
+    PrintResult(result, toStandardOutput);
     return ToInt(ExitCode::Ok);
 }
 

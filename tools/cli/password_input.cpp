@@ -80,8 +80,8 @@ PasswordResult ReadPassword(const PasswordSource& source) {
     if (!result.password) {
         result.status =
             Status::Fail(ErrorCode::InvalidProcedureCall,
-                         std::string("no password: give one with --password-file FILE, ") +
-                             source.environmentVariable + ", or a terminal");
+                         std::string("no password: give one with ") + source.fileOption +
+                             " FILE, " + source.environmentVariable + ", or a terminal");
     }
     return result;
 }

@@ -15,6 +15,7 @@ struct PasswordSource {
     std::optional<std::string> file; // --password-file / --new-password-file
     const char* environmentVariable = "LUMETH_PASSWORD";
     const char* prompt = "Password: ";
+    const char* fileOption = "--password-file"; // named when there is no password
 };
 
 struct PasswordResult {

@@ -4,12 +4,13 @@
 
 #include <charconv>
 #include <cmath>
-#include <iostream>
+#include <sstream>
 
 #include "link/codec.h"
 #include "link/protocol.h"
 #include "model/store_diff.h"
 #include "tools/cli/cli_common.h"
+#include "tools/cli/progress_line.h"
 
 namespace lumeth::cli {
 
@@ -33,68 +34,96 @@ std::string NamesOrNone(PartSet parts) {
     return parts.empty() ? std::string("none") : JoinPartNames(parts);
 }
 
+// Seconds as the user wrote them: "10", "0.5".
+std::string SecondsText(double seconds) {
+    std::ostringstream text;
+    text << seconds;
+    return text.str();
+}
+
+Status UsageFailure(const std::string& message) {
+    return Status::Fail(ErrorCode::InvalidProcedureCall, message);
+}
+
+// A --timeout value: more than 0 seconds and at most a day.
+std::optional<double> ParseSeconds(const std::string& value) {
+    double seconds = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, code] = std::from_chars(value.data(), end, seconds);
+    if (value.empty() || code != std::errc() || stop != end || !(seconds > 0) || seconds > 86400) {
+        return std::nullopt;
+    }
+    return seconds;
+}
+
 } // namespace
 
-bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error) {
+ServerAddress ParseServer(std::string_view text) {
+    ServerAddress parsed;
     std::string_view hostPart = text;
-    int portValue = kDefaultServerPort;
     const size_t colon = text.rfind(':');
     if (colon != std::string_view::npos) {
         hostPart = text.substr(0, colon);
         const std::string_view portText = text.substr(colon + 1);
         const char* end = portText.data() + portText.size();
-        const auto [stop, code] = std::from_chars(portText.data(), end, portValue);
-        if (portText.empty() || code != std::errc() || stop != end || portValue < 1 ||
-            portValue > 65535) {
-            error = "invalid port in --server " + std::string(text) + " (1 to 65535)";
-            return false;
+        const auto [stop, code] = std::from_chars(portText.data(), end, parsed.port);
+        if (portText.empty() || code != std::errc() || stop != end || parsed.port < 1 ||
+            parsed.port > 65535) {
+            parsed.status =
+                UsageFailure("invalid port in --server " + std::string(text) + " (1 to 65535)");
+            return parsed;
         }
     }
     if (hostPart.empty()) {
-        error = "no host in --server " + std::string(text);
-        return false;
+        parsed.status = UsageFailure("no host in --server " + std::string(text));
+        return parsed;
     }
-    host = std::string(hostPart);
-    port = portValue;
-    return true;
+    parsed.host = std::string(hostPart);
+    return parsed;
 }
 
-bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
-                          std::vector<std::string>& rest, std::string& error) {
+ServerArguments ParseServerArguments(const std::vector<std::string>& args, ServerOptions defaults) {
+    ServerArguments parsed{std::move(defaults), {}, Status::Ok()};
+    ServerOptions& options = parsed.options;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
+        if (arg == "--verbose") {
+            options.verbose = true;
+            continue;
+        }
         const bool shared =
             arg == "--server" || arg == "--timeout" || arg == "--home" || arg == "--password-file";
         if (!shared) {
-            rest.push_back(arg);
+            parsed.rest.push_back(arg);
             continue;
         }
         if (i + 1 >= args.size()) {
-            error = arg + " needs a value";
-            return false;
+            parsed.status = UsageFailure(arg + " needs a value");
+            return parsed;
         }
         const std::string& value = args[++i];
         if (arg == "--server") {
-            if (!ParseServer(value, options.host, options.port, error)) {
-                return false;
+            ServerAddress address = ParseServer(value);
+            if (!address.status) {
+                parsed.status = address.status;
+                return parsed;
             }
+            options.host = std::move(address.host);
+            options.port = address.port;
         } else if (arg == "--timeout") {
-            double seconds = 0;
-            const char* end = value.data() + value.size();
-            const auto [stop, code] = std::from_chars(value.data(), end, seconds);
-            if (value.empty() || code != std::errc() || stop != end || !(seconds > 0) ||
-                seconds > 86400) {
-                error = "--timeout needs a number of seconds greater than 0";
-                return false;
+            const std::optional<double> seconds = ParseSeconds(value);
+            if (!seconds) {
+                parsed.status = UsageFailure("--timeout needs a number of seconds greater than 0");
+                return parsed;
             }
-            options.timeoutSeconds = seconds;
+            options.timeoutSeconds = *seconds;
         } else if (arg == "--home") {
             options.home = value;
         } else {
             options.passwordFile = value;
         }
     }
-    return true;
+    return parsed;
 }
 
 ServerClient::ServerClient(const ServerOptions& options)
@@ -180,7 +209,7 @@ ServerClient::WaitResult ServerClient::WaitForParts(PartSet need) {
                 return false;
             }
             ++m_reasks;
-            std::cerr << "asking again for: " << JoinPartNames(m_mirror.missing()) << "\n";
+            Progress().Step("asking again for: " + JoinPartNames(m_mirror.missing()));
             const RequestMasks missing = MasksFor(m_mirror.missing());
             m_connection->session().RequestData(missing.a, missing.b, missing.c);
             m_connection->FlushSession();
@@ -192,8 +221,8 @@ ServerClient::WaitResult ServerClient::WaitForParts(PartSet need) {
 
 bool ServerClient::ReportedTooLong() const {
     if (m_messageTooLong) {
-        std::cerr << "lumeth-cli: the server module sent a message larger than any the protocol "
-                     "carries\n";
+        Error(ExitCode::Unreachable,
+              "the server module sent a message larger than any the protocol carries");
     }
     return m_messageTooLong;
 }
@@ -203,17 +232,15 @@ int ServerClient::LinkLost(const std::string& during) {
         return ToInt(ExitCode::Unreachable);
     }
     if (m_wasConnected) {
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address() << during
-                  << "\n";
-    } else {
-        std::cerr << "lumeth-cli: cannot reach the server module at " << Address() << ": "
-                  << m_linkError << "\n";
+        return Error(ExitCode::Unreachable,
+                     "lost the link to the server module at " + Address() + during);
     }
-    return ToInt(ExitCode::Unreachable);
+    return Error(ExitCode::Unreachable,
+                 "cannot reach the server module at " + Address() + ": " + m_linkError);
 }
 
 int ServerClient::LogIn(const std::string& password) {
-    std::cerr << "connecting to " << Address() << "\n";
+    Progress().Step("connecting to " + Address());
     m_reasks = 0;
     m_connection->Connect();
     switch (WaitFor([this] { return m_state.connected; })) {
@@ -222,12 +249,12 @@ int ServerClient::LogIn(const std::string& password) {
     case WaitResult::LinkLost:
         return LinkLost(" right after connecting");
     case WaitResult::TimedOut:
-        std::cerr << "lumeth-cli: cannot reach the server module at " << Address()
-                  << ": no connection within " << m_options.timeoutSeconds << " s\n";
-        return ToInt(ExitCode::Unreachable);
+        return Error(ExitCode::Unreachable, "cannot reach the server module at " + Address() +
+                                                ": no connection within " +
+                                                SecondsText(m_options.timeoutSeconds) + " s");
     }
 
-    std::cerr << "connected, waiting for the password\n";
+    Progress().Step("connected, waiting for the password");
     switch (WaitForParts({Part::Password})) {
     case WaitResult::Done:
         break;
@@ -235,26 +262,30 @@ int ServerClient::LogIn(const std::string& password) {
         return LinkLost(" while waiting for the password");
     case WaitResult::TimedOut:
         // Nothing asked for yet means the identity query never came.
-        std::cerr << "lumeth-cli: timed out waiting for: "
-                  << (m_state.AnyPending() ? PartName(Part::Password) : "identity query") << "\n";
-        return ToInt(ExitCode::Timeout);
+        return Error(ExitCode::Timeout,
+                     "timed out waiting for: " + std::string(m_state.AnyPending()
+                                                                 ? PartName(Part::Password)
+                                                                 : "identity query"));
     }
 
     if (password != m_state.serverPassword) {
-        std::cerr << "lumeth-cli: wrong password for the server module at " << Address() << "\n";
-        return ToInt(ExitCode::WrongPassword);
+        return Error(ExitCode::WrongPassword,
+                     "wrong password for the server module at " + Address());
     }
     m_state.enteredPassword = password;
-    std::cerr << "logged in\n";
+    Progress().Step("logged in");
     return 0;
 }
 
 void ServerClient::ReportProgress() {
-    const std::string text = JoinPartNames(m_mirror.missing());
+    const PartSet missing = m_mirror.missing();
+    const std::string text = JoinPartNames(missing);
     if (text != m_lastProgress) {
         m_lastProgress = text;
         if (!text.empty()) {
-            std::cerr << "waiting for: " << text << "\n";
+            // The count first: a terminal line may be too short for the names.
+            Progress().Step(std::to_string(kAllParts.size() - missing.size()) + " of " +
+                            std::to_string(kAllParts.size()) + " parts in, waiting for: " + text);
         }
     }
 }
@@ -262,15 +293,14 @@ void ServerClient::ReportProgress() {
 int ServerClient::AwaitDownload() {
     switch (WaitForParts(kAllParts)) {
     case WaitResult::Done:
-        std::cerr << "download complete\n";
+        Progress().Step("download complete");
         return 0;
     case WaitResult::LinkLost:
         return LinkLost(" during the download; missing: " + JoinPartNames(m_mirror.missing()));
     case WaitResult::TimedOut:
         break;
     }
-    std::cerr << "lumeth-cli: timed out waiting for: " << JoinPartNames(m_mirror.missing()) << "\n";
-    return ToInt(ExitCode::Timeout);
+    return Error(ExitCode::Timeout, "timed out waiting for: " + JoinPartNames(m_mirror.missing()));
 }
 
 int ServerClient::LogInAndDownload(const std::string& password) {
@@ -289,41 +319,43 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     m_connection->SendPassword();
     // The password that comes back with the next download confirms the change.
     RequestEverything();
-    std::cerr << "new password sent, waiting for the server module to confirm it\n";
+    Progress().Step("new password sent, waiting for the server module to confirm it");
     switch (WaitForParts({Part::Password})) {
     case WaitResult::Done:
         break;
     case WaitResult::LinkLost:
         return LinkLost(" after sending the new password");
     case WaitResult::TimedOut:
-        std::cerr << "lumeth-cli: timed out waiting for: " << PartName(Part::Password) << "\n";
-        return ToInt(ExitCode::Timeout);
+        return Error(ExitCode::Timeout,
+                     "timed out waiting for: " + std::string(PartName(Part::Password)));
     }
     if (m_state.serverPassword != newPassword) {
-        std::cerr << "lumeth-cli: the server module did not take the new password\n";
-        return ToInt(ExitCode::WrongPassword);
+        return Error(ExitCode::WrongPassword, "the server module did not take the new password");
     }
     m_state.enteredPassword = newPassword;
     return 0;
 }
 
 int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent) {
-    std::cerr << "sending display lists, user groups and button templates\n";
+    Progress().Step("sending display lists, user groups and button templates");
     sent = codec::UploadMessages(m_store);
+    const QMetaObject::Connection sending = QObject::connect(
+        m_connection.get(), &Connection::uploadSending, m_connection.get(),
+        [](Part part) { Progress().Step("sending " + std::string(PartName(part))); });
     const PartSet gone = m_connection->Apply();
+    QObject::disconnect(sending);
     if (!m_state.connected) {
         // The cause first, then what went out before the link was dropped.
         ReportedTooLong();
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
-                  << " while sending " << fileName
-                  << "; sent before it was lost: " << NamesOrNone(gone) << "\n";
-        return ToInt(ExitCode::Unreachable);
+        return Error(ExitCode::Unreachable, "lost the link to the server module at " + Address() +
+                                                " while sending " + fileName +
+                                                "; sent before it was lost: " + NamesOrNone(gone));
     }
     return 0;
 }
 
 int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file) {
-    std::cerr << "reading the configuration back\n";
+    Progress().Step("reading the configuration back");
     m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
                                 Qt::PreciseTimer);
     RequestEverything();
@@ -335,22 +367,21 @@ int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& f
             return ToInt(ExitCode::Unreachable);
         }
         // What was still queued when the link went is gone: no claim either way.
-        std::cerr << "lumeth-cli: lost the link to the server module at " << Address()
-                  << " while reading the configuration back; the server module's state is "
-                     "unknown\n";
-        return ToInt(ExitCode::Unreachable);
+        return Error(ExitCode::Unreachable,
+                     "lost the link to the server module at " + Address() +
+                         " while reading the configuration back; the server module's state is "
+                         "unknown");
     case WaitResult::TimedOut: {
         // A server module that stops reading leaves the uploads queued here:
         // more waiting than the read-back request means FILE did not all go out.
         const auto readBack =
             codec::DataRequest(kRequestEverything.a, kRequestEverything.b, kRequestEverything.c);
         const bool allSent = m_connection->BytesWaiting() <= static_cast<int64_t>(readBack.size());
-        std::cerr << "lumeth-cli: timed out reading the configuration back (missing: "
-                  << JoinPartNames(m_mirror.missing())
-                  << (allSent ? "); all of " : "); not all of ") << fileName
-                  << (allSent ? " was sent" : " could be sent")
-                  << ", the server module's state is unknown\n";
-        return ToInt(ExitCode::Timeout);
+        return Error(ExitCode::Timeout, "timed out reading the configuration back (missing: " +
+                                            JoinPartNames(m_mirror.missing()) +
+                                            (allSent ? "); all of " : "); not all of ") + fileName +
+                                            (allSent ? " was sent" : " could be sent") +
+                                            ", the server module's state is unknown");
     }
     }
     // FILE as the server module holds it (names and labels cut to their
@@ -358,14 +389,17 @@ int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& f
     // have been shortened on the way.
     const PartSet differs = DifferingParts(file, m_store);
     if (!differs.empty()) {
-        std::cerr << "lumeth-cli: the server module now holds a configuration that differs from "
-                  << fileName << " in: " << JoinPartNames(differs) << "\n";
-        return ToInt(ExitCode::Differs);
+        return Error(ExitCode::Differs,
+                     "the server module now holds a configuration that differs from " + fileName +
+                         " in: " + JoinPartNames(differs));
     }
     return 0;
 }
 
 void ServerClient::Close() {
+    // The session is over: what follows (a result, diff's lines on stdout)
+    // starts on a line of its own.
+    Progress().Clear();
     m_connection->Disconnect();
     QDeadlineTimer limit(kCloseLimitMs);
     while (!m_connection->SocketClosed() && !limit.hasExpired()) {

@@ -15,6 +15,7 @@
 #include "link/codec.h"
 #include "link/connection.h"
 #include "link/link_state.h"
+#include "model/failure.h"
 #include "model/panel_store.h"
 #include "model/server_mirror.h"
 
@@ -23,10 +24,6 @@ namespace lumeth::cli {
 inline constexpr int kDefaultServerPort = 1250;
 inline constexpr double kDefaultTimeoutSeconds = 10.0;
 
-// HOST or HOST:PORT; the port defaults to 1250 and must be 1..65535.
-// Returns false with `error` set when the text is not usable.
-bool ParseServer(std::string_view text, std::string& host, int& port, std::string& error);
-
 // Options shared by the commands that talk to the server module.
 struct ServerOptions {
     std::string host = "127.0.0.1";
@@ -34,13 +31,29 @@ struct ServerOptions {
     double timeoutSeconds = kDefaultTimeoutSeconds;
     std::string home = "."; // the folder that receives Errorlog.txt
     std::optional<std::string> passwordFile;
+    bool verbose = false; // --verbose: every step on a line of its own
 };
 
-// Take the shared options (--server, --timeout, --home, --password-file) out
-// of `args`; everything else is left in `rest` in its order. False with
-// `error` set on a missing or bad value.
-bool ParseServerArguments(const std::vector<std::string>& args, ServerOptions& options,
-                          std::vector<std::string>& rest, std::string& error);
+// A --server value, HOST or HOST:PORT; the port defaults to 1250 and must
+// be 1..65535. `status` says why when the text is not usable.
+struct ServerAddress {
+    std::string host;
+    int port = kDefaultServerPort;
+    Status status;
+};
+ServerAddress ParseServer(std::string_view text);
+
+// The shared options (--server, --timeout, --home, --password-file,
+// --verbose) taken out of a command's arguments, over `defaults`; `rest`
+// holds everything else in its order. `status` fails on a missing or bad
+// value.
+struct ServerArguments {
+    ServerOptions options;
+    std::vector<std::string> rest;
+    Status status;
+};
+ServerArguments ParseServerArguments(const std::vector<std::string>& args,
+                                     ServerOptions defaults = {});
 
 // One headless session with the server module, built from the same
 // connection and session as the window: connect, log in, wait for the

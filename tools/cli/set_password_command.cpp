@@ -1,5 +1,3 @@
-#include <iostream>
-
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/password_input.h"
@@ -27,12 +25,12 @@ int RunSetPassword(const std::vector<std::string>& args) {
     }
     const PasswordResult current = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
     if (!current.password) {
-        return UsageError(current.status.failure().detail);
+        return Error(ExitCode::Usage, current.status.failure().detail);
     }
-    const PasswordResult next =
-        ReadPassword({newPasswordFile, "LUMETH_NEW_PASSWORD", "New password: "});
+    const PasswordResult next = ReadPassword(
+        {newPasswordFile, "LUMETH_NEW_PASSWORD", "New password: ", "--new-password-file"});
     if (!next.password) {
-        return UsageError(next.status.failure().detail);
+        return Error(ExitCode::Usage, next.status.failure().detail);
     }
     if (const Status usable = CheckNewPassword(*next.password); !usable) {
         return Error(ExitCode::BadInput, usable.failure().detail);
@@ -47,7 +45,7 @@ int RunSetPassword(const std::vector<std::string>& args) {
     if (code != 0) {
         return code;
     }
-    std::cout << "password changed on " << options.host << ":" << options.port << "\n";
+    PrintResult("password changed on " + options.host + ":" + std::to_string(options.port));
     return ToInt(ExitCode::Ok);
 }
 
