@@ -307,10 +307,14 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     return 0;
 }
 
-int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent) {
-    std::cerr << "sending display lists, user groups and button templates\n";
-    sent = codec::UploadMessages(m_store);
-    const PartSet gone = m_connection->Apply();
+int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent,
+                        PartSet parts) {
+    std::cerr << "sending "
+              << (parts == kUploadParts ? "display lists, user groups and button templates"
+                                        : JoinPartNames(parts))
+              << "\n";
+    sent = codec::UploadMessages(m_store, parts);
+    const PartSet gone = m_connection->Apply(parts);
     if (!m_state.connected) {
         // The cause first, then what went out before the link was dropped.
         ReportedTooLong();
@@ -322,7 +326,8 @@ int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>&
     return 0;
 }
 
-int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file) {
+int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file,
+                                PartSet parts) {
     std::cerr << "reading the configuration back\n";
     m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
                                 Qt::PreciseTimer);
@@ -356,7 +361,7 @@ int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& f
     // FILE as the server module holds it (names and labels cut to their
     // width) against what it answered: not the messages sent, which may
     // have been shortened on the way.
-    const PartSet differs = DifferingParts(file, m_store);
+    const PartSet differs = DifferingParts(file, m_store) & parts;
     if (!differs.empty()) {
         std::cerr << "lumeth-cli: the server module now holds a configuration that differs from "
                   << fileName << " in: " << JoinPartNames(differs) << "\n";
