@@ -171,12 +171,13 @@ void BM_CliFetchProcess(benchmark::State& st) {
 void BM_CliApplyWithBase(benchmark::State& st) {
     App();
     Emulator emulator;
-    if (const std::string error = emulator.Start("large"); !error.empty()) {
+    const std::string error = emulator.Start("large");
+    if (!error.empty()) {
         st.SkipWithError(error.c_str());
         return;
     }
-    QTemporaryDir folder;
     const QStringList server{"--server", QString("127.0.0.1:%1").arg(emulator.server->port())};
+    QTemporaryDir folder;
     const QStringList fetch = QStringList{"fetch", "-o", "large.json"} + server;
     const QStringList apply = QStringList{"apply", "large.json"} + server;
     const QStringList withBase = apply + QStringList{"--base", "large.json"};
