@@ -166,6 +166,48 @@ void BM_CliFetchProcess(benchmark::State& st, const char* out, const char* tty) 
     st.counters["x_target"] = (fetchMs / n) / (1.3 * kFloorMs + startMs / n);
 }
 
+// `lumeth-cli apply large.json` against `apply large.json --base large.json`
+// (a fetch of the emulator's "large" set, so nothing conflicts and all six
+// parts go out), each with its backup and read-back. Target: --base costs at
+// most one fetch more (extra_ms <= fetch_ms); it reuses the login's download,
+// so it should cost about nothing.
+void BM_CliApplyWithBase(benchmark::State& st) {
+    App();
+    Emulator emulator;
+    const std::string error = emulator.Start("large");
+    if (!error.empty()) {
+        st.SkipWithError(error.c_str());
+        return;
+    }
+    const QStringList server{"--server", QString("127.0.0.1:%1").arg(emulator.server->port())};
+    QTemporaryDir folder;
+    const QStringList fetch = QStringList{"fetch", "-o", "large.json"} + server;
+    const QStringList apply = QStringList{"apply", "large.json"} + server;
+    const QStringList withBase = apply + QStringList{"--base", "large.json"};
+    double fetchMs = 0;
+    double applyMs = 0;
+    double baseMs = 0;
+    for (auto _ : st) {
+        const double f = RunCli(fetch, folder.path());
+        const double a = RunCli(apply, folder.path());
+        const double b = RunCli(withBase, folder.path());
+        if (f < 0 || a < 0 || b < 0) {
+            st.SkipWithError("lumeth-cli failed");
+            return;
+        }
+        st.SetIterationTime(b / 1000.0);
+        fetchMs += f;
+        applyMs += a;
+        baseMs += b;
+    }
+    const auto n = static_cast<double>(st.iterations());
+    st.counters["fetch_ms"] = fetchMs / n;
+    st.counters["apply_ms"] = applyMs / n;
+    st.counters["base_ms"] = baseMs / n;
+    st.counters["extra_ms"] = (baseMs - applyMs) / n;
+    st.counters["x_fetch"] = ((baseMs - applyMs) / n) / (fetchMs / n);
+}
+
 } // namespace
 
 BENCHMARK_CAPTURE(BM_CliFetchProcess, file, "large.json", "0")
@@ -180,6 +222,7 @@ BENCHMARK_CAPTURE(BM_CliFetchProcess, progress_line, "large.json", "1")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
     ->Iterations(5);
+BENCHMARK(BM_CliApplyWithBase)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)

@@ -16,26 +16,44 @@ namespace {
 constexpr std::string_view kPrefix = "LumethEX-";
 constexpr std::string_view kExtension = ".dat";
 
-bool IsBackupName(const std::string& name) {
+} // namespace
+
+std::string BackupFileName(std::string_view stamp) {
+    std::string name(kPrefix);
+    name += stamp;
+    name += kExtension;
+    return name;
+}
+
+bool IsBackupName(std::string_view name) {
     return name.size() > kPrefix.size() + kExtension.size() && name.starts_with(kPrefix) &&
            name.ends_with(kExtension);
 }
 
-} // namespace
+std::string_view BackupStamp(std::string_view name) {
+    if (!IsBackupName(name))
+        return {};
+    return name.substr(kPrefix.size(), name.size() - kPrefix.size() - kExtension.size());
+}
 
 std::string BackupPath(const std::string& folder, const std::string& stamp) {
-    return folder + kBackupFolder + "/" + std::string(kPrefix) + stamp + std::string(kExtension);
+    return folder + kBackupFolder + "/" + BackupFileName(stamp);
 }
 
 Status WriteBackup(const std::string& folder, const std::string& stamp, const PanelStore& store,
                    std::string* path, int keep) {
-    const fs::path dir = fs::path(folder) / kBackupFolder;
+    return WriteBackupInto((fs::path(folder) / kBackupFolder).string(), stamp, store, path, keep);
+}
+
+Status WriteBackupInto(const std::string& backupDir, const std::string& stamp,
+                       const PanelStore& store, std::string* path, int keep) {
+    const fs::path dir(backupDir);
     std::error_code error;
     fs::create_directories(dir, error);
     if (error)
         return Status::Fail(ErrorCode::PathNotFound,
                             dir.string() + ": cannot create the folder: " + error.message());
-    const std::string file = BackupPath(folder, stamp);
+    const std::string file = (dir / BackupFileName(stamp)).string();
     if (const Status saved = SavePanelDataFile(file, store); !saved)
         return saved;
     if (path)

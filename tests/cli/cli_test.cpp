@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QStandardPaths>
 
+#include "files/backup_files.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "files/user_data_folder.h"
@@ -227,6 +228,62 @@ TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
                       "/");
         saved.empty() ? ::unsetenv("XDG_DATA_HOME") : ::setenv("XDG_DATA_HOME", saved.c_str(), 1);
     }
+}
+
+// apply's own arguments are checked before anything connects: a bad part
+// name is a usage error, a BASE that is no configuration bad input.
+TEST_F(Cli, ApplyRefusesBadPartsAndABadBaseBeforeConnecting) {
+    m_dir.Write("text.json", "hello");
+    const std::pair<QStringList, int> cases[] = {
+        {{"--only", "relay,input", "--base", kDemo}, 3}, // good: it gets as far as connecting
+        {{"--only", "input,mixer"}, 1},
+        {{"--only", ""}, 1},
+        {{"--only", "input", "--only", "relay"}, 1},
+        {{"--backup-dir", "x", "--no-backup"}, 1},
+        {{"--base", Path("text.json")}, 2},
+        {{"--base", Path("missing.json")}, 2},
+    };
+    for (const auto& [options, code] : cases) {
+        SCOPED_TRACE(options.join(' ').toStdString());
+        const testing::CliResult r =
+            Run(QStringList{"apply", kDemo, "--server", "127.0.0.1:1"} + options,
+                Environment("studio"));
+        EXPECT_EQ(r.exitCode, code) << r.err;
+        EXPECT_EQ(r.err.find("connecting") != std::string::npos, code == 3) << r.err;
+    }
+}
+
+// backups lists newest first what each backup holds; a damaged one says so
+// and the rest are still listed; a folder that is not there exits 2.
+TEST_F(Cli, BackupsListsEachBackupNewestFirst) {
+    PanelStore older;
+    older.ResetToDefaults();
+    PanelStore newer = older;
+    newer.listCount(SubType::Input) = 3;
+    newer.lists(SubType::Input).resize(3);
+    newer.groups.userGroupCount = 0;
+    const std::string dir = m_dir.file("kept");
+    ASSERT_TRUE(WriteBackupInto(dir, "20261124-093000", older));
+    ASSERT_TRUE(WriteBackupInto(dir, "20261124-101500", newer));
+    m_dir.Write("kept/LumethEX-20261124-120000.dat", "not a backup");
+    m_dir.Write("kept/notes.txt", "not listed");
+
+    const testing::CliResult r = Run({"backups", QString::fromStdString(dir)});
+    ASSERT_EQ(r.exitCode, 0) << r.err;
+    const size_t damaged = r.out.find("2026-11-24 12:00:00  LumethEX-20261124-120000.dat  12 "
+                                      "bytes  damaged: ");
+    const size_t second = r.out.find("2026-11-24 10:15:00  LumethEX-20261124-101500.dat  ");
+    const size_t first = r.out.find("2026-11-24 09:30:00  LumethEX-20261124-093000.dat  ");
+    EXPECT_LT(damaged, second) << r.out;
+    EXPECT_LT(second, first) << r.out;
+    EXPECT_NE(r.out.find("3 Input, 1 Output, 1 Opto, 1 Relay display lists, 0 user groups, 1 "
+                         "button templates\n",
+                         second),
+              std::string::npos)
+        << r.out;
+    EXPECT_EQ(r.out.find("notes.txt"), std::string::npos);
+
+    EXPECT_EQ(Run({"backups", Path("missing")}).exitCode, 2);
 }
 
 // diff keeps 2 for it, as for its other usage errors: 1 says the sides differ.

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -514,6 +515,42 @@ TEST_F(ServerFlowsTest, ApplySaysWhatTheServerModuleHolds) {
             Environment("studio"));
         EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
         EXPECT_NE((result.err + result.out).find(c.message), std::string::npos) << result.err;
+    }
+}
+
+// --only sends the parts named in Apply's order (not the order given), with
+// the half-second wait between them, and reads back only those: FILE's other
+// parts differ from the server module's and do not count. A backup that
+// cannot be written stops apply before anything is sent.
+TEST_F(ServerFlowsTest, ApplyOnlySendsTheNamedPartsAndNothingWithoutItsBackup) {
+    m_dir.Write("late.json", kLateShow);
+    m_dir.Write("not-a-folder", "x");
+    struct Case {
+        QStringList options;
+        int exitCode;
+        std::vector<std::string> uploads;
+    };
+    const Case cases[] = {
+        {{"--only", "relay,input"},
+         0,
+         {ListBody(11, 16, {{"Mix", {1, 2}}}).Finish(), ListBody(41, 16, {{"Cue", {0}}}).Finish()}},
+        {{"--only", "templates", "--backup-dir", Path("not-a-folder")}, 7, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.options.join(' ').toStdString());
+        ScriptedServer server("studio");
+        const CliResult result = Run(
+            QStringList{"apply", Path("late.json"), "--server", Server(server.port())} + c.options,
+            Environment("studio"));
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        std::vector<Frame> uploads;
+        std::copy_if(server.frames().begin(), server.frames().end(), std::back_inserter(uploads),
+                     [](const Frame& f) { return f.bytes[0] != '\x81' && f.bytes[0] != '\xF2'; });
+        ASSERT_EQ(uploads.size(), c.uploads.size());
+        for (size_t i = 0; i < uploads.size(); ++i) {
+            EXPECT_EQ(uploads[i].bytes, c.uploads[i]) << "upload " << i;
+            EXPECT_TRUE(i == 0 || uploads[i].atMs - uploads[i - 1].atMs >= 450) << i;
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 // loopback, with and without injected faults.
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcessEnvironment>
@@ -14,6 +15,7 @@
 
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
+#include "model/merge_plan.h"
 #include "tests/sim/sim_process.h"
 #include "tests/sim/store_dump.h"
 #include "tools/sim/demo_config.h"
@@ -282,5 +284,72 @@ TEST_F(CliAgainstSim, AllFaultsTogether) {
         ExpectExactFetch(sim, demoState, "fetched.json");
         // The garbage did arrive and was dropped by the administrator's framing.
         EXPECT_TRUE(ErrorLog().contains("Invalid Data")) << ErrorLog().toStdString();
+    }
+}
+
+// apply --base against an emulator whose user groups changed since BASE: a
+// FILE that changes them too is refused (exit 8, nothing sent, no backup);
+// one that changes only its templates keeps the server module's groups;
+// --force overwrites them. Each send keeps what the emulator held first, and
+// --only sends the parts named and nothing else.
+TEST_F(CliAgainstSim, ApplyWithABaseKeepsOtherChangesAndBacksUpWhatItReplaces) {
+    const PanelStore base = demoState.store();
+    PanelStore server = base;
+    server.groups.userGroupNames[0] = "Server Group";
+    ASSERT_EQ(sim::SaveStateFile(statePath.toStdString(), sim::SimState(server, "studio")), "");
+    SimProcess sim;
+    ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
+    Write("base.json", WriteJsonDocument(base));
+    PanelStore groups = base;
+    groups.groups.userGroupNames[0] = "My Group";
+    Write("groups.json", WriteJsonDocument(groups));
+    PanelStore templates = base;
+    templates.templates.templateNames[0] = "My Template";
+    Write("templates.json", WriteJsonDocument(templates));
+    const QString backups = File("KOV/Lumeth Admin/backups");
+    const auto apply = [&](const QString& file, const QStringList& more) {
+        return Run(
+            QStringList{"apply", File(file), "--base", File("base.json"), "--server", Server(sim)} +
+            more);
+    };
+    const std::string changed =
+        ServerChangedLine(Part::UserGroups, File("base.json").toStdString());
+
+    const CliResult conflict = apply("groups.json", {});
+    EXPECT_EQ(conflict.exitCode, 8) << conflict.err.toStdString();
+    EXPECT_TRUE(conflict.err.contains(QString::fromStdString("lumeth-cli: " + changed + "\n")));
+    EXPECT_EQ(DumpStore(LoadState(statePath).store()), DumpStore(server));
+    EXPECT_FALSE(QFile::exists(backups));
+
+    const CliResult kept = apply("templates.json", {});
+    ASSERT_EQ(kept.exitCode, 0) << kept.err.toStdString();
+    EXPECT_TRUE(kept.err.contains(QString::fromStdString("kept: " + changed + "; not sent\n")));
+    PanelStore merged = server;
+    merged.templates.templateNames[0] = "My Template";
+    EXPECT_EQ(DumpStore(LoadState(statePath).store(), false), DumpStore(merged, false));
+
+    const CliResult forced = apply("groups.json", {"--force"});
+    ASSERT_EQ(forced.exitCode, 0) << forced.err.toStdString();
+    EXPECT_EQ(DumpStore(LoadState(statePath).store(), false), DumpStore(groups, false));
+
+    // --only: the templates FILE would change back are not sent.
+    PanelStore input = templates;
+    input.lists(SubType::Input)[0].name = "Only Input";
+    Write("input.json", WriteJsonDocument(input));
+    const CliResult only = Run(
+        {"apply", File("input.json"), "--only", "input", "--no-backup", "--server", Server(sim)});
+    ASSERT_EQ(only.exitCode, 0) << only.err.toStdString();
+    PanelStore onlyInput = groups;
+    onlyInput.lists(SubType::Input)[0].name = "Only Input";
+    EXPECT_EQ(DumpStore(LoadState(statePath).store(), false), DumpStore(onlyInput, false));
+
+    // Two backups, newest first: what the emulator held before each send.
+    const QStringList names = QDir(backups).entryList(QDir::Files, QDir::Name | QDir::Reversed);
+    ASSERT_EQ(names.size(), 2);
+    for (int i = 0; i < 2; ++i) {
+        PanelStore held;
+        ASSERT_EQ(LoadPanelDataFile(QDir(backups).filePath(names[i]).toStdString(), held).outcome,
+                  LoadOutcome::Loaded);
+        EXPECT_EQ(DumpStore(held, false), DumpStore(i == 0 ? merged : server, false));
     }
 }

@@ -36,7 +36,8 @@ void PrintUsage(std::ostream& out) {
            "\nexit codes: 0 success, 1 usage error, 2 bad input, 3 server module unreachable\n"
            "or link lost, 4 wrong password, 5 timed out waiting for the server module,\n"
            "6 apply: the server module holds a configuration that differs from FILE,\n"
-           "7 cannot write an output file or standard output\n";
+           "7 cannot write an output file or standard output (apply: or its backup),\n"
+           "8 apply --base: the server module changed a part since BASE that FILE changes\n";
 }
 
 int UsageError(const std::string& message) {

@@ -22,6 +22,7 @@ enum class ExitCode : int {
     Timeout = 5,     // timed out waiting for the server module
     Differs = 6,     // apply: the server module holds something other than FILE
     WriteFailed = 7, // an output file could not be written (space, permission)
+    Conflict = 8,    // apply --base: the server module changed a part FILE changes too
 };
 
 int ToInt(ExitCode code);

@@ -10,12 +10,21 @@ const std::vector<Command>& Commands() {
         {"convert", "IN OUT", "convert IN to OUT (panel data file <-> JSON document)", &RunConvert},
         {"fetch", "-o OUT [server options]",
          "download everything from the server module into OUT (.json or .dat)", &RunFetch},
-        {"apply", "FILE [--no-verify] [--force] [server options]",
+        {"apply",
+         "FILE [--only PARTS] [--base BASE] [--no-verify] [--force]\n"
+         "                          [--backup-dir DIR | --no-backup] [server options]",
          "send FILE's display lists, user groups and templates to the server\n"
          "                          module, read them back and compare (--no-verify: no "
          "read-back;\n"
          "                          --force: send even when check finds errors, but\n"
-         "                          never a damaged file or more than the messages carry)",
+         "                          never a damaged file or more than the messages carry).\n"
+         "                          --only: a comma list of input, output, opto, relay,\n"
+         "                          groups, templates. --base: the configuration FILE was\n"
+         "                          edited from; parts the server module changed since\n"
+         "                          are not sent (exit 8 when FILE changes them too,\n"
+         "                          unless --force). What the server module held is kept\n"
+         "                          first in DIR (default the per-user data folder's\n"
+         "                          backups/, newest 30)",
          &RunApply},
         {"set-password", "[--new-password-file FILE] [server options]",
          "store a new panel password in the server module", &RunSetPassword},
@@ -30,6 +39,9 @@ const std::vector<Command>& Commands() {
          "print FILE's button templates as a label sheet PDF (LIST: the template\n"
          "                          numbers, e.g. 1,3-5; default all)",
          &RunLabels},
+        {"backups", "[DIR]",
+         "list the backups apply keeps (default: the per-user data folder's backups/)",
+         &RunBackups},
     };
     return kCommands;
 }

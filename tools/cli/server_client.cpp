@@ -336,13 +336,16 @@ int ServerClient::ChangePassword(const std::string& newPassword) {
     return 0;
 }
 
-int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent) {
-    Progress().Step("sending display lists, user groups and button templates");
-    sent = codec::UploadMessages(m_store);
+int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>& sent,
+                        PartSet parts) {
+    Progress().Step("sending " + (parts == kUploadParts
+                                      ? std::string("display lists, user groups and button templates")
+                                      : JoinPartNames(parts)));
+    sent = codec::UploadMessages(m_store, parts);
     const QMetaObject::Connection sending = QObject::connect(
         m_connection.get(), &Connection::uploadSending, m_connection.get(),
         [](Part part) { Progress().Step("sending " + std::string(PartName(part))); });
-    const PartSet gone = m_connection->Apply();
+    const PartSet gone = m_connection->Apply(parts);
     QObject::disconnect(sending);
     if (!m_state.connected) {
         // The cause first, then what went out before the link was dropped.
@@ -354,7 +357,8 @@ int ServerClient::Apply(const std::string& fileName, std::vector<codec::Upload>&
     return 0;
 }
 
-int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file) {
+int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& file,
+                                PartSet parts) {
     Progress().Step("reading the configuration back");
     m_deadline.setRemainingTime(static_cast<qint64>(std::ceil(m_options.timeoutSeconds * 1000.0)),
                                 Qt::PreciseTimer);
@@ -387,7 +391,7 @@ int ServerClient::VerifyApplied(const std::string& fileName, const PanelStore& f
     // FILE as the server module holds it (names and labels cut to their
     // width) against what it answered: not the messages sent, which may
     // have been shortened on the way.
-    const PartSet differs = DifferingParts(file, m_store);
+    const PartSet differs = DifferingParts(file, m_store) & parts;
     if (!differs.empty()) {
         return Error(ExitCode::Differs,
                      "the server module now holds a configuration that differs from " + fileName +

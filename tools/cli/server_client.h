@@ -75,13 +75,16 @@ public:
     // Send the new password, then ask for everything again and wait until the
     // server module answers with the new password.
     int ChangePassword(const std::string& newPassword);
-    // The six upload messages of the store, 500 ms apart; `sent` receives
-    // them. A lost link names the parts that went out before it.
-    int Apply(const std::string& fileName, std::vector<codec::Upload>& sent);
-    // Ask for everything once more and compare the six upload parts with
-    // `file`, the configuration FILE holds: 0 when the server module holds
-    // it (names and labels as cut to their width by the upload).
-    int VerifyApplied(const std::string& fileName, const PanelStore& file);
+    // The upload messages of the store's `parts` (all six by default) in
+    // Apply's order, 500 ms apart; `sent` receives them. A lost link names
+    // the parts that went out before it.
+    int Apply(const std::string& fileName, std::vector<codec::Upload>& sent,
+              PartSet parts = kUploadParts);
+    // Ask for everything once more and compare the upload parts of `parts`
+    // with `file`, the configuration FILE holds: 0 when the server module
+    // holds it (names and labels as cut to their width by the upload).
+    int VerifyApplied(const std::string& fileName, const PanelStore& file,
+                      PartSet parts = kUploadParts);
     // Close the link after what was written has gone out.
     void Close();
 
