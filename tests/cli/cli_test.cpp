@@ -235,7 +235,7 @@ TEST_F(Cli, ErrorLogGoesToHomeElseTheWindowsDataFolder) {
 TEST_F(Cli, ApplyRefusesBadPartsAndABadBaseBeforeConnecting) {
     m_dir.Write("text.json", "hello");
     const std::pair<QStringList, int> cases[] = {
-        {{"--only", "relay,input", "--base", kDemo}, 3}, // good: it gets as far as connecting
+        {{"--only", "relay,input", "--base", kDemo}, 3}, // good: it gets as far as the link
         {{"--only", "input,mixer"}, 1},
         {{"--only", ""}, 1},
         {{"--only", "input", "--only", "relay"}, 1},
@@ -249,7 +249,7 @@ TEST_F(Cli, ApplyRefusesBadPartsAndABadBaseBeforeConnecting) {
             Run(QStringList{"apply", kDemo, "--server", "127.0.0.1:1"} + options,
                 Environment("studio"));
         EXPECT_EQ(r.exitCode, code) << r.err;
-        EXPECT_EQ(r.err.find("connecting") != std::string::npos, code == 3) << r.err;
+        EXPECT_EQ(r.err.find("cannot reach") != std::string::npos, code == 3) << r.err;
     }
 }
 

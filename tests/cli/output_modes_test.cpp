@@ -55,7 +55,7 @@ TEST_F(OutputModes, ProgressIsOneLineOnATerminalNothingOffItAndEveryStepWithVerb
         std::string steps;
     } commands[] = {
         {{"fetch", "-o", Path("out.json")}, "wrote " + out + ": ", login},
-        {{"apply", Path("out.json")}, "applied " + out + " to ", apply},
+        {{"apply", Path("out.json"), "--no-backup"}, "applied " + out + " to ", apply},
         {{"diff", Path("out.json"), "server"}, "No changes.\n", login},
     };
     for (const auto& c : commands) {

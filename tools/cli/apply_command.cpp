@@ -147,7 +147,7 @@ int CheckFile(const ApplyArguments& args, const Configuration& doc) {
         return InputError(path, held);
     }
     const std::vector<CheckFinding> findings = CheckConfiguration(doc);
-    ReportChecks(doc, findings, path, force);
+    ReportChecks(doc, findings, path, args.force);
     // A damaged file or more than the messages carry: the server module would
     // end up with something else than FILE, so --force does not send it.
     if (BlocksSending(findings)) {
