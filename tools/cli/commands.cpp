@@ -30,6 +30,12 @@ const std::vector<Command>& Commands() {
          "print FILE's button templates as a label sheet PDF (LIST: the template\n"
          "                          numbers, e.g. 1,3-5; default all)",
          &RunLabels},
+        {"where", "FILE KIND KEY",
+         "list what uses channel KEY (Ch.NNNN) or display list KEY (Lst.NNN) of\n"
+         "                          KIND input, output, opto or relay: the lists and template\n"
+         "                          keys holding a channel, the user groups holding a list;\n"
+         "                          exit 0 used, 1 not used, 2 bad input",
+         &RunWhere},
     };
     return kCommands;
 }

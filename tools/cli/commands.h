@@ -21,6 +21,7 @@ int RunCrosspoints(const std::vector<std::string>& args);
 int RunDiff(const std::vector<std::string>& args);
 int RunCheck(const std::vector<std::string>& args);
 int RunLabels(const std::vector<std::string>& args);
+int RunWhere(const std::vector<std::string>& args);
 
 // The checks of `check` on `config`, one line each on `out`; apply runs them
 // before connecting.
