@@ -69,8 +69,6 @@ void ButtonEditor::DeleteCurrentTemplate() {
         const RecordEdit deleted = DeleteTemplate(m_store, m_current);
         if (!deleted)
             throw std::out_of_range(deleted.status.failure().detail);
-        if (m_stepHook)
-            m_stepHook();
         ShowMovedTemplates(std::min(m_current, m_store.templates.templateCount - 1));
     });
 }
@@ -85,15 +83,16 @@ void ButtonEditor::MoveCurrentTemplate(int delta) {
         const RecordEdit moved = MoveTemplate(m_store, m_current, to);
         if (!moved)
             throw std::out_of_range(moved.status.failure().detail);
-        if (m_stepHook)
-            m_stepHook();
         ShowMovedTemplates(to);
     });
 }
 
 void ButtonEditor::ShowMovedTemplates(int t) {
     m_current = t;
+    // Showing the template grows it to 32 buttons: that belongs to this step.
     DisplayCurrentTemplate();
+    if (m_stepHook)
+        m_stepHook();
 }
 
 void ButtonEditor::ShowWhereUsed(int list) {
