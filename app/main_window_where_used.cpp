@@ -7,22 +7,20 @@
 #include "app/main_views.h"
 #include "app/main_window.h"
 #include "model/view_keys.h"
+#include "ui/named_widgets.h"
 #include "ui/where_used_dialog.h"
 
 namespace lumeth {
 
 void MainWindow::BuildWhereUsed() {
-    QAction* lists = m_popup->addAction("Where &Used...");
-    lists->setObjectName("mnuWhereUsed");
+    QAction* lists = MakeMenuAction(m_popup, "mnuWhereUsed", "Where &Used...");
     connect(lists, &QAction::triggered, this, &MainWindow::WhereUsedFromPopup);
     // Nothing refers to a user group: only a display list has uses.
     connect(m_popup, &QMenu::aboutToShow, this,
             [this, lists] { lists->setEnabled(m_popupSource == m_views->displayLists()); });
 
     QTreeWidget* items = m_views->items();
-    auto* channels = new QAction("Where &Used...", items);
-    channels->setObjectName("mnuWhereUsedChannel");
-    items->addAction(channels);
+    QAction* channels = MakeMenuAction(items, "mnuWhereUsedChannel", "Where &Used...");
     items->setContextMenuPolicy(Qt::ActionsContextMenu);
     connect(channels, &QAction::triggered, this, &MainWindow::WhereUsedOfChannel);
 }

@@ -133,45 +133,44 @@ RecordEdit ShiftDisplayList(PanelStore& store, SubType s, const Shift& shift) {
     return edit;
 }
 
-RecordEdit ShiftUserGroup(PanelStore& store, const Shift& shift) {
+// A table of named records with an index and a number field each (user
+// groups, templates): the four arrays are rearranged together.
+template <typename Record>
+RecordEdit ShiftNamedRecords(const char* what, int16_t& count, std::vector<std::string>& names,
+                             std::vector<Record>& records, std::vector<int16_t>& index,
+                             std::vector<int16_t>& number, const Shift& shift) {
     RecordEdit edit;
-    UserGroupTable& groups = store.groups;
-    const int count = groups.userGroupCount;
-    const auto arrays = static_cast<int>(std::min({groups.userGroupNames.size(),
-                                                   groups.userGroups.size(),
-                                                   groups.userGroupIndex.size(),
-                                                   groups.userGroupNumber.size()}));
-    edit.status = CheckShift("user group", count, arrays, shift);
+    const int before = count;
+    const auto arrays =
+        static_cast<int>(std::min({names.size(), records.size(), index.size(), number.size()}));
+    edit.status = CheckShift(what, before, arrays, shift);
     if (!edit)
         return edit;
-    Rearrange(groups.userGroupNames, shift);
-    Rearrange(groups.userGroups, shift);
-    FollowOwnPositions(groups.userGroupIndex, count, shift);
-    FollowOwnPositions(groups.userGroupNumber, count, shift);
+    Rearrange(names, shift);
+    Rearrange(records, shift);
+    FollowOwnPositions(index, before, shift);
+    FollowOwnPositions(number, before, shift);
     if (shift.remove)
-        groups.userGroupCount = static_cast<int16_t>(count - 1);
-    FollowSelection(store.currentUserGroup, count, shift);
+        count = static_cast<int16_t>(before - 1);
+    return edit;
+}
+
+RecordEdit ShiftUserGroup(PanelStore& store, const Shift& shift) {
+    UserGroupTable& groups = store.groups;
+    const int count = groups.userGroupCount;
+    RecordEdit edit =
+        ShiftNamedRecords("user group", groups.userGroupCount, groups.userGroupNames,
+                          groups.userGroups, groups.userGroupIndex, groups.userGroupNumber, shift);
+    if (edit)
+        FollowSelection(store.currentUserGroup, count, shift);
     return edit;
 }
 
 RecordEdit ShiftTemplate(PanelStore& store, const Shift& shift) {
-    RecordEdit edit;
     TemplateTable& templates = store.templates;
-    const int count = templates.templateCount;
-    const auto arrays = static_cast<int>(std::min({templates.templateNames.size(),
-                                                   templates.buttonTemplates.size(),
-                                                   templates.templateIndex.size(),
-                                                   templates.templatePosition.size()}));
-    edit.status = CheckShift("template", count, arrays, shift);
-    if (!edit)
-        return edit;
-    Rearrange(templates.templateNames, shift);
-    Rearrange(templates.buttonTemplates, shift);
-    FollowOwnPositions(templates.templateIndex, count, shift);
-    FollowOwnPositions(templates.templatePosition, count, shift);
-    if (shift.remove)
-        templates.templateCount = static_cast<int16_t>(count - 1);
-    return edit;
+    return ShiftNamedRecords("template", templates.templateCount, templates.templateNames,
+                             templates.buttonTemplates, templates.templateIndex,
+                             templates.templatePosition, shift);
 }
 
 } // namespace

@@ -12,7 +12,8 @@ namespace lumeth {
 namespace {
 
 bool ListHolds(const DisplayList& list, int channel) {
-    const int held = std::min(ValidCount(list.channelCount), static_cast<int>(list.channels.size()));
+    const int held =
+        std::min(ValidCount(list.channelCount), static_cast<int>(list.channels.size()));
     return std::find(list.channels.begin(), list.channels.begin() + held, channel) !=
            list.channels.begin() + held;
 }

@@ -9,6 +9,7 @@
 #include "model/button_catalogue.h"
 #include "model/record_moves.h"
 #include "ui/button_editor.h"
+#include "ui/named_widgets.h"
 #include "ui/where_used_dialog.h"
 
 namespace lumeth {
@@ -26,21 +27,16 @@ void Enable(QMenu* menu, const char* name, bool enabled) {
 
 void ButtonEditor::createTemplateActions(QMenu* file) {
     file->addSeparator()->setObjectName("mnuSepTemplates");
-    const auto action = [file](const char* name, const QString& caption) {
-        QAction* a = file->addAction(caption);
-        a->setObjectName(name);
-        return a;
-    };
-    connect(action("mnuDeleteTemplate", "&Delete Template"), &QAction::triggered, this,
-            &ButtonEditor::DeleteCurrentTemplate);
-    connect(action("mnuMoveTemplateUp", "Move Template &Earlier"), &QAction::triggered, this,
-            [this] { MoveCurrentTemplate(-1); });
-    connect(action("mnuMoveTemplateDown", "Move Template &Later"), &QAction::triggered, this,
-            [this] { MoveCurrentTemplate(1); });
-    connect(action("mnuWhereUsed", "Where &Used..."), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuDeleteTemplate", "&Delete Template"), &QAction::triggered,
+            this, &ButtonEditor::DeleteCurrentTemplate);
+    connect(MakeMenuAction(file, "mnuMoveTemplateUp", "Move Template &Earlier"),
+            &QAction::triggered, this, [this] { MoveCurrentTemplate(-1); });
+    connect(MakeMenuAction(file, "mnuMoveTemplateDown", "Move Template &Later"),
+            &QAction::triggered, this, [this] { MoveCurrentTemplate(1); });
+    connect(MakeMenuAction(file, "mnuWhereUsed", "Where &Used..."), &QAction::triggered, this,
             [this] { ShowWhereUsed(0); });
-    connect(action("mnuWhereUsed2", "Where Used (Second Channel)..."), &QAction::triggered, this,
-            [this] { ShowWhereUsed(1); });
+    connect(MakeMenuAction(file, "mnuWhereUsed2", "Where Used (Second Channel)..."),
+            &QAction::triggered, this, [this] { ShowWhereUsed(1); });
     connect(file, &QMenu::aboutToShow, this, [this, file] { RefreshTemplateActions(file); });
 }
 

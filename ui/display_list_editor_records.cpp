@@ -14,19 +14,13 @@
 #include "ui/busy_flag.h"
 #include "ui/display_list_editor.h"
 #include "ui/message_box.h"
+#include "ui/named_widgets.h"
 #include "ui/qt_text.h"
 #include "ui/where_used_dialog.h"
 
 namespace lumeth {
 
 namespace {
-
-QAction* AddAction(QWidget* owner, const char* name, const QString& caption) {
-    auto* action = new QAction(caption, owner);
-    action->setObjectName(name);
-    owner->addAction(action);
-    return action;
-}
 
 // "Delete Input Lst.003 "Mics"?" and the groups that would lose it.
 QString DeleteQuestion(const PanelStore& store, SubType s, int position,
@@ -45,20 +39,14 @@ QString DeleteQuestion(const PanelStore& store, SubType s, int position,
 void DisplayListEditor::createRecordActions(QMenu* file) {
     m_recordMenu = file;
     file->addSeparator()->setObjectName("mnuSepRecords");
-    const auto action = [file](const char* name, const QString& caption) {
-        QAction* entry = file->addAction(caption);
-        entry->setObjectName(name);
-        return entry;
-    };
-    connect(action("mnuDeleteList", "&Delete List"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuDeleteList", "&Delete List"), &QAction::triggered, this,
             &DisplayListEditor::DeleteList);
-    connect(action("mnuMoveListUp", "Move List &Up"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuMoveListUp", "Move List &Up"), &QAction::triggered, this,
             [this] { MoveList(-1); });
-    connect(action("mnuMoveListDown", "Move List Do&wn"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuMoveListDown", "Move List Do&wn"), &QAction::triggered, this,
             [this] { MoveList(1); });
-    connect(action("mnuWhereUsed", "Where &Used..."), &QAction::triggered, this, [this] {
-        ShowWhereUsed(m_channelView->hasFocus() ? m_channelView : m_listView);
-    });
+    connect(MakeMenuAction(file, "mnuWhereUsed", "Where &Used..."), &QAction::triggered, this,
+            [this] { ShowWhereUsed(m_channelView->hasFocus() ? m_channelView : m_listView); });
     connect(file, &QMenu::aboutToShow, this, &DisplayListEditor::RefreshRecordActions);
 }
 
@@ -67,7 +55,7 @@ void DisplayListEditor::createWhereUsedMenus() {
     for (QTreeView* view : {m_channelView, m_listView}) {
         view->setContextMenuPolicy(Qt::ActionsContextMenu);
         const char* name = view == m_channelView ? "mnuWhereUsedAvailable" : "mnuWhereUsedSelected";
-        connect(AddAction(view, name, "Where &Used..."), &QAction::triggered, this,
+        connect(MakeMenuAction(view, name, "Where &Used..."), &QAction::triggered, this,
                 [this, view] { ShowWhereUsed(view); });
     }
 }
@@ -122,9 +110,8 @@ void DisplayListEditor::MoveList(int delta) {
         if (m_stepHook)
             m_stepHook();
         const auto subType = SubTypeFromListCode(m_listType);
-        const RecordEdit moved = subType
-                                     ? MoveDisplayList(m_store, *subType, m_currentIndex, to)
-                                     : MoveUserGroup(m_store, m_currentIndex, to);
+        const RecordEdit moved = subType ? MoveDisplayList(m_store, *subType, m_currentIndex, to)
+                                         : MoveUserGroup(m_store, m_currentIndex, to);
         if (!moved)
             throw std::out_of_range(moved.status.failure().detail);
         if (m_stepHook)
@@ -149,7 +136,8 @@ void DisplayListEditor::ShowWhereUsed(QTreeView* view) {
     const auto shown = SubTypeFromListCode(groups ? m_store.currentListType : m_listType);
     // Uses are looked up in the store: pending edits go there first.
     ApplyListAlpha();
-    if (!shown || !Guarded(m_reporter, "Error Finding Uses", "List Error", [&] { CommitIfChanged(); }))
+    if (!shown ||
+        !Guarded(m_reporter, "Error Finding Uses", "List Error", [&] { CommitIfChanged(); }))
         return;
     if (!current.isValid()) {
         // No item: the edited display list (a user group is used by nothing).

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,8 +13,7 @@
 namespace lumeth {
 namespace {
 
-constexpr int16_t kIn = 11;
-constexpr int16_t kOut = 21;
+constexpr int kDelete = -1; // a case's `to` for a delete
 
 // Input lists A B C D, Output lists X Y; groups G0 {In A, In C, Out Y, In D},
 // G1 {In C}, G2 {Out X}; templates T0 T1 T2. Every reference is good.
@@ -23,40 +21,46 @@ PanelStore Facility() {
     PanelStore store;
     store.ResetToDefaults();
     store.listCount(SubType::Input) = 4;
-    store.lists(SubType::Input) = {test::List("A", {0}), test::List("B", {1}),
-                                   test::List("C", {2}), test::List("D", {3})};
+    store.lists(SubType::Input) = {test::List("A", {0}), test::List("B", {1}), test::List("C", {2}),
+                                   test::List("D", {3})};
     store.listCount(SubType::Output) = 2;
     store.lists(SubType::Output) = {test::List("X", {0}), test::List("Y", {1})};
     UserGroupTable& groups = store.groups;
     groups.Resize(3);
     groups.userGroupCount = 3;
     groups.userGroupNames = {"G0", "G1", "G2"};
-    groups.userGroups = {test::Group({{0, kIn}, {2, kIn}, {1, kOut}, {3, kIn}}),
-                         test::Group({{2, kIn}}), test::Group({{0, kOut}})};
-    groups.userGroupIndex = {0, 1, 2};
-    groups.userGroupNumber = {0, 1, 2};
+    groups.userGroups = {test::Group({{0, 11}, {2, 11}, {1, 21}, {3, 11}}), test::Group({{2, 11}}),
+                         test::Group({{0, 21}})};
+    groups.userGroupIndex = groups.userGroupNumber = {0, 1, 2};
     TemplateTable& templates = store.templates;
     templates.Resize(3);
     templates.templateCount = 3;
     templates.templateNames = {"T0", "T1", "T2"};
-    templates.templateIndex = {0, 1, 2};
-    templates.templatePosition = {0, 1, 2};
+    templates.templateIndex = templates.templatePosition = {0, 1, 2};
     return store;
 }
 
-std::string ListNames(const PanelStore& store, SubType s) {
-    std::string names;
-    for (int p = 0; p < store.listCount(s); ++p)
-        names += store.lists(s)[size_t(p)].name;
-    return names;
+std::string Names(const std::vector<std::string>& names, int count) {
+    std::string joined;
+    for (int i = 0; i < count; ++i)
+        joined += names[size_t(i)];
+    return joined;
 }
 
-// Each group's entries by the names of the lists they point at ("In A").
-std::vector<std::vector<std::string>> GroupContents(const PanelStore& store) {
-    std::vector<std::vector<std::string>> contents;
+std::string ListNames(const PanelStore& store, SubType s) {
+    std::vector<std::string> names;
+    for (const DisplayList& list : store.lists(s))
+        names.push_back(list.name);
+    return Names(names, store.listCount(s));
+}
+
+// Each group's entries by the names of the lists they point at ("In A"),
+// keyed by the group's name.
+std::map<std::string, std::vector<std::string>> GroupContents(const PanelStore& store) {
+    std::map<std::string, std::vector<std::string>> contents;
     for (int g = 0; g < store.groups.userGroupCount; ++g) {
         const UserGroup& group = store.groups.userGroups[size_t(g)];
-        auto& names = contents.emplace_back();
+        auto& names = contents[store.groups.userGroupNames[size_t(g)]];
         for (int k = 0; k < group.listCount; ++k) {
             const SubType s = SubTypeFromListCode(group.listTypes[size_t(k)]).value();
             names.push_back(std::string(s == SubType::Input ? "In " : "Out ") +
@@ -66,119 +70,89 @@ std::vector<std::vector<std::string>> GroupContents(const PanelStore& store) {
     return contents;
 }
 
-void ExpectNothingDangling(const PanelStore& store, const std::string& what) {
-    for (const CheckFinding& finding : CheckStore(store, false))
-        EXPECT_NE(finding.severity, CheckFinding::Severity::Error) << what << ": " << finding.message;
-}
-
-// Deleting or moving a display list: the group entries keep pointing at the
-// same lists (those of a deleted list go), nothing dangles, counts agree.
+// Deleting or moving a display list: group entries keep pointing at the same
+// lists (those of a deleted list go), nothing dangles, counts agree.
 TEST(RecordMoves, DisplayListsKeepGroupReferencesRight) {
     struct Case {
-        const char* what;
-        std::function<RecordEdit(PanelStore&)> edit;
-        SubType subType;
+        SubType s;
+        int from, to;
         std::string listsAfter;
-        std::string deleted; // "In C": entries of that list go
+        std::string deleted; // "In C": the entries of that list go
         std::vector<int> groupsChanged;
         int entriesRemoved;
     };
     const Case cases[] = {
-        {"delete In C", [](PanelStore& s) { return DeleteDisplayList(s, SubType::Input, 2); },
-         SubType::Input, "ABD", "In C", {0, 1}, 2},
-        {"delete In A", [](PanelStore& s) { return DeleteDisplayList(s, SubType::Input, 0); },
-         SubType::Input, "BCD", "In A", {0, 1}, 1},
-        {"delete the last In", [](PanelStore& s) { return DeleteDisplayList(s, SubType::Input, 3); },
-         SubType::Input, "ABC", "In D", {0}, 1},
-        {"delete Out X", [](PanelStore& s) { return DeleteDisplayList(s, SubType::Output, 0); },
-         SubType::Output, "Y", "Out X", {0, 2}, 1},
-        {"move In A last", [](PanelStore& s) { return MoveDisplayList(s, SubType::Input, 0, 3); },
-         SubType::Input, "BCDA", "", {0, 1}, 0},
-        {"move In D second", [](PanelStore& s) { return MoveDisplayList(s, SubType::Input, 3, 1); },
-         SubType::Input, "ADBC", "", {0, 1}, 0},
-        {"move In B down one", [](PanelStore& s) { return MoveDisplayList(s, SubType::Input, 1, 2); },
-         SubType::Input, "ACBD", "", {0, 1}, 0},
-        {"move onto itself", [](PanelStore& s) { return MoveDisplayList(s, SubType::Input, 2, 2); },
-         SubType::Input, "ABCD", "", {}, 0},
+        {SubType::Input, 2, kDelete, "ABD", "In C", {0, 1}, 2},
+        {SubType::Input, 0, kDelete, "BCD", "In A", {0, 1}, 1},
+        {SubType::Input, 3, kDelete, "ABC", "In D", {0}, 1},
+        {SubType::Output, 0, kDelete, "Y", "Out X", {0, 2}, 1},
+        {SubType::Input, 0, 3, "BCDA", "", {0, 1}, 0},
+        {SubType::Input, 3, 1, "ADBC", "", {0, 1}, 0},
+        {SubType::Input, 1, 2, "ACBD", "", {0, 1}, 0},
+        {SubType::Input, 2, 2, "ABCD", "", {}, 0},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(SubTypeName(c.s)) + " " + std::to_string(c.from) + " to " +
+                     std::to_string(c.to));
         PanelStore store = Facility();
         auto expected = GroupContents(store);
-        for (auto& names : expected)
+        for (auto& [name, names] : expected)
             std::erase(names, c.deleted);
         const PanelStore before = store;
 
-        const RecordEdit edit = c.edit(store);
-        ASSERT_TRUE(edit) << c.what << ": " << edit.status.failure().detail;
-        EXPECT_EQ(ListNames(store, c.subType), c.listsAfter) << c.what;
-        EXPECT_EQ(store.lists(c.subType).size(), c.listsAfter.size()) << c.what;
-        EXPECT_EQ(GroupContents(store), expected) << c.what;
-        EXPECT_EQ(edit.groupsChanged, c.groupsChanged) << c.what;
-        EXPECT_EQ(edit.entriesRemoved, c.entriesRemoved) << c.what;
-        for (const UserGroup& g : store.groups.userGroups)
-            EXPECT_GE(g.listIndexes.size(), 1u) << c.what;
-        ExpectNothingDangling(store, c.what);
-        // The other sub type's lists are untouched.
-        const SubType other = c.subType == SubType::Input ? SubType::Output : SubType::Input;
-        EXPECT_EQ(store.listTable(other), before.listTable(other)) << c.what;
+        const RecordEdit edit = c.to == kDelete ? DeleteDisplayList(store, c.s, c.from)
+                                                : MoveDisplayList(store, c.s, c.from, c.to);
+        ASSERT_TRUE(edit) << edit.status.failure().detail;
+        EXPECT_EQ(ListNames(store, c.s), c.listsAfter);
+        EXPECT_EQ(store.lists(c.s).size(), c.listsAfter.size());
+        EXPECT_EQ(GroupContents(store), expected);
+        EXPECT_EQ(edit.groupsChanged, c.groupsChanged);
+        EXPECT_EQ(edit.entriesRemoved, c.entriesRemoved);
+        EXPECT_FALSE(HasErrors(CheckStore(store, false)));
+        const SubType other = c.s == SubType::Input ? SubType::Output : SubType::Input;
+        EXPECT_EQ(store.listTable(other), before.listTable(other));
     }
 }
 
 // Groups and templates reorder whole; their index fields and the current
-// group follow their records.
+// group follow their records, and each group keeps what it held.
 TEST(RecordMoves, GroupsAndTemplatesFollowTheirPositions) {
     struct Case {
-        const char* what;
-        std::function<RecordEdit(PanelStore&)> edit;
-        std::string groupsAfter;
-        std::string templatesAfter;
-        int16_t currentGroupAfter; // current group G1 before
+        bool groups;
+        int from, to;
+        std::string after;
+        int16_t currentGroupAfter; // G1 is current before
     };
     const Case cases[] = {
-        {"delete G0", [](PanelStore& s) { return DeleteUserGroup(s, 0); }, "G1G2", "T0T1T2", 0},
-        {"delete G1 (current)", [](PanelStore& s) { return DeleteUserGroup(s, 1); }, "G0G2",
-         "T0T1T2", 1},
-        {"move G0 last", [](PanelStore& s) { return MoveUserGroup(s, 0, 2); }, "G1G2G0", "T0T1T2",
-         0},
-        {"move G2 first", [](PanelStore& s) { return MoveUserGroup(s, 2, 0); }, "G2G0G1", "T0T1T2",
-         2},
-        {"delete T1", [](PanelStore& s) { return DeleteTemplate(s, 1); }, "G0G1G2", "T0T2", 1},
-        {"move T2 first", [](PanelStore& s) { return MoveTemplate(s, 2, 0); }, "G0G1G2", "T2T0T1",
-         1},
+        {true, 0, kDelete, "G1G2", 0}, {true, 1, kDelete, "G0G2", 1},  {true, 0, 2, "G1G2G0", 0},
+        {true, 2, 0, "G2G0G1", 2},     {false, 1, kDelete, "T0T2", 1}, {false, 2, 0, "T2T0T1", 1},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.after);
         PanelStore store = Facility();
         store.currentUserGroup = 1;
-        const auto contentsOf = [](const PanelStore& s) {
-            std::map<std::string, std::vector<std::string>> byName;
-            const auto contents = GroupContents(s);
-            for (size_t g = 0; g < contents.size(); ++g)
-                byName[s.groups.userGroupNames[g]] = contents[g];
-            return byName;
-        };
-        auto expected = contentsOf(store);
-        ASSERT_TRUE(c.edit(store)) << c.what;
-        std::string groups, templates;
-        for (int g = 0; g < store.groups.userGroupCount; ++g) {
-            groups += store.groups.userGroupNames[size_t(g)];
-            EXPECT_EQ(store.groups.userGroupIndex[size_t(g)], g) << c.what;
-            EXPECT_EQ(store.groups.userGroupNumber[size_t(g)], g) << c.what;
-        }
-        for (int t = 0; t < store.templates.templateCount; ++t) {
-            templates += store.templates.templateNames[size_t(t)];
-            EXPECT_EQ(store.templates.templateIndex[size_t(t)], t) << c.what;
-            EXPECT_EQ(store.templates.templatePosition[size_t(t)], t) << c.what;
-        }
-        EXPECT_EQ(groups, c.groupsAfter) << c.what;
-        EXPECT_EQ(templates, c.templatesAfter) << c.what;
-        EXPECT_EQ(store.groups.userGroups.size(), size_t(store.groups.userGroupCount)) << c.what;
-        EXPECT_EQ(store.templates.buttonTemplates.size(), size_t(store.templates.templateCount))
-            << c.what;
-        EXPECT_EQ(store.currentUserGroup, c.currentGroupAfter) << c.what;
-        // Each remaining group holds what it held.
-        for (const auto& [name, names] : contentsOf(store))
-            EXPECT_EQ(names, expected[name]) << c.what << " " << name;
-        ExpectNothingDangling(store, c.what);
+        auto expected = GroupContents(store);
+        const bool remove = c.to == kDelete;
+        const RecordEdit edit =
+            c.groups
+                ? (remove ? DeleteUserGroup(store, c.from) : MoveUserGroup(store, c.from, c.to))
+                : (remove ? DeleteTemplate(store, c.from) : MoveTemplate(store, c.from, c.to));
+        ASSERT_TRUE(edit);
+        const UserGroupTable& groups = store.groups;
+        const TemplateTable& templates = store.templates;
+        EXPECT_EQ(c.groups ? Names(groups.userGroupNames, groups.userGroupCount)
+                           : Names(templates.templateNames, templates.templateCount),
+                  c.after);
+        for (int g = 0; g < groups.userGroupCount; ++g)
+            EXPECT_EQ(groups.userGroupIndex[size_t(g)] + groups.userGroupNumber[size_t(g)], 2 * g);
+        for (int t = 0; t < templates.templateCount; ++t)
+            EXPECT_EQ(templates.templateIndex[size_t(t)] + templates.templatePosition[size_t(t)],
+                      2 * t);
+        EXPECT_EQ(groups.userGroups.size(), size_t(groups.userGroupCount));
+        EXPECT_EQ(templates.buttonTemplates.size(), size_t(templates.templateCount));
+        EXPECT_EQ(store.currentUserGroup, c.currentGroupAfter);
+        for (const auto& [name, names] : GroupContents(store))
+            EXPECT_EQ(names, expected[name]) << name;
     }
 }
 
@@ -186,34 +160,26 @@ TEST(RecordMoves, GroupsAndTemplatesFollowTheirPositions) {
 TEST(RecordMoves, RefusesWhatIsNotThere) {
     PanelStore single;
     single.ResetToDefaults();
-    struct Case {
-        const char* what;
-        PanelStore store;
-        std::function<RecordEdit(PanelStore&)> edit;
-    };
-    const Case cases[] = {
-        {"the only list", single, [](PanelStore& s) { return DeleteDisplayList(s, SubType::Relay, 0); }},
-        {"the only group", single, [](PanelStore& s) { return DeleteUserGroup(s, 0); }},
-        {"the only template", single, [](PanelStore& s) { return DeleteTemplate(s, 0); }},
-        {"list past the count", Facility(),
-         [](PanelStore& s) { return DeleteDisplayList(s, SubType::Input, 4); }},
-        {"move past the end", Facility(),
-         [](PanelStore& s) { return MoveDisplayList(s, SubType::Input, 3, 4); }},
-        {"move from before the start", Facility(), [](PanelStore& s) { return MoveUserGroup(s, -1, 0); }},
-        {"template past the count", Facility(), [](PanelStore& s) { return MoveTemplate(s, 3, 0); }},
-    };
-    for (const Case& c : cases) {
-        PanelStore store = c.store;
-        const RecordEdit edit = c.edit(store);
-        EXPECT_FALSE(edit) << c.what;
-        EXPECT_EQ(store.groups, c.store.groups) << c.what;
-        EXPECT_EQ(store.displayLists, c.store.displayLists) << c.what;
-        EXPECT_EQ(store.templates, c.store.templates) << c.what;
-    }
-    // Arrays shorter than their count: refused, not read past.
     PanelStore damaged = Facility();
-    damaged.groups.userGroupCount = 5;
-    EXPECT_FALSE(DeleteUserGroup(damaged, 4));
+    damaged.groups.userGroupCount = 5; // more than its arrays hold
+    const struct {
+        PanelStore store;
+        RecordEdit (*edit)(PanelStore&);
+    } cases[] = {
+        {single, [](PanelStore& s) { return DeleteDisplayList(s, SubType::Relay, 0); }},
+        {single, [](PanelStore& s) { return DeleteTemplate(s, 0); }},
+        {Facility(), [](PanelStore& s) { return DeleteDisplayList(s, SubType::Input, 4); }},
+        {Facility(), [](PanelStore& s) { return MoveUserGroup(s, -1, 0); }},
+        {Facility(), [](PanelStore& s) { return MoveTemplate(s, 3, 0); }},
+        {damaged, [](PanelStore& s) { return DeleteUserGroup(s, 4); }},
+    };
+    for (const auto& c : cases) {
+        PanelStore store = c.store;
+        EXPECT_FALSE(c.edit(store));
+        EXPECT_EQ(store.groups, c.store.groups);
+        EXPECT_EQ(store.displayLists, c.store.displayLists);
+        EXPECT_EQ(store.templates, c.store.templates);
+    }
 }
 
 // Where a channel is used: lists holding it, and template keys whose function
@@ -226,34 +192,30 @@ TEST(WhereUsed, FindsListsTemplateKeysAndGroups) {
     ButtonTemplate& t1 = store.templates.buttonTemplates[1];
     t1.buttonCount = 4;
     t1.buttons.assign(4, PanelButton::Cleared());
-    t1.buttons[0].type = 40; // Source Select: Input
-    t1.buttons[0].channel = 2;
-    t1.buttons[1].type = 810; // Output Select W/Listen: Output, listen Input
-    t1.buttons[1].channel = 2;
-    t1.buttons[1].channel2 = 2;
-    t1.buttons[2].type = 1010; // Relay Toggle - Opto Tally
-    t1.buttons[2].channel = 2;
-    t1.buttons[3].type = 16383; // Inactive: its channel means nothing
-    t1.buttons[3].channel = 2;
-
+    // Source Select (Input); Output Select W/Listen (Output, listen Input);
+    // Relay Toggle - Opto Tally; Inactive, whose channel means nothing.
+    const int16_t types[] = {40, 810, 1010, 16383};
+    for (size_t b = 0; b < 4; ++b) {
+        t1.buttons[b].type = types[b];
+        t1.buttons[b].channel = t1.buttons[b].channel2 = 2;
+    }
+    using L = StoreLocation;
     EXPECT_EQ(ChannelUses(store, SubType::Input, 2),
-              (std::vector<StoreLocation>{{Part::InputLists, 1},
-                                          {Part::InputLists, 2},
-                                          {Part::Templates, 1, StoreField::ButtonChannel, 0},
-                                          {Part::Templates, 1, StoreField::ButtonChannel2, 1}}));
+              (std::vector<L>{{Part::InputLists, 1},
+                              {Part::InputLists, 2},
+                              {Part::Templates, 1, StoreField::ButtonChannel, 0},
+                              {Part::Templates, 1, StoreField::ButtonChannel2, 1}}));
+    EXPECT_EQ(ChannelUses(store, SubType::Opto, 2),
+              (std::vector<L>{{Part::Templates, 1, StoreField::ButtonChannel2, 2}}));
     EXPECT_EQ(ChannelUses(store, SubType::Relay, 2),
-              (std::vector<StoreLocation>{{Part::RelayLists, 0},
-                                          {Part::Templates, 1, StoreField::ButtonChannel, 2}}));
-    EXPECT_TRUE(ChannelUses(store, SubType::Opto, 2).empty());
+              (std::vector<L>{{Part::RelayLists, 0},
+                              {Part::Templates, 1, StoreField::ButtonChannel, 2}}));
     EXPECT_TRUE(ChannelUses(store, SubType::Output, kNoChannel).empty());
-    // A button past the template's count is not a use.
-    t1.buttonCount = 1;
+    t1.buttonCount = 1; // keys past the count are no use
     EXPECT_EQ(ChannelUses(store, SubType::Input, 2).size(), 3u);
 
     EXPECT_EQ(GroupsUsingList(store, SubType::Input, 2), (std::vector<int>{0, 1}));
-    EXPECT_EQ(GroupsUsingList(store, SubType::Output, 0), (std::vector<int>{2}));
     EXPECT_TRUE(GroupsUsingList(store, SubType::Input, 1).empty());
-
     EXPECT_EQ(WhereUsedLines(store, "Input Lst.002 \"C\"", ListUses(store, SubType::Input, 2)),
               (std::vector<std::string>{"Input Lst.002 \"C\" is used in 2 places:",
                                         "  Gr.001 \"G0\"", "  Gr.002 \"G1\""}));

@@ -74,7 +74,8 @@ int RunWhere(const std::vector<std::string>& args) {
     const std::optional<int> listKey = KeyDigits(args[2], "Lst.");
     // Channel keys count from 1 (Ch.0001 is channel 0); list keys from 0.
     if (!(channelKey && *channelKey >= 1 && *channelKey <= kMax14Bit) && !listKey)
-        return BadInput("unknown KEY \"" + args[2] + "\" (expected Ch.NNNN from Ch.0001, or Lst.NNN)");
+        return BadInput("unknown KEY \"" + args[2] +
+                        "\" (expected Ch.NNNN from Ch.0001, or Lst.NNN)");
     const Configuration config = ReadConfiguration(args[0]);
     if (!config.status)
         return InputError(args[0], config.status);
