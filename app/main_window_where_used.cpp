@@ -16,8 +16,10 @@ void MainWindow::BuildWhereUsed() {
     QAction* lists = MakeMenuAction(m_popup, "mnuWhereUsed", "Where &Used...");
     connect(lists, &QAction::triggered, this, &MainWindow::WhereUsedFromPopup);
     // Nothing refers to a user group: only a display list has uses.
-    connect(m_popup, &QMenu::aboutToShow, this,
-            [this, lists] { lists->setEnabled(m_popupSource == m_views->displayLists()); });
+    connect(m_popup, &QMenu::aboutToShow, this, [this, lists] {
+        lists->setEnabled(m_popupSource == m_views->displayLists() &&
+                          SubTypeFromListCode(m_store.editorListType));
+    });
 
     QTreeWidget* items = m_views->items();
     QAction* channels = MakeMenuAction(items, "mnuWhereUsedChannel", "Where &Used...");
