@@ -46,7 +46,7 @@ void DisplayListEditor::createRecordActions(QMenu* file) {
     connect(MakeMenuAction(file, "mnuMoveListDown", "Move List Do&wn"), &QAction::triggered, this,
             [this] { MoveList(1); });
     connect(MakeMenuAction(file, "mnuWhereUsed", "Where &Used..."), &QAction::triggered, this,
-            [this] { ShowWhereUsed(m_channelView->hasFocus() ? m_channelView : m_listView); });
+            [this] { ShowWhereUsed(focusWidget() == m_channelView ? m_channelView : m_listView); });
     connect(file, &QMenu::aboutToShow, this, &DisplayListEditor::RefreshRecordActions);
 }
 

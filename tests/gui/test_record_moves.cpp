@@ -86,10 +86,18 @@ private slots:
     }
     void cleanup() { m_window.reset(); }
 
-    void deleteListAsksNamingItsGroupsAndUndoesInOneStep() {
+    void moveAndDeleteListsAskingNamingTheGroupsOneStepEach() {
         Store().editorListType = 11;
         Store().currentList = 1;
         WhenModal("frmDisplayListView", [&](QWidget* editor) {
+            // Down and back up: the editor follows the list.
+            auto* lists = Child<QComboBox>(editor, "cmbListAlphas");
+            Child<QAction>(editor, "mnuMoveListDown")->trigger();
+            QCOMPARE(lists->currentIndex(), 2);
+            QCOMPARE(Store().groups.userGroups[1], Group({{2, 11}}));
+            Child<QAction>(editor, "mnuMoveListUp")->trigger();
+            QCOMPARE(lists->currentText(), QString("Players"));
+
             auto* remove = Child<QAction>(editor, "mnuDeleteList");
             MessageBox::setNextAnswer(QMessageBox::No);
             remove->trigger();
@@ -103,7 +111,6 @@ private slots:
             MessageBox::setNextAnswer(QMessageBox::Yes);
             remove->trigger();
             // The editor stays on the list that took the deleted one's place.
-            auto* lists = Child<QComboBox>(editor, "cmbListAlphas");
             QCOMPARE(lists->count(), 2);
             QCOMPARE(lists->currentText(), QString("Spare"));
             // A list no group uses goes without a question.
