@@ -202,6 +202,7 @@ void MainWindow::BuildMenus() {
         // After the menu's action (if any) has run.
         QTimer::singleShot(0, this, &MainWindow::RefreshAfterPopup);
     });
+    BuildWhereUsed();
 }
 
 void MainWindow::BuildLayout() {
@@ -515,6 +516,8 @@ void MainWindow::ShowListEditor() {
     RecordStep();
     if (m_listEditor->storeChanged())
         RefreshUnapplied();
+    if (m_listEditor->recordsMoved())
+        RedrawAfterMoves();
 }
 
 void MainWindow::EditGroups() {

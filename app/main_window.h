@@ -54,6 +54,11 @@ public:
     void EditLists();
     void EditButtons();
     void EditFromPopup();
+    // "Where Used..." on the views' context menus: the user groups holding the
+    // display list the last click chose, the lists and template keys holding
+    // the channel of lvItems' current item.
+    void WhereUsedFromPopup();
+    void WhereUsedOfChannel();
     void Apply();
     void CancelEdits();
     void SaveAll();
@@ -112,6 +117,9 @@ private:
     void RefreshProgress();
     void RefreshAfterPopup();
     void ShowListEditor();
+    void BuildWhereUsed();
+    // Lists or groups were deleted or moved: the views show them as they are.
+    void RedrawAfterMoves();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
     ErrorReporter Reporter();
     void OnLinkConnected();

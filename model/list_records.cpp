@@ -44,12 +44,6 @@ void CopyContents(PanelStore& store, int16_t mode, int from, int to) {
     }
 }
 
-// The entries of a group its arrays hold: at most its count.
-int HeldEntries(const UserGroup& group) {
-    return std::min({ValidCount(group.listCount), static_cast<int>(group.listTypes.size()),
-                     static_cast<int>(group.listIndexes.size())});
-}
-
 Status NoRecord(const char* what, int index) {
     return Status::Fail(ErrorCode::SubscriptOutOfRange,
                         std::string("no record ") + std::to_string(index) + " to copy " + what);
@@ -135,6 +129,11 @@ Status DuplicateRecord(PanelStore& store, int16_t mode, int from, int to) {
     CopyContents(store, mode, from, to);
     NameOf(store, mode, to) = name;
     return Status::Ok();
+}
+
+int HeldEntries(const UserGroup& group) {
+    return std::min({ValidCount(group.listCount), static_cast<int>(group.listTypes.size()),
+                     static_cast<int>(group.listIndexes.size())});
 }
 
 std::vector<int16_t> GroupEntriesOfType(const UserGroup& group, int16_t listType) {

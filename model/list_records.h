@@ -40,6 +40,8 @@ std::optional<std::string> DuplicateName(const PanelStore& store, int16_t mode, 
 // changing nothing, for an unknown mode or record.
 Status DuplicateRecord(PanelStore& store, int16_t mode, int from, int to);
 
+// The entries of a group its arrays hold: at most its count.
+int HeldEntries(const UserGroup& group);
 // The display list positions of a group's entries of one list type, in entry
 // order. Entries the arrays do not hold are not there.
 std::vector<int16_t> GroupEntriesOfType(const UserGroup& group, int16_t listType);

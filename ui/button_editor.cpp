@@ -164,6 +164,7 @@ void ButtonEditor::createMenu() {
     action("mnuSave", "&Save Templates");
     connect(action("mnuSheet", "Export &Label Sheet..."), &QAction::triggered, this,
             &ButtonEditor::ExportLabelSheet);
+    createTemplateActions(file);
     file->addSeparator()->setObjectName("mnuSep1");
     connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &QDialog::accept);
     m_keyCommands->AddMenu(bar);

@@ -20,6 +20,7 @@ class QHBoxLayout;
 class QKeyEvent;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QPushButton;
 class QRadioButton;
 class QVBoxLayout;
@@ -59,6 +60,13 @@ public:
     void ClearTemplate();
     void CopyTemplate();
     void ExportLabelSheet();
+    // File menu: delete the current template, or move it one place earlier
+    // (-1) or later (1); each is one step.
+    void DeleteCurrentTemplate();
+    void MoveCurrentTemplate(int delta);
+    // The lists and template keys using the channel of channel list `list`
+    // (0: the channel, 1: the second channel) of the current button.
+    void ShowWhereUsed(int list);
     // Called before and after a duplicate changes the store, so the owner can
     // count each duplicate as a step of its own.
     void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
@@ -80,6 +88,10 @@ protected:
 private:
     // The window's parts, built once by the constructor.
     void createMenu();
+    void createTemplateActions(QMenu* file);
+    void RefreshTemplateActions(QMenu* file);
+    // After a delete or move: template `t` is shown from now on.
+    void ShowMovedTemplates(int t);
     void createLayout();
     QGroupBox* createKeysGroup();
     void createKey(QGroupBox* keys, QGridLayout* grid, int position);

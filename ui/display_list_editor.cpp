@@ -115,6 +115,7 @@ DisplayListEditor::DisplayListEditor(PanelStore& store, std::string folder, Erro
     setWindowTitle("Edit Views");
     setModal(true);
     createLayout();
+    createWhereUsedMenus();
 }
 
 DisplayListEditor::~DisplayListEditor() = default;
@@ -135,6 +136,7 @@ void DisplayListEditor::createMenu() {
     action("mnuSave", "&Save Display Lists"); // has no action of its own
     connect(action("mnuExport", "&Export Crosspoint Map..."), &QAction::triggered, this,
             &DisplayListEditor::ExportCrosspointMap);
+    createRecordActions(file);
     file->addSeparator()->setObjectName("mnuSep");
     connect(action("mnuExit", "E&xit"), &QAction::triggered, this, &DisplayListEditor::CloseEditor);
 }
@@ -341,6 +343,7 @@ void DisplayListEditor::showEvent(QShowEvent* event) {
 void DisplayListEditor::Open() {
     m_changed = false;
     m_storeChanged = false;
+    m_recordsMoved = false;
     // The editor is reused: a filter typed last time would hide channels.
     m_filter->clear();
     Guarded(m_reporter, "Error Loading List Form", "List Error", [this] {

@@ -17,6 +17,7 @@ class QGridLayout;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QMenuBar;
 class QMimeData;
 class QPushButton;
@@ -77,6 +78,15 @@ public:
     // count each duplicate as a step of its own.
     void setStepHook(std::function<void()> hook) { m_stepHook = std::move(hook); }
     void CloseEditor();
+    // File menu: delete the edited list (group), or move it one place
+    // earlier (-1) or later (1); each is one step. Group entries follow the
+    // lists they point at; deleting a list that groups use asks first.
+    void DeleteList();
+    void MoveList(int delta);
+    // The uses of the current item of `view` (lvChannel or lvList): a
+    // channel's lists and template keys, a list's user groups; without an
+    // item, of the edited display list.
+    void ShowWhereUsed(QTreeView* view);
     // A download is about to write `part` into the store: while the editor
     // shows it, the pending changes go into the store first, so that what
     // the download replaces is what the operator had.
@@ -93,6 +103,8 @@ public:
     // Whether the store was changed since Open (a commit that altered a
     // record, a new record, a copy).
     bool storeChanged() const { return m_storeChanged; }
+    // Whether lists or groups were deleted or moved since Open.
+    bool recordsMoved() const { return m_recordsMoved; }
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -121,6 +133,11 @@ private:
     void SetModeCaptions();
     void SelectRows(QTreeView* view, const QList<int>& rows);
     void AddItems(bool all);
+    void createRecordActions(QMenu* file);
+    void createWhereUsedMenus();
+    void RefreshRecordActions();
+    // After a delete or move: `index` is the edited record from now on.
+    void ShowMovedRecords(int index);
 
     PanelStore& m_store;
     std::function<void()> m_stepHook;
@@ -132,6 +149,8 @@ private:
     int16_t m_itemCount = 0;
     bool m_changed = false;
     bool m_storeChanged = false;
+    bool m_recordsMoved = false;
+    QMenu* m_recordMenu = nullptr;
 
     // The working copy: the mode's display lists, or the user groups and
     // their names.

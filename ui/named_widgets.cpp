@@ -1,5 +1,6 @@
 #include "ui/named_widgets.h"
 
+#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -15,6 +16,13 @@ QPushButton* MakeButton(QWidget* parent, const char* name, const QString& captio
         button->setToolTip(tip);
     button->setAutoDefault(false);
     return button;
+}
+
+QAction* MakeMenuAction(QWidget* menu, const char* name, const QString& caption) {
+    auto* action = new QAction(caption, menu);
+    action->setObjectName(name);
+    menu->addAction(action);
+    return action;
 }
 
 QLabel* MakeLabel(QWidget* parent, const char* name, const QString& caption) {

@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 
+class QAction;
 class QHBoxLayout;
 class QLabel;
 class QPushButton;
@@ -19,6 +20,9 @@ QPushButton* MakeButton(QWidget* parent, const char* name, const QString& captio
 
 // A label named `name`.
 QLabel* MakeLabel(QWidget* parent, const char* name, const QString& caption);
+
+// A menu entry (or, for a widget, a context-menu entry) named `name`.
+QAction* MakeMenuAction(QWidget* menu, const char* name, const QString& caption);
 
 // The closing row of a dialog: `buttons` side by side at the right.
 QHBoxLayout* ButtonRow(std::initializer_list<QPushButton*> buttons);

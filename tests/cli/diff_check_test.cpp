@@ -1,4 +1,4 @@
-// lumeth-cli diff and check: their exit codes and lines, and apply refusing
+// lumeth-cli diff, check and where: their exit codes and lines, and apply refusing
 // a file with errors unless --force.
 #include "tests/cli/cli_run.h"
 
@@ -10,6 +10,7 @@
 #include "model/button_templates.h"
 #include "model/cp1252.h"
 #include "model/limits.h"
+#include "model/list_records.h"
 
 namespace lumeth {
 namespace {
@@ -164,6 +165,45 @@ TEST_F(DiffCheck, CheckAndShowTellADamagedPanelDataFile) {
         shown.out.find("Button templates: damaged (the file holds the count " + negative + ")\n"),
         std::string::npos)
         << shown.out;
+}
+
+// lumeth-cli where: uses listed, exit 0 used, 1 unused, 2 bad input.
+TEST_F(DiffCheck, WhereListsTheUsesAndExitsByWhetherThereAreAny) {
+    // Template 01 key 1 outputs to Output channel 5 and listens to Input channel 5.
+    const QString keyed = Edited("keyed.json", [](PanelStore& s) {
+        ASSERT_TRUE(AppendRecord(s, ListTypeCode(SubType::Opto), "Spare").has_value());
+        PanelButton& key = s.templates.buttonTemplates[0].buttons[0];
+        key.type = 810; // Output Select W/Listen
+        key.channel = 4;
+        key.channel2 = 4;
+    });
+    const std::string host = "template 01 \"" + m_demo.templates.templateNames[0] + "\" Btn 1";
+    const std::string spareKey =
+        "Lst." + std::to_string(1000 + m_demo.listCount(SubType::Opto)).substr(1);
+    const std::string spare = "Opto " + spareKey + " \"Spare\"";
+    const struct {
+        QStringList args;
+        int exitCode;
+        std::string has; // a line of the output
+    } cases[] = {
+        {{"where", kDemo, "input", "Lst.000"}, 0, "  Gr.001 \"Studio A\"\n"},
+        {{"where", keyed, "output", "Ch.0005"}, 0, "  " + host + "\n"},
+        {{"where", keyed, "INPUT", "Ch.0005"}, 0, "  " + host + " (second channel)\n"},
+        {{"where", keyed, "opto", QString::fromStdString(spareKey)}, 1, spare + " is not used.\n"},
+        {{"where", kDemo, "relay", "Lst.999"}, 2, ""},
+        {{"where", kDemo, "audio", "Lst.000"}, 2, ""},
+        {{"where", kDemo, "input", "Ch.0000"}, 2, ""},
+        {{"where", kDemo, "input", "Gr.001"}, 2, ""},
+        {{"where", kDemo, "input"}, 2, ""},
+        {{"where", Path("missing.json"), "input", "Lst.000"}, 2, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const testing::CliResult r = Run(c.args);
+        EXPECT_EQ(r.exitCode, c.exitCode);
+        EXPECT_NE(r.out.find(c.has), std::string::npos) << r.out;
+        EXPECT_EQ(r.out.empty(), c.exitCode == 2) << r.err;
+    }
 }
 
 } // namespace

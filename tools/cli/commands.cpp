@@ -42,6 +42,12 @@ const std::vector<Command>& Commands() {
         {"backups", "[DIR]",
          "list the backups apply keeps (default: the per-user data folder's backups/)",
          &RunBackups},
+        {"where", "FILE KIND KEY",
+         "list what uses channel KEY (Ch.NNNN) or display list KEY (Lst.NNN) of\n"
+         "                          KIND input, output, opto or relay: the lists and template\n"
+         "                          keys holding a channel, the user groups holding a list;\n"
+         "                          exit 0 used, 1 not used, 2 bad input",
+         &RunWhere},
     };
     return kCommands;
 }

@@ -22,6 +22,7 @@ int RunDiff(const std::vector<std::string>& args);
 int RunCheck(const std::vector<std::string>& args);
 int RunLabels(const std::vector<std::string>& args);
 int RunBackups(const std::vector<std::string>& args);
+int RunWhere(const std::vector<std::string>& args);
 
 // The checks of `check` on `config`, one line each on `out`.
 std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out);
