@@ -21,6 +21,8 @@ int RunCrosspoints(const std::vector<std::string>& args);
 int RunDiff(const std::vector<std::string>& args);
 int RunCheck(const std::vector<std::string>& args);
 int RunLabels(const std::vector<std::string>& args);
+int RunExportCsv(const std::vector<std::string>& args);
+int RunImportCsv(const std::vector<std::string>& args);
 
 // The checks of `check` on `config`, one line each on `out`; apply runs them
 // before connecting.
