@@ -21,8 +21,8 @@ void Check(bool ok) {
 lumeth::CsvTexts Split(std::string_view bytes) {
     lumeth::CsvTexts texts;
     for (size_t i = 0; i < texts.size(); ++i) {
-        const size_t end = i + 1 < texts.size() ? std::min(bytes.find('\0'), bytes.size())
-                                                : bytes.size();
+        const size_t end =
+            i + 1 < texts.size() ? std::min(bytes.find('\0'), bytes.size()) : bytes.size();
         texts[i] = bytes.substr(0, end);
         bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
