@@ -53,16 +53,25 @@ std::string ButtonChannelName(const PanelStore& store, std::optional<SubType> su
     return CsvName(RefAt(store.alpha(*subType).channelNames, channel));
 }
 
+// A record's rows: one per entry, `fill` setting the entry columns, or one
+// with them empty for a record without entries.
+template <typename Column, typename Fill>
+void AppendRecord(csv::Row<Column>& row, int entries, std::string& out, Fill fill) {
+    if (entries == 0)
+        row.AppendTo(out);
+    for (int e = 0; e < entries; ++e) {
+        fill(e);
+        row.AppendTo(out);
+    }
+}
+
 void ExportList(const PanelStore& store, SubType s, int i, bool named, std::string& out) {
     const DisplayList& list = store.lists(s).at(static_cast<size_t>(i));
     csv::Row<ListColumn> row;
     row[ListColumn::SubType] = SubTypeName(s);
     row[ListColumn::List] = ListKey(i);
     row[ListColumn::ListName] = CsvName(list.name);
-    const int n = ValidCount(list.channelCount);
-    if (n == 0)
-        row.AppendTo(out);
-    for (int k = 0; k < n; ++k) {
+    AppendRecord(row, ValidCount(list.channelCount), out, [&](int k) {
         const int channel = list.channels.at(static_cast<size_t>(k));
         row[ListColumn::Position] = std::to_string(k + 1);
         row[ListColumn::Channel] = ChannelField(channel, false, [&] {
@@ -70,8 +79,7 @@ void ExportList(const PanelStore& store, SubType s, int i, bool named, std::stri
         });
         row[ListColumn::ChannelName] =
             named ? CsvName(ChannelAlpha(store, s, channel).value_or("")) : std::string();
-        row.AppendTo(out);
-    }
+    });
 }
 
 std::string ExportLists(const PanelStore& store) {
@@ -112,13 +120,8 @@ std::string ExportGroups(const PanelStore& store) {
         csv::Row<GroupColumn> row;
         row[GroupColumn::Group] = GroupKey(g);
         row[GroupColumn::GroupName] = CsvName(groups.userGroupNames.at(static_cast<size_t>(g)));
-        const int n = ValidCount(groups.userGroups.at(static_cast<size_t>(g)).listCount);
-        if (n == 0)
-            row.AppendTo(out);
-        for (int e = 0; e < n; ++e) {
-            ExportGroupEntry(store, g, e, row);
-            row.AppendTo(out);
-        }
+        AppendRecord(row, ValidCount(groups.userGroups.at(static_cast<size_t>(g)).listCount), out,
+                     [&](int e) { ExportGroupEntry(store, g, e, row); });
     }
     return out;
 }
@@ -158,13 +161,8 @@ std::string ExportTemplates(const PanelStore& store) {
             CsvName(templates.templateNames.at(static_cast<size_t>(t)));
         row[TemplateColumn::Number] =
             Value14(tpl.number, [&] { return TemplateRecordName(store, t) + " number"; });
-        const int n = ValidCount(tpl.buttonCount);
-        if (n == 0)
-            row.AppendTo(out);
-        for (int b = 0; b < n; ++b) {
-            ExportButton(store, t, b, row);
-            row.AppendTo(out);
-        }
+        AppendRecord(row, ValidCount(tpl.buttonCount), out,
+                     [&](int b) { ExportButton(store, t, b, row); });
     }
     return out;
 }

@@ -297,18 +297,19 @@ public:
             ReadKey(Field(row, TemplateColumn::Template), TemplateKey, kMax14Bit - 1, "template");
         const std::string name =
             ReadName(Field(row, TemplateColumn::TemplateName), "template name");
-        const std::string& number = Field(row, TemplateColumn::Number);
+        const auto number = static_cast<int16_t>(
+            ReadNumber(Field(row, TemplateColumn::Number), kMax14Bit, "template number"));
         const bool next = m_order.Next(key, m_templates.size(), true, TemplateKey);
         if (next) {
             NamedTemplate& added = m_templates.emplace_back();
             added.name = name;
-            added.buttons.number =
-                static_cast<int16_t>(ReadNumber(number, kMax14Bit, "template number"));
+            added.buttons.number = number;
             added.buttons.buttons.clear();
         }
         NamedTemplate& tpl = m_templates.back();
         RequireSame(name, tpl.name, "template name");
-        RequireSame(number, std::to_string(tpl.buttons.number), "template number");
+        if (number != tpl.buttons.number)
+            throw Refused("the template number differs from the record's first row");
         const std::string& button = Field(row, TemplateColumn::Button);
         if (!m_order.Entry(!button.empty(), next, "button")) {
             RequireEmpty(row, {TemplateColumn::Function, TemplateColumn::CaptionOption,
