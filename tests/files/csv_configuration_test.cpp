@@ -1,5 +1,9 @@
 #include "files/csv_configuration.h"
 
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "link/codec.h"
@@ -198,7 +202,14 @@ TEST(CsvConfiguration, AFolderRoundTripsAndItsBadRowNamesFileAndLine) {
     const Status bad = ImportCsvFolder(dir, back);
     EXPECT_EQ(bad.failure().detail,
               CsvPath(dir, CsvFile::UserGroups) + ":3: entry 1 out of order: entry 2 comes next");
-    std::filesystem::remove(CsvPath(dir, CsvFile::UserGroups));
+    // Refused before it is read: too large, no regular file, missing.
+    const std::string groupsPath = CsvPath(dir, CsvFile::UserGroups);
+    std::filesystem::resize_file(groupsPath, (size_t(64) << 20) + 1);
+    EXPECT_EQ(ImportCsvFolder(dir, back).failure().detail, groupsPath + ": larger than 64 MiB");
+    std::filesystem::remove(groupsPath);
+    ASSERT_EQ(::mkfifo(groupsPath.c_str(), 0600), 0);
+    EXPECT_EQ(ImportCsvFolder(dir, back).failure().detail, groupsPath + ": not a regular file");
+    std::filesystem::remove(groupsPath);
     EXPECT_EQ(ImportCsvFolder(dir, back).failure().code, ErrorCode::FileNotFound);
     EXPECT_EQ(Export(back), Export(Varied()));
 }

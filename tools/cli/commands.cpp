@@ -31,9 +31,8 @@ const std::vector<Command>& Commands() {
          "                          numbers, e.g. 1,3-5; default all)",
          &RunLabels},
         {"export-csv", "FILE -o DIR",
-         "write FILE's display lists, user groups and templates as three CSV\n"
-         "                          files in DIR (display_lists.csv, user_groups.csv,\n"
-         "                          templates.csv)",
+         "write FILE's display lists, user groups and templates as\n"
+         "                          DIR/display_lists.csv, user_groups.csv and templates.csv",
          &RunExportCsv},
         {"import-csv", "DIR -o OUT", "build OUT (.json or .dat) from the three CSV files in DIR",
          &RunImportCsv},
