@@ -46,7 +46,6 @@ namespace lumeth {
 
 namespace {
 
-constexpr int kStatusMessageMs = 6000;
 // The largest part of the status bar the progress panel takes; the rest is
 // the link panel and the message area.
 constexpr double kProgressPanelShare = 0.45;
@@ -167,6 +166,10 @@ void MainWindow::BuildMenus() {
             &MainWindow::SaveAll);
     connect(MakeAction(file, "mnuLoadAll", "&Load All"), &QAction::triggered, this,
             &MainWindow::LoadAll);
+    connect(MakeAction(file, "mnuExportCsv", "Export CSV..."), &QAction::triggered, this,
+            &MainWindow::ExportCsvFiles);
+    connect(MakeAction(file, "mnuImportCsv", "Import CSV..."), &QAction::triggered, this,
+            &MainWindow::ImportCsvFiles);
     MakeSeparator(file, "mnuSep3");
     connect(MakeAction(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
 

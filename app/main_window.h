@@ -24,6 +24,9 @@ class QTimer;
 
 namespace lumeth {
 
+// How long a status bar message that reports success stays.
+inline constexpr int kStatusMessageMs = 6000;
+
 class AboutDialog;
 class ChangesDialog;
 class ButtonEditor;
@@ -63,6 +66,10 @@ public:
     void CancelEdits();
     void SaveAll();
     void LoadAll();
+    // File > Export CSV... / Import CSV...: the display lists, user groups and
+    // templates as three CSV files in a folder; the import is one undo step.
+    void ExportCsvFiles();
+    void ImportCsvFiles();
     void ShowSetup();
     void ShowAbout();
     // Edit menu: undo and redo a step, review what Apply would change, check.

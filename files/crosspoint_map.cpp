@@ -2,9 +2,9 @@
 
 #include <stdexcept>
 
+#include "files/csv_table.h"
 #include "files/file_io.h"
 #include "model/channel_alpha.h"
-#include "model/cp1252.h"
 #include "model/limits.h"
 #include "model/view_keys.h"
 
@@ -12,37 +12,11 @@ namespace lumeth {
 
 namespace {
 
-void AppendField(std::string& csv, std::string_view field) {
-    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
-        csv.append(field);
-        return;
-    }
-    csv.push_back('"');
-    for (const char c : field) {
-        if (c == '"')
-            csv.push_back('"');
-        csv.push_back(c);
-    }
-    csv.push_back('"');
-}
-
-std::string Shown(std::string_view name) {
-    return cp1252::ToUtf8(TrimTrailingBlanks(name));
-}
-
-bool HasChannelNames(const PanelStore& store) {
-    for (SubType subType : kAllSubTypes) {
-        if (store.alpha(subType).count > 0)
-            return true;
-    }
-    return false;
-}
-
 void AppendLists(const PanelStore& store, SubType subType, bool named, std::string& csv) {
     const auto& lists = store.lists(subType);
     for (int i = 0; i < store.listCount(subType); ++i) {
         const DisplayList& list = lists.at(static_cast<size_t>(i));
-        const std::string listName = Shown(list.name);
+        const std::string listName = CsvName(list.name);
         for (int k = 0; k < list.channelCount; ++k) {
             const int channel = list.channels.at(static_cast<size_t>(k));
             const std::string fields[] = {
@@ -52,14 +26,9 @@ void AppendLists(const PanelStore& store, SubType subType, bool named, std::stri
                 std::to_string(k + 1),
                 std::to_string(channel),
                 ChannelKey(channel),
-                named ? Shown(ChannelAlpha(store, subType, channel).value()) : std::string(),
+                named ? CsvName(ChannelAlpha(store, subType, channel).value()) : std::string(),
             };
-            for (size_t f = 0; f < std::size(fields); ++f) {
-                if (f > 0)
-                    csv.push_back(',');
-                AppendField(csv, fields[f]);
-            }
-            csv.append("\r\n");
+            AppendCsvRow(csv, fields);
         }
     }
 }

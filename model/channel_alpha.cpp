@@ -19,6 +19,14 @@ std::optional<std::string> ChannelAlpha(const PanelStore& store, SubType subType
     return table.names[static_cast<size_t>(position)];
 }
 
+bool HasChannelNames(const PanelStore& store) {
+    for (SubType subType : kAllSubTypes) {
+        if (store.alpha(subType).count > 0)
+            return true;
+    }
+    return false;
+}
+
 std::string ItemText(std::string alpha, const std::string& key) {
     alpha += " (";
     alpha += key;

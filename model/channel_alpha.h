@@ -21,6 +21,10 @@ int ChannelBound(const PanelStore& store, SubType subType);
 // shorter than the bound says.
 std::optional<std::string> ChannelAlpha(const PanelStore& store, SubType subType, int channel);
 
+// Whether the store holds channel names of any sub type (a panel data file
+// holds none).
+bool HasChannelNames(const PanelStore& store);
+
 // A view item's text: the alpha, a blank and the key in brackets,
 // "MIC 1 (Ch.0001)".
 std::string ItemText(std::string alpha, const std::string& key);

@@ -115,6 +115,22 @@ std::string FromUtf8(std::string_view utf8) {
     return out;
 }
 
+bool FromUtf8Exact(std::string_view utf8, std::string& bytes, char32_t& refused) {
+    bytes.clear();
+    bytes.reserve(utf8.size());
+    size_t i = 0;
+    while (i < utf8.size()) {
+        const char32_t cp = NextCodePoint(utf8, i);
+        const unsigned char byte = FromUnicode(cp);
+        if (byte == '?' && cp != U'?') {
+            refused = cp;
+            return false;
+        }
+        bytes.push_back(static_cast<char>(byte));
+    }
+    return true;
+}
+
 size_t Utf8Length(std::string_view utf8) {
     size_t n = 0;
     size_t i = 0;

@@ -17,6 +17,10 @@ unsigned char FromUnicode(char32_t cp);
 // Bytes to UTF-8 and back. Invalid UTF-8 sequences become '?'.
 std::string ToUtf8(std::string_view bytes);
 std::string FromUtf8(std::string_view utf8);
+// Like FromUtf8, but nothing is replaced: false when a character has no byte
+// in the table, with that character in `refused` (U+FFFD for an invalid UTF-8
+// sequence); `bytes` then holds what came before it.
+bool FromUtf8Exact(std::string_view utf8, std::string& bytes, char32_t& refused);
 
 // Number of code points in a UTF-8 text (what a byte string will be after FromUtf8).
 size_t Utf8Length(std::string_view utf8);

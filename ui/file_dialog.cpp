@@ -34,6 +34,10 @@ QString FileDialog::GetFileName(QWidget* parent, const Request& request) {
     dialog.setLabelText(QFileDialog::Accept, QObject::tr("OK"));
     dialog.setNameFilters(request.nameFilters);
     dialog.selectFile(request.presetName);
+    if (request.chooseFolder) {
+        dialog.setFileMode(QFileDialog::Directory);
+        dialog.setOption(QFileDialog::ShowDirsOnly, true);
+    }
     if (dialog.exec() != QDialog::Accepted)
         return {};
     const QStringList files = dialog.selectedFiles();

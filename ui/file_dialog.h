@@ -20,6 +20,8 @@ public:
         QString folder;
         QString presetName;
         QStringList nameFilters;
+        // Choose a folder rather than a file.
+        bool chooseFolder = false;
     };
 
     // Show the dialog; the chosen path, or an empty text on cancel.

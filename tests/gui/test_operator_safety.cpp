@@ -25,6 +25,7 @@
 #include "app/edit_recovery.h"
 #include "app/main_views.h"
 #include "app/main_window.h"
+#include "files/csv_configuration.h"
 #include "files/panel_data_file.h"
 #include "files/recovery_file.h"
 #include "link/connection.h"
@@ -412,6 +413,61 @@ private slots:
         const QByteArray logged = log.readAll();
         QVERIFY(logged.contains("Error Loading LumethEX File"));
         QVERIFY(logged.contains("Error Writing LumethEX File"));
+    }
+
+    // Export CSV writes the three files of a folder; an import with a bad row
+    // changes nothing and names file and line; a good one is one undo step
+    // that Review Changes shows, unapplied until Apply.
+    void csvExportAndImportThroughAFolder() {
+        Connect();
+        const QString dir = Folder() + "csv";
+        FileDialog::setNextFileName(dir);
+        Child<QAction>(m_window, "mnuExportCsv")->trigger();
+        QVERIFY(FileDialog::lastRequest()->chooseFolder);
+        QCOMPARE(StatusText(), "Exported CSV to " + QDir::toNativeSeparators(dir));
+        const QString groupsPath =
+            QString::fromStdString(CsvPath(dir.toStdString(), CsvFile::UserGroups));
+        QFile file(groupsPath);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray groups = file.readAll();
+        file.close();
+        const QByteArray first =
+            "Gr.001," + ToQt(m_demo.groups.userGroupNames[0]).trimmed().toUtf8() + ",";
+        QVERIFY(groups.contains(first));
+        groups.replace(first, "Gr.001,From CSV,");
+        const auto writeGroups = [&](const QByteArray& bytes) {
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write(bytes);
+            file.close();
+        };
+
+        const size_t depth = m_window->history().undoDepth();
+        writeGroups(groups + "Gr.001,From CSV,1,Input,Lst.000,\r\n");
+        FileDialog::setNextFileName(dir);
+        Child<QAction>(m_window, "mnuImportCsv")->trigger();
+        const int lines = static_cast<int>(groups.count('\n')) + 1;
+        QCOMPARE(StatusText(), "Could not import CSV: " + groupsPath + ":" +
+                                   QString::number(lines) +
+                                   ": Gr.001 again after other rows: a record's rows go together");
+        QCOMPARE(FirstGroupShown(), DemoGroup());
+        QCOMPARE(m_window->history().undoDepth(), depth);
+        QVERIFY(!m_window->hasUnappliedChanges());
+
+        writeGroups(groups);
+        FileDialog::setNextFileName(dir);
+        Child<QAction>(m_window, "mnuImportCsv")->trigger();
+        QCOMPARE(FirstGroupShown(), QString("From CSV"));
+        QVERIFY(m_window->hasUnappliedChanges());
+        QCOMPARE(m_window->history().undoDepth(), depth + 1);
+        const QStringList reviewed = ReviewedLines([&] { m_window->ReviewChanges(); });
+        QCOMPARE(reviewed.filter("renamed to \"From CSV\"").size(), 1);
+        Child<QAction>(m_window, "mnuUndo")->trigger();
+        QCOMPARE(FirstGroupShown(), DemoGroup());
+        QVERIFY(!m_window->hasUnappliedChanges());
+
+        QFile log(Folder() + "Errorlog.txt");
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        QVERIFY(log.readAll().contains("Error Importing CSV Files"));
     }
 
     void undoAndRedoAcrossAnEditorSessionLoadAllAndCancel() {

@@ -48,6 +48,12 @@ const std::vector<Command>& Commands() {
          "                          keys holding a channel, the user groups holding a list;\n"
          "                          exit 0 used, 1 not used, 2 bad input",
          &RunWhere},
+        {"export-csv", "FILE -o DIR",
+         "write FILE's display lists, user groups and templates as\n"
+         "                          DIR/display_lists.csv, user_groups.csv and templates.csv",
+         &RunExportCsv},
+        {"import-csv", "DIR -o OUT", "build OUT (.json or .dat) from the three CSV files in DIR",
+         &RunImportCsv},
     };
     return kCommands;
 }

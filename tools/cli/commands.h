@@ -23,6 +23,8 @@ int RunCheck(const std::vector<std::string>& args);
 int RunLabels(const std::vector<std::string>& args);
 int RunBackups(const std::vector<std::string>& args);
 int RunWhere(const std::vector<std::string>& args);
+int RunExportCsv(const std::vector<std::string>& args);
+int RunImportCsv(const std::vector<std::string>& args);
 
 // The checks of `check` on `config`, one line each on `out`.
 std::vector<CheckFinding> PrintChecks(const Configuration& config, std::ostream& out);
