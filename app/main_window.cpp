@@ -25,6 +25,7 @@
 
 #include "app/edit_recovery.h"
 #include "app/main_views.h"
+#include "app/safe_apply.h"
 #include "app/window_layout.h"
 #include "files/backup_files.h"
 #include "files/check_report.h"
@@ -185,6 +186,8 @@ void MainWindow::BuildMenus() {
     connect(changes, &QAction::triggered, this, &MainWindow::ReviewChanges);
     connect(MakeAction(edit, "mnuCheck", "&Check Configuration..."), &QAction::triggered, this,
             &MainWindow::ShowCheck);
+    m_safeApply = new SafeApply(*this);
+    m_safeApply->AddMenuItems(edit);
     RefreshEditMenu();
 
     QMenu* help = bar->addMenu("&Help");
@@ -672,8 +675,11 @@ void MainWindow::SaveAll() {
 void MainWindow::LoadAll() {
     const QString path =
         ChooseFileName(this, QString::fromStdString(m_folder), kDefaultPanelDataFileName, "dat");
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        LoadFile(path);
+}
+
+void MainWindow::LoadFile(const QString& path) {
     const PanelSnapshot before = TakeSnapshot(m_store);
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
     RecordStep();

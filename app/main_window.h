@@ -33,6 +33,7 @@ class DisplayListEditor;
 class EditRecovery;
 class LoginDialog;
 class MainViews;
+class SafeApply;
 
 // frmMain, "KOV Lumeth EX Administrator": the views of the panel
 // configuration, the commands and menus, and the program's start-up and
@@ -58,6 +59,8 @@ public:
     void CancelEdits();
     void SaveAll();
     void LoadAll();
+    // Load All of the file `path`, chosen already: one undo step.
+    void LoadFile(const QString& path);
     void ShowSetup();
     void ShowAbout();
     // Edit menu: undo and redo a step, review what Apply would change, check.
@@ -95,6 +98,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Compare with Server Module, Apply Selected and Backups work on the
+    // window's store, link and mirror as Apply does.
+    friend class SafeApply;
+
     void BuildMenus();
     void BuildLayout();
     void BuildStatusBar();
@@ -164,6 +171,7 @@ private:
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
+    SafeApply* m_safeApply = nullptr;
     bool m_applying = false;
     // Each part of m_arriving as the download writing it found it (an answer
     // that fails its checks writes into the store too: the one after it

@@ -16,12 +16,12 @@ namespace {
 constexpr std::string_view kPrefix = "LumethEX-";
 constexpr std::string_view kExtension = ".dat";
 
+} // namespace
+
 bool IsBackupName(const std::string& name) {
     return name.size() > kPrefix.size() + kExtension.size() && name.starts_with(kPrefix) &&
            name.ends_with(kExtension);
 }
-
-} // namespace
 
 std::string BackupPath(const std::string& folder, const std::string& stamp) {
     return folder + kBackupFolder + "/" + std::string(kPrefix) + stamp + std::string(kExtension);

@@ -14,6 +14,9 @@ inline constexpr int kBackupsKept = 30;
 // separator); `stamp` is yyyyMMdd-HHmmss.
 std::string BackupPath(const std::string& folder, const std::string& stamp);
 
+// True for a file name WriteBackup writes: LumethEX-<stamp>.dat.
+bool IsBackupName(const std::string& name);
+
 // Write `store` as a panel data file to BackupPath (the folder is created
 // when missing, the file replaced atomically), then delete the oldest
 // backups beyond `keep`. `path` receives the file written.
