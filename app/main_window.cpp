@@ -699,8 +699,11 @@ void MainWindow::LoadFile(const QString& path) {
     case LoadOutcome::Loaded:
         break;
     }
-    // Redrawn as a group download is: the groups, then the current group's lists.
-    OnPartReceived(Part::UserGroups);
+    // Redrawn as a group download is: the groups, then the current group's
+    // lists. What the server module holds is left as it was: the file's
+    // groups were not received from it.
+    m_views->DisplayUserGroups();
+    m_views->ShowGroupData(m_store.currentUserGroup);
     // A file equal to what the server module holds leaves nothing to apply.
     RefreshUnapplied();
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);

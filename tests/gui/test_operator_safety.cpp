@@ -202,7 +202,8 @@ private slots:
             menus << action->text() + " " + action->shortcut().toString();
         QCOMPARE(menus, QStringList({"mnuFile", "mnuEditMenu", "mnuHelp", "&Undo Ctrl+Z",
                                      "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D",
-                                     "&Check Configuration... "}));
+                                     "&Check Configuration... ", "Compare with Server &Module... ",
+                                     "Apply &Selected... ", "&Backups... "}));
         QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
                  QStringList({"No changes."}));
 
