@@ -15,6 +15,8 @@
 #include <memory>
 #include <string>
 
+#include "app/safe_apply.h"
+#include "app/server_reader.h"
 #include "files/error_log.h"
 #include "link/connection.h"
 #include "tools/sim/demo_config.h"
@@ -163,8 +165,65 @@ void BM_CliFetchProcess(benchmark::State& st) {
     st.counters["x_target"] = (fetchMs / n) / (1.3 * kFloorMs + startMs / n);
 }
 
+// The window's Compare with Server Module on "large" without its dialogs: a
+// second connection reads everything (ServerReader) and the report compares
+// it with the window's configuration (one list renamed) and with what was
+// received before. Target: within 1.3 times the whole `lumeth-cli fetch`
+// process, run alongside each time.
+void BM_CompareWithServer(benchmark::State& st) {
+    App();
+    Emulator emulator;
+    if (const std::string error = emulator.Start("large"); !error.empty()) {
+        st.SkipWithError(error.c_str());
+        return;
+    }
+    QTemporaryDir folder;
+    lumeth::ErrorLog log(folder.path().toStdString() + "/");
+    const lumeth::PanelStore base = emulator.state.store();
+    lumeth::PanelStore mine = base;
+    mine.listTable(lumeth::SubType::Input).displayLists[0].name = "Renamed";
+    const QStringList fetch{"fetch", "-o", "large.json", "--server",
+                            QString("127.0.0.1:%1").arg(emulator.server->port())};
+    double compareMs = 0;
+    double cliMs = 0;
+    size_t lines = 0;
+    for (auto _ : st) {
+        lumeth::ServerReader reader(log);
+        bool ok = false;
+        QEventLoop loop;
+        QObject::connect(&reader, &lumeth::ServerReader::finished, &loop, [&](bool done) {
+            ok = done;
+            loop.quit();
+        });
+        const auto start = std::chrono::steady_clock::now();
+        reader.Start("127.0.0.1", emulator.server->port(), emulator.state.password());
+        loop.exec();
+        lines =
+            ok ? lumeth::SafeApply::CompareLines(base, lumeth::kUploadParts, reader.store(), mine)
+                     .size()
+               : 0;
+        const auto end = std::chrono::steady_clock::now();
+        const double cli = RunCli(fetch, folder.path());
+        if (!ok || lines == 0 || cli < 0) {
+            st.SkipWithError("the comparison or the fetch failed");
+            return;
+        }
+        const double ms = std::chrono::duration<double, std::milli>(end - start).count();
+        st.SetIterationTime(ms / 1000.0);
+        compareMs += ms;
+        cliMs += cli;
+        QCoreApplication::processEvents();
+    }
+    const auto n = static_cast<double>(st.iterations());
+    st.counters["compare_ms"] = compareMs / n;
+    st.counters["cli_fetch_ms"] = cliMs / n;
+    st.counters["x_cli_fetch"] = compareMs / cliMs;
+    st.counters["lines"] = static_cast<double>(lines);
+}
+
 } // namespace
 
+BENCHMARK(BM_CompareWithServer)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(BM_CliFetchProcess)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
     ->UseManualTime()
