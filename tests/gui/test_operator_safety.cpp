@@ -76,12 +76,7 @@ private:
         QString error;
         bool inUse = false;
         QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
-        QFile ini(Folder() + "kovadmin.ini");
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QString("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n")
-                      .arg(m_server->port())
-                      .toLatin1());
-        ini.close();
+        QVERIFY(test::WriteServerSettings(Folder(), m_server->port()));
         StartWindow(badTemplates);
     }
 
@@ -142,15 +137,7 @@ private:
     // click opens it from the event loop, after `open` has returned).
     QStringList ReviewedLines(const std::function<void()>& open, const char* form = "frmChanges",
                               const char* textName = "txtChanges") {
-        auto text = std::make_shared<QString>();
-        WhenModal(form, [text, textName](QWidget* dialog) {
-            auto* view = Child<QPlainTextEdit>(dialog, textName);
-            *text = view->isReadOnly() ? view->toPlainText() : "(editable)";
-            qobject_cast<QDialog*>(dialog)->reject();
-        });
-        open();
-        return QTest::qWaitFor([text] { return !text->isEmpty(); }) ? text->split('\n')
-                                                                    : QStringList{"(not shown)"};
+        return test::ReadOnlyReport(open, form, textName);
     }
 
     QString RecoveryFile() const { return Folder() + kRecoveryFileName; }

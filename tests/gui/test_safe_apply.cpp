@@ -63,12 +63,7 @@ private:
         QString error;
         bool inUse = false;
         QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
-        QFile ini(Folder() + "kovadmin.ini");
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QString("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n")
-                      .arg(m_server->port())
-                      .toLatin1());
-        ini.close();
+        QVERIFY(test::WriteServerSettings(Folder(), m_server->port()));
         m_window = new MainWindow(Folder().toStdString());
         m_window->Start();
         m_window->show();
@@ -90,20 +85,6 @@ private:
         DisplayListTable table = m_state.store().listTable(subType);
         table.displayLists[0].name = name;
         m_state.Replace(ListsPart(subType), table);
-    }
-
-    // The text of the read-only report `form` once `open` has brought it up.
-    QStringList ReportLines(const std::function<void()>& open, const char* form,
-                            const char* textName) {
-        auto text = std::make_shared<QString>();
-        WhenModal(form, [text, textName](QWidget* dialog) {
-            auto* view = Child<QPlainTextEdit>(dialog, textName);
-            *text = view->isReadOnly() ? view->toPlainText() : "(editable)";
-            qobject_cast<QDialog*>(dialog)->reject();
-        });
-        open();
-        return QTest::qWaitFor([text] { return !text->isEmpty(); }) ? text->split('\n')
-                                                                    : QStringList{"(not shown)"};
     }
 
 private slots:
@@ -135,8 +116,8 @@ private slots:
         const uint64_t version = m_state.version();
 
         const QStringList lines =
-            ReportLines([this] { Child<QAction>(m_window, "mnuCompare")->trigger(); }, "frmCompare",
-                        "txtCompare");
+            test::ReadOnlyReport([this] { Child<QAction>(m_window, "mnuCompare")->trigger(); },
+                                 "frmCompare", "txtCompare");
         const qsizetype since =
             lines.indexOf("Changed on the server module since this window received it:");
         QVERIFY2(lines.value(0) == "What Apply would change on the server module:" && since > 0,
@@ -242,8 +223,8 @@ private slots:
 
         // The same window compares with the real server module afterwards.
         const QStringList lines =
-            ReportLines([this] { Child<QAction>(m_window, "mnuCompare")->trigger(); }, "frmCompare",
-                        "txtCompare");
+            test::ReadOnlyReport([this] { Child<QAction>(m_window, "mnuCompare")->trigger(); },
+                                 "frmCompare", "txtCompare");
         QVERIFY2(lines.join('\n').contains("renamed to \"Mine\""), qPrintable(lines.join('\n')));
     }
 
