@@ -131,20 +131,32 @@ double RunCli(const QStringList& args, const QString& folder) {
     return std::chrono::duration<double, std::milli>(end - start).count();
 }
 
+// The emulator serving "large"; false (the benchmark skipped) when it cannot start.
+bool StartLarge(benchmark::State& st, Emulator& emulator) {
+    App();
+    if (const std::string error = emulator.Start("large"); !error.empty()) {
+        st.SkipWithError(error.c_str());
+        return false;
+    }
+    return true;
+}
+
+// `lumeth-cli fetch -o large.json` from the emulator.
+QStringList FetchArguments(const Emulator& emulator) {
+    return {"fetch", "-o", "large.json", "--server",
+            QString("127.0.0.1:%1").arg(emulator.server->port())};
+}
+
 // The whole `lumeth-cli fetch -o large.json` process against the emulator
 // (here in this process): log in, download, write the JSON document. Target:
 // within 1.3 times the decode-tick floor, plus what starting the process
 // costs (measured as `lumeth-cli --help`).
 void BM_CliFetchProcess(benchmark::State& st) {
-    App();
     Emulator emulator;
-    if (const std::string error = emulator.Start("large"); !error.empty()) {
-        st.SkipWithError(error.c_str());
+    if (!StartLarge(st, emulator))
         return;
-    }
     QTemporaryDir folder;
-    const QStringList fetch{"fetch", "-o", "large.json", "--server",
-                            QString("127.0.0.1:%1").arg(emulator.server->port())};
+    const QStringList fetch = FetchArguments(emulator);
     double startMs = 0;
     double fetchMs = 0;
     for (auto _ : st) {
@@ -171,19 +183,15 @@ void BM_CliFetchProcess(benchmark::State& st) {
 // received before. Target: within 1.3 times the whole `lumeth-cli fetch`
 // process, run alongside each time.
 void BM_CompareWithServer(benchmark::State& st) {
-    App();
     Emulator emulator;
-    if (const std::string error = emulator.Start("large"); !error.empty()) {
-        st.SkipWithError(error.c_str());
+    if (!StartLarge(st, emulator))
         return;
-    }
     QTemporaryDir folder;
     lumeth::ErrorLog log(folder.path().toStdString() + "/");
     const lumeth::PanelStore base = emulator.state.store();
     lumeth::PanelStore mine = base;
     mine.listTable(lumeth::SubType::Input).displayLists[0].name = "Renamed";
-    const QStringList fetch{"fetch", "-o", "large.json", "--server",
-                            QString("127.0.0.1:%1").arg(emulator.server->port())};
+    const QStringList fetch = FetchArguments(emulator);
     double compareMs = 0;
     double cliMs = 0;
     size_t lines = 0;

@@ -29,6 +29,7 @@
 #include "files/recovery_file.h"
 #include "link/connection.h"
 #include "tests/gui/gui_support.h"
+#include "tests/gui/window_session.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
 #include "tools/sim/sim_state.h"
@@ -94,13 +95,7 @@ private:
             QTRY_VERIFY(m_window->received().has_value());
     }
 
-    void LogIn() {
-        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
-        auto* login = Child<QDialog>(m_window, "frmLogin");
-        QTRY_VERIFY(login->isVisible());
-        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
-        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
-    }
+    void LogIn() { test::AnswerLogin(m_window, QString::fromStdString(m_state.password())); }
 
     // The server module goes away (the window says so before the login
     // returns) and comes back on the same port; returns once everything has
@@ -167,14 +162,7 @@ private slots:
     }
 
     void cleanup() {
-        if (m_window) {
-            // Quitting with unapplied changes asks first.
-            if (m_window->hasUnappliedChanges())
-                MessageBox::setNextAnswer(QMessageBox::Yes);
-            m_window->close();
-        }
-        delete m_window;
-        m_window = nullptr;
+        test::CloseWindow(m_window);
         m_server.reset();
         m_home.reset();
     }

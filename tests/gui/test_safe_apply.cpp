@@ -23,6 +23,7 @@
 #include "app/safe_apply.h"
 #include "files/backup_files.h"
 #include "tests/gui/gui_support.h"
+#include "tests/gui/window_session.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
 #include "tools/sim/sim_state.h"
@@ -67,11 +68,7 @@ private:
         m_window = new MainWindow(Folder().toStdString());
         m_window->Start();
         m_window->show();
-        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
-        auto* login = Child<QDialog>(m_window, "frmLogin");
-        QTRY_VERIFY(login->isVisible());
-        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
-        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
+        test::AnswerLogin(m_window, QString::fromStdString(m_state.password()));
         QTRY_VERIFY(m_window->received().has_value() && !m_window->link().AnyPending());
     }
 
@@ -95,13 +92,7 @@ private slots:
     }
 
     void cleanup() {
-        if (m_window) {
-            if (m_window->hasUnappliedChanges())
-                MessageBox::setNextAnswer(QMessageBox::Yes);
-            m_window->close();
-        }
-        delete m_window;
-        m_window = nullptr;
+        test::CloseWindow(m_window);
         m_server.reset();
         m_home.reset();
     }
@@ -214,6 +205,17 @@ private slots:
             QCOMPARE(StatusText(), c.text);
             QVERIFY(!m_window->findChild<QDialog*>("frmApplySelected"));
         }
+        // Cancel stops the wait without a message box.
+        MessageBox::clearHistory();
+        m_window->link().serverPort = silent.serverPort();
+        WhenModal("frmReading", [](QWidget* progress) {
+            QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuApplySelected")->trigger();
+        m_window->link().serverPort = m_server->port();
+        QCOMPARE(StatusText(), QString("Apply Selected cancelled. Nothing was sent."));
+        QVERIFY(MessageBox::history().empty());
+
         QCOMPARE(m_state.version(), version);
         QVERIFY(m_window->link().connected && m_window->isEnabled());
         QVERIFY(m_window->hasUnappliedChanges());
