@@ -786,12 +786,12 @@ bool MainWindow::ConfirmUnreceivedParts() {
                             QMessageBox::No) == QMessageBox::Yes;
 }
 
-void MainWindow::WriteApplyBackup() {
-    if (!m_mirror.full())
+void MainWindow::WriteApplyBackup(const PanelStore* held) {
+    if (!held && !m_mirror.full())
         return;
     const std::string stamp =
         QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss").toStdString();
-    const Status written = WriteBackup(m_folder, stamp, *m_mirror.full());
+    const Status written = WriteBackup(m_folder, stamp, held ? *held : *m_mirror.full());
     if (!written)
         ReportError("Error Saving Backup", "File Error", written.failure());
 }

@@ -128,7 +128,9 @@ private:
     bool ConfirmUnreceivedParts();
     // Load All stopped part way through `path`: say so, and let Apply ask.
     void LoadStopped(const QString& path, const PanelSnapshot& before, const Failure& failure);
-    void WriteApplyBackup();
+    // `held`: what the server module holds, when read just now; otherwise
+    // the configuration as last received in full.
+    void WriteApplyBackup(const PanelStore* held = nullptr);
     // Records an undo step when the store has moved on since the last one.
     void RecordStep();
     void AfterRestore();

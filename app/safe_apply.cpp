@@ -1,7 +1,6 @@
 #include "app/safe_apply.h"
 
 #include <QAction>
-#include <QDateTime>
 #include <QEventLoop>
 #include <QMenu>
 #include <QProgressDialog>
@@ -9,7 +8,6 @@
 #include <QStatusBar>
 
 #include "app/main_window.h"
-#include "files/backup_files.h"
 #include "link/connection.h"
 #include "model/merge_plan.h"
 #include "model/panel_snapshot.h"
@@ -167,7 +165,7 @@ void SafeApply::ApplySelected() {
     if (dialog.exec() == QDialog::Accepted) {
         const PartSet sent = Send(dialog.chosen(), *server);
         if (!sent.empty())
-            Verify(sent);
+            Verify(sent, dialog.chosen() - sent);
     }
     m_busy = false;
 }
@@ -178,10 +176,7 @@ PartSet SafeApply::Send(PartSet parts, const PanelStore& server) {
         Say(kNotConnected);
         return {};
     }
-    const std::string stamp =
-        QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss").toStdString();
-    if (const Status written = WriteBackup(w.m_folder, stamp, server); !written)
-        w.ReportError("Error Saving Backup", "File Error", written.failure());
+    w.WriteApplyBackup(&server);
     w.m_applying = true;
     w.m_send->setEnabled(false);
     w.RefreshEditMenu();
@@ -189,7 +184,8 @@ PartSet SafeApply::Send(PartSet parts, const PanelStore& server) {
     if (w.m_link.connected) {
         w.m_mirror.Applied(w.m_store, sent);
         w.RefreshUnapplied();
-        // Keeps undo off until the read-back has compared the store.
+        // As between two messages: the server module has taken the last
+        // one before the read-back asks.
         w.m_connection->Wait(kSettleMs, true);
     }
     w.m_applying = false;
@@ -207,8 +203,10 @@ PartSet SafeApply::Send(PartSet parts, const PanelStore& server) {
     return sent;
 }
 
-void SafeApply::Verify(PartSet sent) {
-    const QString done = "Sent the " + Names(sent) + " to the server module";
+void SafeApply::Verify(PartSet sent, PartSet unsent) {
+    QString done = "Sent the " + Names(sent) + " to the server module";
+    if (!unsent.empty())
+        done += " (not sent: the " + Names(unsent) + ", see the error log)";
     const std::optional<PanelStore> back =
         ReadServer(kApplySelectedTitle, done + "; they were not read back.");
     if (!back)

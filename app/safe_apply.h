@@ -55,8 +55,9 @@ private:
     // Send `parts` with the document's messages after keeping `server` as a
     // backup; the parts that went out with the link still up.
     PartSet Send(PartSet parts, const PanelStore& server);
-    // Read the sent parts back and say whether the server module holds them.
-    void Verify(PartSet sent);
+    // Read the sent parts back and say whether the server module holds them;
+    // `unsent` were chosen but could not be written.
+    void Verify(PartSet sent, PartSet unsent);
     void Say(const QString& text);
 
     MainWindow& m_window;
