@@ -13,6 +13,7 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <functional>
@@ -170,6 +171,21 @@ private slots:
         // The Input edit is still waiting; what the server module held is kept.
         QVERIFY(m_window->hasUnappliedChanges());
         QCOMPARE(QDir(Folder() + "backups").entryList({"LumethEX-*.dat"}).size(), 1);
+
+        // Another administrator changes the groups again before the read-back.
+        RenameGroupHere("Mine Again");
+        WhenModal("frmApplySelected", [this](QWidget* dialog) {
+            QTimer::singleShot(250, [this] {
+                UserGroupTable groups = m_state.store().groups;
+                groups.userGroupNames[0] = "Overtaken";
+                m_state.Replace(Part::UserGroups, groups);
+            });
+            Child<QCheckBox>(dialog, "chkPart_0")->setChecked(false);
+            QTest::mouseClick(Child<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
+        });
+        Child<QAction>(m_window, "mnuApplySelected")->trigger();
+        QCOMPARE(StatusText(), QString("Sent the user groups to the server module; read back: "
+                                       "the user groups differ from what was sent."));
     }
 
     // A server module that takes the connection and never answers: a bounded
