@@ -25,6 +25,7 @@
 
 #include "app/edit_recovery.h"
 #include "app/main_views.h"
+#include "app/safe_apply.h"
 #include "app/window_layout.h"
 #include "files/backup_files.h"
 #include "files/check_report.h"
@@ -188,6 +189,8 @@ void MainWindow::BuildMenus() {
     connect(changes, &QAction::triggered, this, &MainWindow::ReviewChanges);
     connect(MakeAction(edit, "mnuCheck", "&Check Configuration..."), &QAction::triggered, this,
             &MainWindow::ShowCheck);
+    m_safeApply = new SafeApply(*this);
+    m_safeApply->AddMenuItems(edit);
     RefreshEditMenu();
 
     QMenu* help = bar->addMenu("&Help");
@@ -678,8 +681,11 @@ void MainWindow::SaveAll() {
 void MainWindow::LoadAll() {
     const QString path =
         ChooseFileName(this, QString::fromStdString(m_folder), kDefaultPanelDataFileName, "dat");
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        LoadFile(path);
+}
+
+void MainWindow::LoadFile(const QString& path) {
     const PanelSnapshot before = TakeSnapshot(m_store);
     const LoadResult result = LoadPanelDataFile(path.toStdString(), m_store);
     RecordStep();
@@ -699,8 +705,11 @@ void MainWindow::LoadAll() {
     case LoadOutcome::Loaded:
         break;
     }
-    // Redrawn as a group download is: the groups, then the current group's lists.
-    OnPartReceived(Part::UserGroups);
+    // Redrawn as a group download is: the groups, then the current group's
+    // lists. What the server module holds is left as it was: the file's
+    // groups were not received from it.
+    m_views->DisplayUserGroups();
+    m_views->ShowGroupData(m_store.currentUserGroup);
     // A file equal to what the server module holds leaves nothing to apply.
     RefreshUnapplied();
     statusBar()->showMessage("Loaded " + QDir::toNativeSeparators(path), kStatusMessageMs);
@@ -783,12 +792,12 @@ bool MainWindow::ConfirmUnreceivedParts() {
                             QMessageBox::No) == QMessageBox::Yes;
 }
 
-void MainWindow::WriteApplyBackup() {
-    if (!m_mirror.full())
+void MainWindow::WriteApplyBackup(const PanelStore* held) {
+    if (!held && !m_mirror.full())
         return;
     const std::string stamp =
         QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss").toStdString();
-    const Status written = WriteBackup(m_folder, stamp, *m_mirror.full());
+    const Status written = WriteBackup(m_folder, stamp, held ? *held : *m_mirror.full());
     if (!written)
         ReportError("Error Saving Backup", "File Error", written.failure());
 }

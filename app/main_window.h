@@ -36,6 +36,7 @@ class DisplayListEditor;
 class EditRecovery;
 class LoginDialog;
 class MainViews;
+class SafeApply;
 
 // frmMain, "KOV Lumeth EX Administrator": the views of the panel
 // configuration, the commands and menus, and the program's start-up and
@@ -70,6 +71,8 @@ public:
     // templates as three CSV files in a folder; the import is one undo step.
     void ExportCsvFiles();
     void ImportCsvFiles();
+    // Load All of the file `path`, chosen already: one undo step.
+    void LoadFile(const QString& path);
     void ShowSetup();
     void ShowAbout();
     // Edit menu: undo and redo a step, review what Apply would change, check.
@@ -107,6 +110,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Compare with Server Module, Apply Selected and Backups work on the
+    // window's store, link and mirror as Apply does.
+    friend class SafeApply;
+
     void BuildMenus();
     void BuildLayout();
     void BuildStatusBar();
@@ -136,7 +143,9 @@ private:
     bool ConfirmUnreceivedParts();
     // Load All stopped part way through `path`: say so, and let Apply ask.
     void LoadStopped(const QString& path, const PanelSnapshot& before, const Failure& failure);
-    void WriteApplyBackup();
+    // `held`: what the server module holds, when read just now; otherwise
+    // the configuration as last received in full.
+    void WriteApplyBackup(const PanelStore* held = nullptr);
     // Records an undo step when the store has moved on since the last one.
     void RecordStep();
     void AfterRestore();
@@ -179,6 +188,7 @@ private:
     QAction* m_undo = nullptr;
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
+    SafeApply* m_safeApply = nullptr;
     bool m_applying = false;
     // Each part of m_arriving as the download writing it found it (an answer
     // that fails its checks writes into the store too: the one after it

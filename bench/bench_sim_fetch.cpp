@@ -15,6 +15,8 @@
 #include <memory>
 #include <string>
 
+#include "app/safe_apply.h"
+#include "app/server_reader.h"
 #include "files/error_log.h"
 #include "link/connection.h"
 #include "tools/sim/demo_config.h"
@@ -131,21 +133,33 @@ double RunCli(const QStringList& args, const QString& folder, const char* tty = 
     return std::chrono::duration<double, std::milli>(end - start).count();
 }
 
+// The emulator serving "large"; false (the benchmark skipped) when it cannot start.
+bool StartLarge(benchmark::State& st, Emulator& emulator) {
+    App();
+    if (const std::string error = emulator.Start("large"); !error.empty()) {
+        st.SkipWithError(error.c_str());
+        return false;
+    }
+    return true;
+}
+
+// `lumeth-cli fetch -o OUT` from the emulator.
+QStringList FetchArguments(const Emulator& emulator, const char* out = "large.json") {
+    return {"fetch", "-o", out, "--server",
+            QString("127.0.0.1:%1").arg(emulator.server->port())};
+}
+
 // The whole `lumeth-cli fetch -o large.json` process against the emulator
 // (here in this process): log in, download, write the JSON document. Target:
 // within 1.3 times the decode-tick floor, plus what starting the process
 // costs (measured as `lumeth-cli --help`). Also with OUT "-" (the document
 // through a pipe to this process) and with the progress line drawn.
 void BM_CliFetchProcess(benchmark::State& st, const char* out, const char* tty) {
-    App();
     Emulator emulator;
-    if (const std::string error = emulator.Start("large"); !error.empty()) {
-        st.SkipWithError(error.c_str());
+    if (!StartLarge(st, emulator))
         return;
-    }
     QTemporaryDir folder;
-    const QStringList fetch{"fetch", "-o", out, "--server",
-                            QString("127.0.0.1:%1").arg(emulator.server->port())};
+    const QStringList fetch = FetchArguments(emulator, out);
     double startMs = 0;
     double fetchMs = 0;
     for (auto _ : st) {
@@ -208,6 +222,58 @@ void BM_CliApplyWithBase(benchmark::State& st) {
     st.counters["x_fetch"] = ((baseMs - applyMs) / n) / (fetchMs / n);
 }
 
+// The window's Compare with Server Module on "large" without its dialogs: a
+// second connection reads everything (ServerReader) and the report compares
+// it with the window's configuration (one list renamed) and with what was
+// received before. Target: within 1.3 times the whole `lumeth-cli fetch`
+// process, run alongside each time.
+void BM_CompareWithServer(benchmark::State& st) {
+    Emulator emulator;
+    if (!StartLarge(st, emulator))
+        return;
+    QTemporaryDir folder;
+    lumeth::ErrorLog log(folder.path().toStdString() + "/");
+    const lumeth::PanelStore base = emulator.state.store();
+    lumeth::PanelStore mine = base;
+    mine.listTable(lumeth::SubType::Input).displayLists[0].name = "Renamed";
+    const QStringList fetch = FetchArguments(emulator);
+    double compareMs = 0;
+    double cliMs = 0;
+    size_t lines = 0;
+    for (auto _ : st) {
+        lumeth::ServerReader reader(log);
+        bool ok = false;
+        QEventLoop loop;
+        QObject::connect(&reader, &lumeth::ServerReader::finished, &loop, [&](bool done) {
+            ok = done;
+            loop.quit();
+        });
+        const auto start = std::chrono::steady_clock::now();
+        reader.Start("127.0.0.1", emulator.server->port(), emulator.state.password());
+        loop.exec();
+        lines =
+            ok ? lumeth::SafeApply::CompareLines(base, lumeth::kUploadParts, reader.store(), mine)
+                     .size()
+               : 0;
+        const auto end = std::chrono::steady_clock::now();
+        const double cli = RunCli(fetch, folder.path());
+        if (!ok || lines == 0 || cli < 0) {
+            st.SkipWithError("the comparison or the fetch failed");
+            return;
+        }
+        const double ms = std::chrono::duration<double, std::milli>(end - start).count();
+        st.SetIterationTime(ms / 1000.0);
+        compareMs += ms;
+        cliMs += cli;
+        QCoreApplication::processEvents();
+    }
+    const auto n = static_cast<double>(st.iterations());
+    st.counters["compare_ms"] = compareMs / n;
+    st.counters["cli_fetch_ms"] = cliMs / n;
+    st.counters["x_cli_fetch"] = compareMs / cliMs;
+    st.counters["lines"] = static_cast<double>(lines);
+}
+
 } // namespace
 
 BENCHMARK_CAPTURE(BM_CliFetchProcess, file, "large.json", "0")
@@ -223,6 +289,7 @@ BENCHMARK_CAPTURE(BM_CliFetchProcess, progress_line, "large.json", "1")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(5);
 BENCHMARK(BM_CliApplyWithBase)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_CompareWithServer)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK_CAPTURE(BM_SimFetch, large, "large")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)

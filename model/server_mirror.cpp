@@ -83,6 +83,14 @@ void ServerMirror::Applied(const PanelStore& store) {
     m_full = store;
 }
 
+void ServerMirror::Applied(const PanelStore& store, PartSet parts) {
+    parts = parts & kUploadParts;
+    CopyParts(TakeSnapshot(store, &m_uploads), parts, m_uploads);
+    m_held |= parts;
+    if (m_full)
+        RestoreParts(m_uploads, parts, *m_full);
+}
+
 void ServerMirror::Loaded() {
     m_held = kUploadParts;
     m_damaged.Clear();

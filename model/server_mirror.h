@@ -38,6 +38,9 @@ public:
     // Apply sent the upload parts of `store` and the link stayed up: the
     // server module now holds them.
     void Applied(const PanelStore& store);
+    // Only the upload parts `parts` of `store` were sent and the link stayed
+    // up: the server module now holds those; the others stay as they were.
+    void Applied(const PanelStore& store, PartSet parts);
     // A panel data file replaced the upload parts: the operator chose them.
     void Loaded();
     // Loading `file` failed or stopped part way: `before` is the store as it

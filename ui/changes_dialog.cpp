@@ -12,11 +12,21 @@
 namespace lumeth {
 
 ChangesDialog::ChangesDialog(QWidget* parent, Report report) : QDialog(parent), m_report(report) {
-    const bool changes = report == Report::Changes;
-    setObjectName(changes ? "frmChanges" : "frmCheck");
-    setWindowTitle(changes ? "Review Changes" : "Check Configuration");
+    struct Names {
+        const char* form;
+        const char* title;
+        const char* text;
+    };
+    static constexpr Names kNames[] = {
+        {"frmChanges", "Review Changes", "txtChanges"},
+        {"frmCheck", "Check Configuration", "txtCheck"},
+        {"frmCompare", "Compare with Server Module", "txtCompare"},
+    };
+    const Names& names = kNames[static_cast<int>(report)];
+    setObjectName(names.form);
+    setWindowTitle(names.title);
     m_text = new QPlainTextEdit(this);
-    m_text->setObjectName(changes ? "txtChanges" : "txtCheck");
+    m_text->setObjectName(names.text);
     m_text->setReadOnly(true);
     m_text->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -30,7 +40,7 @@ ChangesDialog::ChangesDialog(QWidget* parent, Report report) : QDialog(parent), 
 }
 
 void ChangesDialog::setLines(const std::vector<std::string>& lines) {
-    if (lines.empty() && m_report == Report::Changes) {
+    if (lines.empty() && m_report != Report::Check) {
         m_text->setPlainText(kNoChangesLine);
         return;
     }

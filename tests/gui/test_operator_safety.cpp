@@ -30,6 +30,7 @@
 #include "files/recovery_file.h"
 #include "link/connection.h"
 #include "tests/gui/gui_support.h"
+#include "tests/gui/window_session.h"
 #include "tools/sim/demo_config.h"
 #include "tools/sim/sim_server.h"
 #include "tools/sim/sim_state.h"
@@ -77,12 +78,7 @@ private:
         QString error;
         bool inUse = false;
         QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
-        QFile ini(Folder() + "kovadmin.ini");
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QString("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\nServer IP Port=%1\r\n")
-                      .arg(m_server->port())
-                      .toLatin1());
-        ini.close();
+        QVERIFY(test::WriteServerSettings(Folder(), m_server->port()));
         StartWindow(badTemplates);
     }
 
@@ -100,13 +96,7 @@ private:
             QTRY_VERIFY(m_window->received().has_value());
     }
 
-    void LogIn() {
-        QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin"));
-        auto* login = Child<QDialog>(m_window, "frmLogin");
-        QTRY_VERIFY(login->isVisible());
-        Child<QLineEdit>(login, "txtPassword")->setText(QString::fromStdString(m_state.password()));
-        QTest::mouseClick(Child<QPushButton>(login, "cmdOk"), Qt::LeftButton);
-    }
+    void LogIn() { test::AnswerLogin(m_window, QString::fromStdString(m_state.password())); }
 
     // The server module goes away (the window says so before the login
     // returns) and comes back on the same port; returns once everything has
@@ -143,15 +133,7 @@ private:
     // click opens it from the event loop, after `open` has returned).
     QStringList ReviewedLines(const std::function<void()>& open, const char* form = "frmChanges",
                               const char* textName = "txtChanges") {
-        auto text = std::make_shared<QString>();
-        WhenModal(form, [text, textName](QWidget* dialog) {
-            auto* view = Child<QPlainTextEdit>(dialog, textName);
-            *text = view->isReadOnly() ? view->toPlainText() : "(editable)";
-            qobject_cast<QDialog*>(dialog)->reject();
-        });
-        open();
-        return QTest::qWaitFor([text] { return !text->isEmpty(); }) ? text->split('\n')
-                                                                    : QStringList{"(not shown)"};
+        return test::ReadOnlyReport(open, form, textName);
     }
 
     QString RecoveryFile() const { return Folder() + kRecoveryFileName; }
@@ -181,14 +163,7 @@ private slots:
     }
 
     void cleanup() {
-        if (m_window) {
-            // Quitting with unapplied changes asks first.
-            if (m_window->hasUnappliedChanges())
-                MessageBox::setNextAnswer(QMessageBox::Yes);
-            m_window->close();
-        }
-        delete m_window;
-        m_window = nullptr;
+        test::CloseWindow(m_window);
         m_server.reset();
         m_home.reset();
     }
@@ -203,7 +178,8 @@ private slots:
             menus << action->text() + " " + action->shortcut().toString();
         QCOMPARE(menus, QStringList({"mnuFile", "mnuEditMenu", "mnuHelp", "&Undo Ctrl+Z",
                                      "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D",
-                                     "&Check Configuration... "}));
+                                     "&Check Configuration... ", "Compare with Server &Module... ",
+                                     "Apply &Selected... ", "&Backups... "}));
         QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
                  QStringList({"No changes."}));
 

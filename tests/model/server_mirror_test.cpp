@@ -109,6 +109,11 @@ TEST(ServerMirror, CountsReceivedAndHeldParts) {
          kUploadParts,
          true},
         {"apply holds the upload parts", {kApply}, {}, kUploadParts, true},
+        {"apply of chosen parts holds those alone",
+         {[](ServerMirror& m) { m.Applied(Base(), {Part::UserGroups, Part::InputAlphas}); }},
+         {},
+         {Part::UserGroups},
+         false},
         {"a load holds the upload parts", {kLoad}, {}, kUploadParts, false},
     };
     for (const Case& c : cases) {
@@ -166,6 +171,14 @@ TEST(ServerMirror, FullStoreTakesReceivedPartsButNoLocalEdits) {
     received.templates = store.templates;
     EXPECT_EQ(mirror.ChangeLines(store), DiffStores(received, store)) << "the group edit only";
     EXPECT_EQ(mirror.ChangeLines(store).size(), 1u);
+
+    // Sending the templates alone leaves the group edit unapplied.
+    store.templates.templateNames[0] = "Sent alone";
+    mirror.Applied(store, {Part::Templates});
+    EXPECT_EQ(mirror.full()->templates.templateNames[0], "Sent alone");
+    EXPECT_EQ(mirror.full()->groups.userGroupNames[0], "Studio");
+    EXPECT_EQ(mirror.uploadParts().templates->templateNames[0], "Sent alone");
+    EXPECT_EQ(mirror.uploadParts().groups->userGroupNames[0], "Studio");
 
     mirror.Applied(store);
     EXPECT_EQ(mirror.full()->groups.userGroupNames[0], "Edited");
