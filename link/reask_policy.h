@@ -21,6 +21,9 @@ public:
 
     // A request for everything went out at `nowMs`: the count starts again.
     void Restart(int64_t nowMs);
+    // Waiting starts anew at `nowMs` (the quiet time counts from here), the
+    // count of requests asked again stays.
+    void Heard(int64_t nowMs) { m_quietSince = nowMs; }
     // A look at `nowMs`, with `bytesReceived` so far on the link; `asked`
     // once something has been asked for (before the identity query there is
     // nothing to ask again). AskAgain counts as a request at `nowMs`.

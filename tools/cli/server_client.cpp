@@ -22,12 +22,6 @@ namespace {
 constexpr int kWaitSliceMs = 5;
 // How long Close waits for the socket to finish sending and close.
 constexpr int kCloseLimitMs = 3000;
-// Parts missing after this long without a byte from the server module are
-// asked for again, at most kMaxReasks times per request for everything. An
-// answer lost to a bad checksum or a cut frame is never asked for again by
-// the session itself (alpha tables, templates, cut frames).
-constexpr qint64 kQuietMs = 1000;
-constexpr int kMaxReasks = 4;
 
 // The parts of `parts` by name, or "none".
 std::string NamesOrNone(PartSet parts) {
@@ -133,6 +127,7 @@ ServerClient::ServerClient(const ServerOptions& options)
       m_options(options),
       m_deadline(static_cast<qint64>(std::ceil(options.timeoutSeconds * 1000.0)),
                  Qt::PreciseTimer) {
+    m_clock.start();
     std::string folder = m_options.home.empty() ? std::string(".") : m_options.home;
     if (folder.back() != '/') {
         folder += '/';
@@ -184,36 +179,33 @@ ServerClient::WaitResult ServerClient::WaitFor(const std::function<bool()>& done
 
 void ServerClient::RequestEverything() {
     m_mirror.RequestedEverything();
-    m_reasks = 0;
-    m_quiet.start();
+    m_reask.Restart(m_clock.elapsed());
     m_connection->RequestEverything();
 }
 
 ServerClient::WaitResult ServerClient::WaitForParts(PartSet need) {
-    m_quiet.start();
+    m_reask.Heard(m_clock.elapsed());
     return WaitFor([this, need] {
         ReportProgress();
         if ((m_mirror.missing() & need).empty()) {
             m_mirror.RestoreReceived(m_store, m_state.serverPassword);
             return true;
         }
-        if (m_connection->BytesReceived() != m_bytesSeen) {
-            m_bytesSeen = m_connection->BytesReceived();
-            m_quiet.start();
-        }
         // Nothing asked for yet (no identity query) leaves nothing to ask again.
         const bool asked = m_state.AnyPending() || !m_mirror.received().empty();
-        if (asked && m_quiet.elapsed() >= kQuietMs) {
-            if (m_reasks >= kMaxReasks) {
-                m_deadline.setRemainingTime(0); // give up: reported as a timeout
-                return false;
-            }
-            ++m_reasks;
+        switch (m_reask.Look(m_clock.elapsed(), m_connection->BytesReceived(), asked)) {
+        case ReaskPolicy::Step::Wait:
+            break;
+        case ReaskPolicy::Step::GiveUp:
+            m_deadline.setRemainingTime(0); // reported as a timeout
+            break;
+        case ReaskPolicy::Step::AskAgain: {
             Progress().Step("asking again for: " + JoinPartNames(m_mirror.missing()));
             const RequestMasks missing = MasksFor(m_mirror.missing());
             m_connection->session().RequestData(missing.a, missing.b, missing.c);
             m_connection->FlushSession();
-            m_quiet.start();
+            break;
+        }
         }
         return false;
     });
@@ -241,7 +233,7 @@ int ServerClient::LinkLost(const std::string& during) {
 
 int ServerClient::LogIn(const std::string& password) {
     Progress().Step("connecting to " + Address());
-    m_reasks = 0;
+    m_reask.Restart(m_clock.elapsed());
     m_connection->Connect();
     switch (WaitFor([this] { return m_state.connected; })) {
     case WaitResult::Done:

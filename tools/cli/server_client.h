@@ -15,6 +15,7 @@
 #include "link/codec.h"
 #include "link/connection.h"
 #include "link/link_state.h"
+#include "link/reask_policy.h"
 #include "model/failure.h"
 #include "model/panel_store.h"
 #include "model/server_mirror.h"
@@ -130,9 +131,9 @@ private:
     // each as it arrived. The session's pending masks cannot serve: a
     // re-request replaces them and forgets the other parts.
     ServerMirror m_mirror;
-    int m_reasks = 0;
-    uint64_t m_bytesSeen = 0;
-    QElapsedTimer m_quiet; // since the last byte arrived or the last request
+    // When to ask again for missing parts, timed on m_clock.
+    ReaskPolicy m_reask;
+    QElapsedTimer m_clock;
     bool m_linkLost = false;
     bool m_wasConnected = false;
     bool m_messageTooLong = false;
