@@ -17,7 +17,6 @@
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
 #include "tools/cli/part_words.h"
-#include "tools/cli/password_input.h"
 #include "tools/cli/progress_line.h"
 #include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
@@ -292,13 +291,8 @@ int RunApply(const std::vector<std::string>& argv) {
             return InputError(*args.base, held);
         }
     }
-    const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
-    if (!password.password) {
-        return Error(ExitCode::Usage, password.status.failure().detail);
-    }
-
     ServerClient client(options);
-    if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0) {
+    if (const int code = client.LogInAndDownload(); code != 0) {
         return code;
     }
     PartSet sent;

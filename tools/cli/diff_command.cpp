@@ -4,7 +4,6 @@
 #include "model/store_diff.h"
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
-#include "tools/cli/password_input.h"
 #include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
@@ -33,14 +32,11 @@ int LoadSide(const std::string& source, const ServerOptions& options,
         return 0;
     }
     if (!fetched) {
-        const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
-        if (!password.password) {
-            Error(ExitCode::Usage, password.status.failure().detail);
-            return kTrouble;
-        }
         ServerClient client(options);
-        if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0)
-            return code;
+        // A missing password is trouble like diff's other usage errors: 1
+        // says the sides differ.
+        if (const int code = client.LogInAndDownload(); code != 0)
+            return code == ToInt(ExitCode::Usage) ? kTrouble : code;
         client.Close();
         fetched = client.store();
     }

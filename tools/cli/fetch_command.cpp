@@ -1,6 +1,5 @@
 #include "tools/cli/cli_common.h"
 #include "tools/cli/commands.h"
-#include "tools/cli/password_input.h"
 #include "tools/cli/server_arguments.h"
 #include "tools/cli/server_client.h"
 
@@ -31,13 +30,8 @@ int RunFetch(const std::vector<std::string>& args) {
     if (!form) {
         return UnknownOutputForm(out);
     }
-    const PasswordResult password = ReadPassword({options.passwordFile, "LUMETH_PASSWORD"});
-    if (!password.password) {
-        return Error(ExitCode::Usage, password.status.failure().detail);
-    }
-
     ServerClient client(options);
-    if (const int code = client.LogInAndDownload(PasswordBytes(*password.password)); code != 0) {
+    if (const int code = client.LogInAndDownload(); code != 0) {
         return code;
     }
     client.Close();

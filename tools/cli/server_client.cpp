@@ -10,6 +10,7 @@
 #include "link/protocol.h"
 #include "model/store_diff.h"
 #include "tools/cli/cli_common.h"
+#include "tools/cli/password_input.h"
 #include "tools/cli/progress_line.h"
 
 namespace lumeth::cli {
@@ -304,6 +305,14 @@ int ServerClient::LogInAndDownload(const std::string& password) {
         return code;
     }
     return 0;
+}
+
+int ServerClient::LogInAndDownload() {
+    const PasswordResult password = ReadPassword({m_options.passwordFile, "LUMETH_PASSWORD"});
+    if (!password.password) {
+        return Error(ExitCode::Usage, password.status.failure().detail);
+    }
+    return LogInAndDownload(PasswordBytes(*password.password));
 }
 
 int ServerClient::ChangePassword(const std::string& newPassword) {

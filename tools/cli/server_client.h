@@ -73,6 +73,10 @@ public:
     int AwaitDownload();
     // Both of the above; the link is closed again when the download fails.
     int LogInAndDownload(const std::string& password);
+    // The same with the password --password-file, LUMETH_PASSWORD or the
+    // terminal gives; without one, a line saying how to give one and the
+    // usage exit code.
+    int LogInAndDownload();
     // Send the new password, then ask for everything again and wait until the
     // server module answers with the new password.
     int ChangePassword(const std::string& newPassword);
