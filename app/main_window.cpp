@@ -453,8 +453,8 @@ void MainWindow::KeepReplacedEdits(Part part) {
         return;
     m_arriving.remove(part);
     const PartSet one{part};
-    const bool edited = ChangedParts(m_arrived, m_mirror.uploadParts()).has(part);
-    const bool replaced = ChangedParts(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
+    const bool edited = DifferAsSent(m_arrived, m_mirror.uploadParts()).has(part);
+    const bool replaced = DifferAsSent(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
     if (!edited || !replaced)
         return;
     const UndoHistory& history = m_steps.history();
@@ -468,8 +468,7 @@ void MainWindow::KeepReplacedEdits(Part part) {
 }
 
 void MainWindow::RefreshUnapplied() {
-    const PanelSnapshot& held = m_mirror.uploadParts();
-    setUnappliedChanges(!ChangedParts(held, TakeSnapshot(m_store, &held)).empty());
+    setUnappliedChanges(!m_mirror.Unapplied(m_store).empty());
 }
 
 void MainWindow::OnLinkLost() {
@@ -632,12 +631,10 @@ void MainWindow::Apply() {
     m_send->setEnabled(true);
     RefreshEditMenu();
     // Sent only when the link stayed up for the whole upload.
-    if (connected && m_link.connected) {
-        m_unapplied = false;
+    if (connected && m_link.connected)
         m_mirror.Applied(m_store);
-    }
     statusBar()->showMessage(ApplyOutcome(connected, m_link.connected, sent));
-    RefreshProgress();
+    RefreshUnapplied();
 }
 
 void MainWindow::CancelEdits() {
@@ -650,7 +647,8 @@ void MainWindow::CancelEdits() {
     m_recovery->Discard();
     m_mirror.RequestedEverything();
     m_connection->RequestEverything();
-    setUnappliedChanges(false);
+    // The edits stay unapplied until the download has replaced them.
+    RefreshUnapplied();
 }
 
 void MainWindow::SaveAll() {
@@ -704,7 +702,7 @@ void MainWindow::LoadStopped(const QString& path, const PanelSnapshot& before,
                              const Failure& failure) {
     const QString shown = QDir::toNativeSeparators(path);
     m_mirror.LoadStopped(shown.toStdString(), before, m_store);
-    setUnappliedChanges(true);
+    RefreshUnapplied();
     // Stays until the next message: Apply asks about this load until it is replaced.
     statusBar()->showMessage("Could not load " + shown + ": " +
                              QString::fromStdString(failure.detail));

@@ -105,8 +105,8 @@ private:
     // are kept as an undo step.
     void KeepReplacedEdits(Part part);
     void OnLinkLost();
-    // "Unapplied changes" when the store differs from what the server
-    // module holds.
+    // "Unapplied changes" exactly when Review Changes lists something: the
+    // store differs, as sent, from what the server module holds.
     void RefreshUnapplied();
     void OnLoginFinished();
     void RefreshProgress();

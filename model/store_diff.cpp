@@ -11,6 +11,7 @@
 #include "model/limits.h"
 #include "model/number_text.h"
 #include "model/record_names.h"
+#include "model/same_as_sent.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
@@ -22,8 +23,19 @@ std::string Count(int n, const char* noun) {
     return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
 }
 
+// The records of a part an upload sends.
+int Sent(const DisplayListTable& t) {
+    return static_cast<int>(SentCount(t.displayListCount, t.displayLists));
+}
+int Sent(const UserGroupTable& t) {
+    return static_cast<int>(SentCount(t.userGroupCount, t.userGroupNames, t.userGroups));
+}
+int Sent(const TemplateTable& t) {
+    return static_cast<int>(SentCount(t.templateCount, t.templateNames, t.buttonTemplates));
+}
+
 std::vector<int16_t> Members(const std::vector<int16_t>& values, int16_t count) {
-    const size_t n = std::min(values.size(), static_cast<size_t>(ValidCount(count)));
+    const size_t n = SentCount(count, values);
     return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n)};
 }
 
@@ -39,18 +51,6 @@ public:
         return std::move(m_lines);
     }
 
-    // Whether upload part `p` holds a change.
-    bool Changes(Part p) {
-        m_lines.clear();
-        if (Info(p).kind == PartKind::DisplayLists)
-            DisplayLists(*Info(p).subType);
-        else if (p == Part::UserGroups)
-            UserGroups();
-        else if (p == Part::Templates)
-            Templates();
-        return !m_lines.empty();
-    }
-
 private:
     // Input Ch.0001 "MIC 1", or Input Ch.0001 alone without a name.
     std::string Channel(SubType s, int channel) const {
@@ -62,8 +62,8 @@ private:
     }
 
     void DisplayLists(SubType s) {
-        const int before = ValidCount(m_before.listCount(s));
-        const int after = ValidCount(m_after.listCount(s));
+        const int before = Sent(m_before.listTable(s));
+        const int after = Sent(m_after.listTable(s));
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 const DisplayList& list = RefAt(m_after.lists(s), i);
@@ -189,8 +189,8 @@ private:
     }
 
     void UserGroups() {
-        const int before = ValidCount(m_before.groups.userGroupCount);
-        const int after = ValidCount(m_after.groups.userGroupCount);
+        const int before = Sent(m_before.groups);
+        const int after = Sent(m_after.groups);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
@@ -260,15 +260,9 @@ private:
         return text;
     }
 
-    static bool SameButton(const PanelButton& a, const PanelButton& b) {
-        return a.type == b.type && a.channel == b.channel && a.channel2 == b.channel2 &&
-               a.captionOption == b.captionOption &&
-               AsSent(a.label, kLabelWidth) == AsSent(b.label, kLabelWidth);
-    }
-
     void Templates() {
-        const int before = ValidCount(m_before.templates.templateCount);
-        const int after = ValidCount(m_after.templates.templateCount);
+        const int before = Sent(m_before.templates);
+        const int after = Sent(m_after.templates);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(TemplateName(m_after, i) + " added");
@@ -297,17 +291,18 @@ private:
     // what the growth adds (or from a cleared one, as a button a template does
     // not hold reads).
     void Buttons(const std::string& name, const ButtonTemplate& was, const ButtonTemplate& now) {
-        const int held = ValidCount(was.buttonCount);
-        const int holds = ValidCount(now.buttonCount);
-        if (holds > held)
-            Add(name + ": grown from " + std::to_string(held) + " to " + Count(holds, "button"));
+        const int held = static_cast<int>(SentCount(was.buttonCount, was.buttons));
+        const int holds = static_cast<int>(SentCount(now.buttonCount, now.buttons));
+        if (holds != held)
+            Add(name + (holds > held ? ": grown from " : ": cut from ") + std::to_string(held) +
+                " to " + Count(holds, "button"));
         for (int k = 0; k < std::max(held, holds); ++k) {
             const PanelButton b = k < holds ? RefAt(now.buttons, k) : PanelButton::Cleared();
             if (k < held) {
                 const PanelButton& a = RefAt(was.buttons, k);
-                if (!SameButton(a, b))
+                if (!SameAsSent(a, b))
                     Add(ButtonLine(name, k, a, b));
-            } else if (!SameButton(PanelButton::Cleared(), b) && !SameButton(GrownButton(k), b)) {
+            } else if (!SameAsSent(PanelButton::Cleared(), b) && !SameAsSent(GrownButton(k), b)) {
                 Add(ButtonLine(name, k, GrownButton(k), b));
             }
         }
@@ -332,13 +327,7 @@ std::vector<std::string> DiffStores(const PanelStore& before, const PanelStore& 
 }
 
 PartSet DifferingParts(const PanelStore& before, const PanelStore& after) {
-    Differ differ(before, after);
-    PartSet parts;
-    ForEachPart(kUploadParts, [&](Part p) {
-        if (differ.Changes(p))
-            parts.add(p);
-    });
-    return parts;
+    return DifferAsSent(before, after);
 }
 
 } // namespace lumeth
