@@ -31,6 +31,7 @@
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "link/protocol.h"
+#include "model/store_counts.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/changes_dialog.h"
@@ -40,6 +41,7 @@
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/message_box.h"
+#include "ui/qt_text.h"
 #include "ui/setup_dialog.h"
 
 namespace lumeth {
@@ -50,6 +52,8 @@ constexpr int kStatusMessageMs = 6000;
 // The largest part of the status bar the progress panel takes; the rest is
 // the link panel and the message area.
 constexpr double kProgressPanelShare = 0.45;
+// The counts panel's largest share: it gives way to the link and progress.
+constexpr double kCountsPanelShare = 0.35;
 
 QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
                         const QString& tip = {}) {
@@ -300,6 +304,13 @@ void MainWindow::BuildStatusBar() {
     m_progressPanel->setObjectName("stbStatus_2");
     m_progressPanel->setProperty("controlArray", "stbStatus");
     m_progressPanel->setProperty("controlIndex", 2);
+    // The records the window holds, for the sub type shown (all of them in
+    // its tooltip); cut first when the bar is narrow.
+    m_countsPanel = new ElidedLabel(status, kCountsPanelShare);
+    m_countsPanel->setObjectName("lblCounts");
+    status->addPermanentWidget(m_countsPanel);
+    for (QRadioButton* button : m_views->subTypeButtons())
+        connect(button, &QRadioButton::toggled, this, &MainWindow::RefreshCounts);
     status->addPermanentWidget(m_linkPanel);
     status->addPermanentWidget(m_progressPanel);
     // A click on "Unapplied changes" reviews them.
@@ -498,6 +509,16 @@ void MainWindow::RefreshProgress() {
     const QString text = ProgressText();
     if (m_progressPanel->text() != text)
         m_progressPanel->setText(text);
+    RefreshCounts();
+}
+
+void MainWindow::RefreshCounts() {
+    const StoreCounts counts = CountRecords(m_store);
+    const SubType shown = SubTypeFromListCode(m_store.currentListType).value_or(SubType::Input);
+    const QString line = ToQt(CountsLine(counts, shown));
+    if (m_countsPanel->text() != line)
+        m_countsPanel->setText(line);
+    m_countsPanel->setToolTip(ToQt(CountsDetail(counts)));
 }
 
 void MainWindow::setUnappliedChanges(bool unapplied) {

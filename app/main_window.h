@@ -110,6 +110,8 @@ private:
     void RefreshUnapplied();
     void OnLoginFinished();
     void RefreshProgress();
+    // The counts panel follows the store and the sub type shown.
+    void RefreshCounts();
     void RefreshAfterPopup();
     void ShowListEditor();
     void ReportError(std::string_view location, std::string_view category, const Failure& failure);
@@ -145,6 +147,7 @@ private:
     QObject* m_popupSource = nullptr;
     QLabel* m_linkPanel = nullptr;
     QLabel* m_progressPanel = nullptr;
+    QLabel* m_countsPanel = nullptr;
     QTimer* m_progressTimer = nullptr;
     QPushButton* m_send = nullptr;
     LoginDialog* m_login = nullptr;

@@ -18,11 +18,6 @@ namespace lumeth {
 
 namespace {
 
-// "1 channel", "3 channels"
-std::string Count(int n, const char* noun) {
-    return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
-}
-
 // The records of a part an upload sends.
 int Sent(const DisplayListTable& t) {
     return static_cast<int>(SentCount(t.displayListCount, t.displayLists));
@@ -68,7 +63,7 @@ private:
             if (i >= before) {
                 const DisplayList& list = RefAt(m_after.lists(s), i);
                 Add(ListName(m_after, s, i) + " added (" +
-                    Count(ValidCount(list.channelCount), "channel") + ")");
+                    Counted(ValidCount(list.channelCount), "channel") + ")");
                 continue;
             }
             if (i >= after) {
@@ -194,8 +189,8 @@ private:
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
-                    Count(static_cast<int>(Entries(RefAt(m_after.groups.userGroups, i)).size()),
-                          "list") +
+                    Counted(static_cast<int>(Entries(RefAt(m_after.groups.userGroups, i)).size()),
+                            "list") +
                     ")");
                 continue;
             }
@@ -295,7 +290,7 @@ private:
         const int holds = static_cast<int>(SentCount(now.buttonCount, now.buttons));
         if (holds != held)
             Add(name + (holds > held ? ": grown from " : ": cut from ") + std::to_string(held) +
-                " to " + Count(holds, "button"));
+                " to " + Counted(holds, "button"));
         for (int k = 0; k < std::max(held, holds); ++k) {
             const PanelButton b = k < holds ? RefAt(now.buttons, k) : PanelButton::Cleared();
             if (k < held) {
