@@ -419,10 +419,7 @@ void MainWindow::OnPartArriving(Part part) {
     // An open editor's pending changes are part of what the download replaces.
     if (m_listEditor)
         m_listEditor->PartArriving(part);
-    if (!kUploadParts.has(part) || m_arriving.has(part))
-        return;
-    CopyParts(TakeSnapshot(m_store, &m_steps.base()), PartSet{part}, m_arrived);
-    m_arriving.add(part);
+    m_steps.Arriving(part, m_store);
 }
 
 void MainWindow::OnPartReceived(Part part) {
@@ -460,20 +457,8 @@ void MainWindow::OnPartReceived(Part part) {
 }
 
 void MainWindow::KeepReplacedEdits(Part part) {
-    if (!m_arriving.has(part))
+    if (!m_steps.Arrived(part, m_store, m_mirror.uploadParts()))
         return;
-    m_arriving.remove(part);
-    const PartSet one{part};
-    const bool edited = DifferAsSent(m_arrived, m_mirror.uploadParts()).has(part);
-    const bool replaced = DifferAsSent(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
-    if (!edited || !replaced)
-        return;
-    const UndoHistory& history = m_steps.history();
-    const bool sameDownload =
-        m_downloadStep && !history.canRedo() && history.undoDepth() == m_downloadDepth;
-    m_steps.RecordDownload(m_arrived, one, sameDownload, m_store);
-    m_downloadStep = true;
-    m_downloadDepth = history.undoDepth();
     RefreshEditMenu();
     statusBar()->showMessage(kReplacedText);
 }
@@ -662,8 +647,7 @@ void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
     m_steps.RecordFrom(TakeSnapshot(m_store, &m_steps.base()), m_store);
     // The parts the download replaces join this step.
-    m_downloadStep = true;
-    m_downloadDepth = m_steps.history().undoDepth();
+    m_steps.StartDownloadStep();
     RefreshEditMenu();
     m_recovery->Discard();
     m_mirror.RequestedEverything();
@@ -742,7 +726,7 @@ void MainWindow::ShowAbout() {
 void MainWindow::OnLinkConnected() {
     m_mirror.LinkUp();
     m_linkLost = false;
-    m_downloadStep = false;
+    m_steps.EndDownloadStep();
     RefreshProgress();
 }
 
@@ -809,8 +793,6 @@ void MainWindow::WriteApplyBackup() {
 void MainWindow::RecordStep() {
     if (!m_steps.Record(m_store))
         return;
-    m_downloadStep = false;
-    m_arriving = {};
     RefreshEditMenu();
 }
 
@@ -826,8 +808,6 @@ void MainWindow::Redo() {
 
 void MainWindow::AfterRestore() {
     m_mirror.Restored(m_store);
-    m_downloadStep = false;
-    m_arriving = {};
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

@@ -168,15 +168,6 @@ private:
     QAction* m_redo = nullptr;
     ChangesDialog* m_changes = nullptr;
     bool m_applying = false;
-    // Each part of m_arriving as the download writing it found it (an answer
-    // that fails its checks writes into the store too: the one after it
-    // still replaces what the operator had).
-    PanelSnapshot m_arrived;
-    PartSet m_arriving;
-    // The last undo step is the current download's (at this depth): further
-    // parts it replaces join that step.
-    bool m_downloadStep = false;
-    size_t m_downloadDepth = 0;
     // The link went down and has not come back.
     bool m_linkLost = false;
     bool m_shutDown = false;
