@@ -10,7 +10,6 @@
 #include <QTest>
 
 #include <cstring>
-#include <functional>
 #include <memory>
 
 #include "app/main_window.h"
@@ -27,35 +26,18 @@
 
 using namespace lumeth;
 
-namespace {
-
 constexpr int kScale = 2;
-
-// A window's extent beside the screen's available area, for the failure text.
-QString Describe(const QString& what, QSize size, QRect available) {
-    return QString("%1 %2x%3 on %4x%5 available")
-        .arg(what)
-        .arg(size.width())
-        .arg(size.height())
-        .arg(available.width())
-        .arg(available.height());
-}
-
-} // namespace
 
 class ScaleFitTest : public QObject {
     Q_OBJECT
     QTemporaryDir m_home;
     std::unique_ptr<MainWindow> m_window;
-    std::unique_ptr<ChannelListModels> m_models;
+    ChannelListModels m_models;
     std::string m_address;
-
-    ErrorReporter Reporter() {
-        return [](std::string_view, std::string_view, const Failure&) {};
-    }
 
     std::unique_ptr<QWidget> Make(const QString& name) {
         MainWindow& w = *m_window;
+        const ErrorReporter ignore = [](std::string_view, std::string_view, const Failure&) {};
         if (name == "frmLogin")
             return std::make_unique<LoginDialog>(w.link(), w.connection(), m_address, &w);
         if (name == "frmSetup")
@@ -64,31 +46,37 @@ class ScaleFitTest : public QObject {
         if (name == "frmAbout")
             return std::make_unique<AboutDialog>(w.link(), &w);
         if (name == "frmDisplayListView")
-            return std::make_unique<DisplayListEditor>(w.store(), w.folder(), Reporter(), &w);
+            return std::make_unique<DisplayListEditor>(w.store(), w.folder(), ignore, &w);
         if (name == "frmButtons")
-            return std::make_unique<ButtonEditor>(w.store(), *m_models, Reporter(), w.folder(), &w);
+            return std::make_unique<ButtonEditor>(w.store(), m_models, ignore, w.folder(), &w);
         if (name == "frmDuplicateDisplayList")
-            return std::make_unique<DuplicateDisplayListDialog>(w.store(), Reporter(), &w);
+            return std::make_unique<DuplicateDisplayListDialog>(w.store(), ignore, &w);
         if (name == "frmDuplicateTemplate")
-            return std::make_unique<DuplicateTemplateDialog>(w.store(), Reporter(), &w);
+            return std::make_unique<DuplicateTemplateDialog>(w.store(), ignore, &w);
         auto changes = std::make_unique<ChangesDialog>(&w);
         changes->setLines({std::string(200, 'x'), "Gr.001 \"Studio A\" renamed to \"Studio B\""});
         return changes;
     }
 
+    // The frame, and the window at its minimum size and at its size hint
+    // with the same frame, lie within the screen's available area.
     static void CheckFits(QWidget* window) {
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
         const QRect available = window->screen()->availableGeometry();
         const QRect frame = window->frameGeometry();
         const QSize margins = frame.size() - window->size();
-        QVERIFY2(available.contains(frame), qPrintable(Describe("frame", frame.size(), available)));
-        const QSize minimum = window->minimumSize().expandedTo(window->minimumSizeHint()) + margins;
-        QVERIFY2(minimum.width() <= available.width() && minimum.height() <= available.height(),
-                 qPrintable(Describe("minimum", minimum, available)));
-        const QSize hint = window->sizeHint() + margins;
-        QVERIFY2(hint.width() <= available.width() && hint.height() <= available.height(),
-                 qPrintable(Describe("size hint", hint, available)));
+        QVERIFY2(available.contains(frame), "frame");
+        for (const QSize size :
+             {window->minimumSize().expandedTo(window->minimumSizeHint()), window->sizeHint()}) {
+            const QSize framed = size + margins;
+            QVERIFY2(framed.width() <= available.width() && framed.height() <= available.height(),
+                     qPrintable(QString("%1x%2 on %3x%4 available")
+                                    .arg(framed.width())
+                                    .arg(framed.height())
+                                    .arg(available.width())
+                                    .arg(available.height())));
+        }
     }
 
 private slots:
@@ -96,10 +84,8 @@ private slots:
         QCOMPARE(qApp->devicePixelRatio(), qreal(kScale));
         m_window = std::make_unique<MainWindow>((m_home.path() + "/").toStdString());
         m_window->store().ResetToDefaults();
-        m_models = std::make_unique<ChannelListModels>();
+        CheckFits(m_window.get());
     }
-
-    void mainWindowFits() { CheckFits(m_window.get()); }
 
     void dialogFits_data() {
         QTest::addColumn<QString>("name");
@@ -113,10 +99,7 @@ private slots:
         const std::unique_ptr<QWidget> window = Make(name);
         window->setWindowFlag(Qt::Window);
         CheckFits(window.get());
-        window->hide();
     }
-
-    void cleanupTestCase() { m_window->hide(); }
 };
 
 // `--screen WxH`: an offscreen screen of that many device-independent pixels
