@@ -74,8 +74,8 @@ public:
     // Marks the store as changed locally (file load, edit) until Apply sends it.
     void setUnappliedChanges(bool unapplied);
     bool hasUnappliedChanges() const { return m_unapplied; }
-    // The report of Review Changes: how the store differs from what was last
-    // received; empty for no difference.
+    // The report of Review Changes: how the store differs from each part as
+    // last received or applied; empty exactly when nothing is unapplied.
     std::vector<std::string> ChangeLines() const;
     // The configuration as last received in full from the server module.
     const std::optional<PanelStore>& received() const { return m_mirror.full(); }
