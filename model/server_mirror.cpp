@@ -94,7 +94,7 @@ void ServerMirror::LoadStopped(std::string file, const PanelSnapshot& before,
 }
 
 PartSet ServerMirror::Unconfirmed(const PanelStore& now) const {
-    return kUploadParts - (m_held | ChangedParts(m_uploads, TakeSnapshot(now, &m_uploads)));
+    return kUploadParts - (m_held | Unapplied(now));
 }
 
 PartSet ServerMirror::Unapplied(const PanelStore& now) const {

@@ -65,7 +65,7 @@ public:
     const PanelSnapshot& uploadParts() const { return m_uploads; }
     // The upload parts Apply would send over what the server module holds
     // without their having been received, loaded or edited: an edit is a
-    // part of `now` that differs from uploadParts().
+    // part of `now` that differs from uploadParts() as sent (Unapplied).
     PartSet Unconfirmed(const PanelStore& now) const;
     // The configuration as last received in full (all eleven parts since a
     // request for everything) or applied; none before that.
