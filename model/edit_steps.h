@@ -18,13 +18,6 @@ public:
     // Record a step that started from `before` (even when the store now
     // equals it: a download that replaced local edits is undone to them).
     void RecordFrom(PanelSnapshot before, const PanelStore& store);
-    // A download replaced `parts` of the store, which held edits not yet
-    // applied; `arrived` is the store as the download found it. Undoing the
-    // step puts those parts back as they were in `arrived`. With
-    // `extendLast` the parts join the last step (the same download replacing
-    // a further part), so that one undo brings all of the edits back.
-    void RecordDownload(const PanelSnapshot& arrived, PartSet parts, bool extendLast,
-                        const PanelStore& store);
     // The store changed without a step of its own (a download): later steps
     // start from it.
     void Rebase(const PanelStore& store) { m_base = TakeSnapshot(store, &m_base); }
@@ -44,7 +37,7 @@ public:
     // `part` arrived and `store` now holds it; `held` is each part as the
     // server module was last known to hold it. When the part as found held
     // edits not yet applied and the download replaced them, they become an
-    // undo step (RecordDownload), joined by the further parts of the same
+    // undo step, joined by the further parts of the same
     // download; true then.
     bool Arrived(Part part, const PanelStore& store, const PanelSnapshot& held);
     // The download about to start replaces the last step's edits: the parts
@@ -59,6 +52,13 @@ public:
     const UndoHistory& history() const { return m_history; }
 
 private:
+    // A download replaced `parts` of the store, which held edits not yet
+    // applied; `arrived` is the store as the download found it. Undoing the
+    // step puts those parts back as they were in `arrived`. With
+    // `extendLast` the parts join the last step (the same download replacing
+    // a further part), so that one undo brings all of the edits back.
+    void RecordDownload(const PanelSnapshot& arrived, PartSet parts, bool extendLast,
+                        const PanelStore& store);
     // A step, undo or redo: no download in progress joins an earlier step.
     void EndDownloads();
 
