@@ -37,8 +37,7 @@ public:
     // `part` arrived and `store` now holds it; `held` is each part as the
     // server module was last known to hold it. When the part as found held
     // edits not yet applied and the download replaced them, they become an
-    // undo step, joined by the further parts of the same
-    // download; true then.
+    // undo step, joined by the further parts of the same download; true then.
     bool Arrived(Part part, const PanelStore& store, const PanelSnapshot& held);
     // The download about to start replaces the last step's edits: the parts
     // it replaces join that step.
