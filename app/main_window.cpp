@@ -32,6 +32,7 @@
 #include "files/panel_data_file.h"
 #include "link/connection.h"
 #include "link/protocol.h"
+#include "model/store_counts.h"
 #include "ui/about_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/changes_dialog.h"
@@ -41,6 +42,7 @@
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/message_box.h"
+#include "ui/qt_text.h"
 #include "ui/setup_dialog.h"
 
 namespace lumeth {
@@ -50,6 +52,8 @@ namespace {
 // The largest part of the status bar the progress panel takes; the rest is
 // the link panel and the message area.
 constexpr double kProgressPanelShare = 0.45;
+// The counts panel's largest share: it gives way to the link and progress.
+constexpr double kCountsPanelShare = 0.35;
 
 QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
                         const QString& tip = {}) {
@@ -307,6 +311,13 @@ void MainWindow::BuildStatusBar() {
     m_progressPanel->setObjectName("stbStatus_2");
     m_progressPanel->setProperty("controlArray", "stbStatus");
     m_progressPanel->setProperty("controlIndex", 2);
+    // The records the window holds, for the sub type shown (all of them in
+    // its tooltip); cut first when the bar is narrow.
+    m_countsPanel = new ElidedLabel(status, kCountsPanelShare);
+    m_countsPanel->setObjectName("lblCounts");
+    status->addPermanentWidget(m_countsPanel);
+    for (QRadioButton* button : m_views->subTypeButtons())
+        connect(button, &QRadioButton::toggled, this, &MainWindow::RefreshCounts);
     status->addPermanentWidget(m_linkPanel);
     status->addPermanentWidget(m_progressPanel);
     // A click on "Unapplied changes" reviews them.
@@ -415,10 +426,7 @@ void MainWindow::OnPartArriving(Part part) {
     // An open editor's pending changes are part of what the download replaces.
     if (m_listEditor)
         m_listEditor->PartArriving(part);
-    if (!kUploadParts.has(part) || m_arriving.has(part))
-        return;
-    CopyParts(TakeSnapshot(m_store, &m_steps.base()), PartSet{part}, m_arrived);
-    m_arriving.add(part);
+    m_steps.Arriving(part, m_store);
 }
 
 void MainWindow::OnPartReceived(Part part) {
@@ -456,27 +464,14 @@ void MainWindow::OnPartReceived(Part part) {
 }
 
 void MainWindow::KeepReplacedEdits(Part part) {
-    if (!m_arriving.has(part))
+    if (!m_steps.Arrived(part, m_store, m_mirror.uploadParts()))
         return;
-    m_arriving.remove(part);
-    const PartSet one{part};
-    const bool edited = ChangedParts(m_arrived, m_mirror.uploadParts()).has(part);
-    const bool replaced = ChangedParts(m_arrived, TakeSnapshot(m_store, &m_arrived)).has(part);
-    if (!edited || !replaced)
-        return;
-    const UndoHistory& history = m_steps.history();
-    const bool sameDownload =
-        m_downloadStep && !history.canRedo() && history.undoDepth() == m_downloadDepth;
-    m_steps.RecordDownload(m_arrived, one, sameDownload, m_store);
-    m_downloadStep = true;
-    m_downloadDepth = history.undoDepth();
     RefreshEditMenu();
     statusBar()->showMessage(kReplacedText);
 }
 
 void MainWindow::RefreshUnapplied() {
-    const PanelSnapshot& held = m_mirror.uploadParts();
-    setUnappliedChanges(!ChangedParts(held, TakeSnapshot(m_store, &held)).empty());
+    setUnappliedChanges(!m_mirror.Unapplied(m_store).empty());
 }
 
 void MainWindow::OnLinkLost() {
@@ -506,6 +501,16 @@ void MainWindow::RefreshProgress() {
     const QString text = ProgressText();
     if (m_progressPanel->text() != text)
         m_progressPanel->setText(text);
+    RefreshCounts();
+}
+
+void MainWindow::RefreshCounts() {
+    const StoreCounts counts = CountRecords(m_store);
+    const SubType shown = SubTypeFromListCode(m_store.currentListType).value_or(SubType::Input);
+    const QString line = ToQt(CountsLine(counts, shown));
+    if (m_countsPanel->text() != line)
+        m_countsPanel->setText(line);
+    m_countsPanel->setToolTip(ToQt(CountsDetail(counts)));
 }
 
 void MainWindow::setUnappliedChanges(bool unapplied) {
@@ -641,25 +646,23 @@ void MainWindow::Apply() {
     m_send->setEnabled(true);
     RefreshEditMenu();
     // Sent only when the link stayed up for the whole upload.
-    if (connected && m_link.connected) {
-        m_unapplied = false;
+    if (connected && m_link.connected)
         m_mirror.Applied(m_store);
-    }
     statusBar()->showMessage(ApplyOutcome(connected, m_link.connected, sent));
-    RefreshProgress();
+    RefreshUnapplied();
 }
 
 void MainWindow::CancelEdits() {
     // The download replaces the local edits: one step, undone to the edits.
     m_steps.RecordFrom(TakeSnapshot(m_store, &m_steps.base()), m_store);
     // The parts the download replaces join this step.
-    m_downloadStep = true;
-    m_downloadDepth = m_steps.history().undoDepth();
+    m_steps.StartDownloadStep();
     RefreshEditMenu();
     m_recovery->Discard();
     m_mirror.RequestedEverything();
     m_connection->RequestEverything();
-    setUnappliedChanges(false);
+    // The edits stay unapplied until the download has replaced them.
+    RefreshUnapplied();
 }
 
 void MainWindow::SaveAll() {
@@ -719,7 +722,7 @@ void MainWindow::LoadStopped(const QString& path, const PanelSnapshot& before,
                              const Failure& failure) {
     const QString shown = QDir::toNativeSeparators(path);
     m_mirror.LoadStopped(shown.toStdString(), before, m_store);
-    setUnappliedChanges(true);
+    RefreshUnapplied();
     // Stays until the next message: Apply asks about this load until it is replaced.
     statusBar()->showMessage("Could not load " + shown + ": " +
                              QString::fromStdString(failure.detail));
@@ -738,7 +741,7 @@ void MainWindow::ShowAbout() {
 void MainWindow::OnLinkConnected() {
     m_mirror.LinkUp();
     m_linkLost = false;
-    m_downloadStep = false;
+    m_steps.EndDownloadStep();
     RefreshProgress();
 }
 
@@ -805,8 +808,6 @@ void MainWindow::WriteApplyBackup(const PanelStore* held) {
 void MainWindow::RecordStep() {
     if (!m_steps.Record(m_store))
         return;
-    m_downloadStep = false;
-    m_arriving = {};
     RefreshEditMenu();
 }
 
@@ -822,8 +823,6 @@ void MainWindow::Redo() {
 
 void MainWindow::AfterRestore() {
     m_mirror.Restored(m_store);
-    m_downloadStep = false;
-    m_arriving = {};
     m_views->DisplayUserGroups();
     m_views->ShowGroupData(m_store.currentUserGroup);
     m_views->ShowDisplayListData(m_store.currentList);

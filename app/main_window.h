@@ -89,8 +89,8 @@ public:
     // Marks the store as changed locally (file load, edit) until Apply sends it.
     void setUnappliedChanges(bool unapplied);
     bool hasUnappliedChanges() const { return m_unapplied; }
-    // The report of Review Changes: how the store differs from what was last
-    // received; empty for no difference.
+    // The report of Review Changes: how the store differs from each part as
+    // last received or applied; empty exactly when nothing is unapplied.
     std::vector<std::string> ChangeLines() const;
     // The configuration as last received in full from the server module.
     const std::optional<PanelStore>& received() const { return m_mirror.full(); }
@@ -124,11 +124,13 @@ private:
     // are kept as an undo step.
     void KeepReplacedEdits(Part part);
     void OnLinkLost();
-    // "Unapplied changes" when the store differs from what the server
-    // module holds.
+    // "Unapplied changes" exactly when Review Changes lists something: the
+    // store differs, as sent, from what the server module holds.
     void RefreshUnapplied();
     void OnLoginFinished();
     void RefreshProgress();
+    // The counts panel follows the store and the sub type shown.
+    void RefreshCounts();
     void RefreshAfterPopup();
     void ShowListEditor();
     void BuildWhereUsed();
@@ -169,6 +171,7 @@ private:
     QObject* m_popupSource = nullptr;
     QLabel* m_linkPanel = nullptr;
     QLabel* m_progressPanel = nullptr;
+    QLabel* m_countsPanel = nullptr;
     QTimer* m_progressTimer = nullptr;
     QPushButton* m_send = nullptr;
     LoginDialog* m_login = nullptr;
@@ -190,15 +193,6 @@ private:
     ChangesDialog* m_changes = nullptr;
     SafeApply* m_safeApply = nullptr;
     bool m_applying = false;
-    // Each part of m_arriving as the download writing it found it (an answer
-    // that fails its checks writes into the store too: the one after it
-    // still replaces what the operator had).
-    PanelSnapshot m_arrived;
-    PartSet m_arriving;
-    // The last undo step is the current download's (at this depth): further
-    // parts it replaces join that step.
-    bool m_downloadStep = false;
-    size_t m_downloadDepth = 0;
     // The link went down and has not come back.
     bool m_linkLost = false;
     bool m_shutDown = false;

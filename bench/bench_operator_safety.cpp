@@ -1,7 +1,7 @@
 // The operator's safety net on the emulator's generated configurations:
-// Review Changes and `lumeth-cli diff` between "max" and a copy with 100
-// scattered edits, one undo step on "large", a download over unapplied edits
-// of "large" kept as one undo step, the memory 50 steps hold, and keeping the
+// Review Changes, the unapplied indicator and `lumeth-cli diff` between "max"
+// and a copy with 100 scattered edits, one undo step on "large", a download
+// over unapplied edits of "large" kept as one undo step, the memory 50 steps hold, and keeping the
 // unapplied edits of "max" in the recovery file.
 #include <benchmark/benchmark.h>
 
@@ -16,9 +16,10 @@
 #include "app/main_window.h"
 #include "bench/max_configuration.h"
 #include "files/panel_data_file.h"
-#include "link/connection.h"
 #include "files/recovery_file.h"
+#include "link/connection.h"
 #include "model/kept_edits.h"
+#include "model/server_mirror.h"
 #include "model/store_diff.h"
 #include "model/undo_history.h"
 #include "ui/changes_dialog.h"
@@ -49,12 +50,14 @@ PanelStore Edited(PanelStore store) {
             break;
         case 3: { // a button's label
             ButtonTemplate& t =
-                store.templates.buttonTemplates[static_cast<size_t>((k * 13) % store.templates.templateCount)];
+                store.templates
+                    .buttonTemplates[static_cast<size_t>((k * 13) % store.templates.templateCount)];
             t.buttons[static_cast<size_t>(k % std::max<int>(t.buttonCount, 1))].label = "NEW";
             break;
         }
         case 4: { // a list added to a group
-            UserGroup& g = store.groups.userGroups[static_cast<size_t>((k * 7) % store.groups.userGroupCount)];
+            UserGroup& g =
+                store.groups.userGroups[static_cast<size_t>((k * 7) % store.groups.userGroupCount)];
             g.listIndexes.resize(size_t(g.listCount));
             g.listTypes.resize(size_t(g.listCount));
             g.listIndexes.push_back(static_cast<int16_t>(k % lists));
@@ -92,6 +95,20 @@ void BM_DiffMaxWith100Edits(benchmark::State& state) {
     state.counters["lines"] = double(lines);
 }
 BENCHMARK(BM_DiffMaxWith100Edits)->Unit(benchmark::kMillisecond);
+
+// The unapplied indicator after a step on "max": which parts differ, as sent,
+// from what the server module holds (the same comparison as Review's report).
+void BM_UnappliedMaxWith100Edits(benchmark::State& state) {
+    const MaxPair& pair = Max();
+    ServerMirror mirror(pair.before);
+    size_t parts = 0;
+    for (auto _ : state) {
+        parts = static_cast<size_t>(mirror.Unapplied(pair.after).size());
+        benchmark::DoNotOptimize(parts);
+    }
+    state.counters["parts"] = double(parts);
+}
+BENCHMARK(BM_UnappliedMaxWith100Edits)->Unit(benchmark::kMillisecond);
 
 // `lumeth-cli diff A.dat B.dat`: both files decoded, then the report.
 void BM_DiffCommandMaxFiles(benchmark::State& state) {

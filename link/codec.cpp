@@ -5,6 +5,7 @@
 #include "link/protocol.h"
 #include "link/wire.h"
 #include "model/limits.h"
+#include "model/same_as_sent.h"
 
 namespace lumeth::codec {
 
@@ -15,12 +16,10 @@ void AppendByte(std::string& out, int value) {
     out.push_back(static_cast<char>(value & 0xFF));
 }
 
-// How many entries of a parallel set of arrays may be sent: the count field,
-// but never more than the shortest array holds (a count that ran ahead of its
-// arrays must not make a builder read past them) nor a 14-bit field can say.
+// How many entries of a parallel set of arrays may be sent (a count that ran
+// ahead of its arrays must not make a builder read past them).
 template <typename... Arrays> size_t Usable(int count, const Arrays&... arrays) {
-    return std::min(
-        {static_cast<size_t>(ValidCount(count)), static_cast<size_t>(kMax14Bit), arrays.size()...});
+    return SentCount(count, arrays...);
 }
 
 // A stored 14-bit value: appended masked, and the first one outside the field

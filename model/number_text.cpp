@@ -40,4 +40,8 @@ std::string ZeroPadded(int value, int width) {
     return digits;
 }
 
+std::string Counted(int n, std::string_view noun) {
+    return std::to_string(n) + " " + std::string(noun) + (n == 1 ? "" : "s");
+}
+
 } // namespace lumeth

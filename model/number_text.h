@@ -16,4 +16,7 @@ int32_t LeadingNumber(std::string_view text);
 // writes it (ZeroPadded(7, 3) is "007"); a wider number keeps all its digits.
 std::string ZeroPadded(int value, int width);
 
+// "1 channel", "3 channels": `n` and `noun`, with an "s" unless n is 1.
+std::string Counted(int n, std::string_view noun);
+
 } // namespace lumeth

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "model/same_as_sent.h"
+
 namespace lumeth {
 
 namespace {
@@ -23,16 +25,6 @@ bool SamePart(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>&
 
 int16_t Inside(int16_t value, int count) {
     return static_cast<int16_t>(std::clamp<int>(value, 0, std::max(count - 1, 0)));
-}
-
-// What Apply sends of the groups and templates: the index arrays stay local.
-bool SameSent(const UserGroupTable& a, const UserGroupTable& b) {
-    return a.userGroupCount == b.userGroupCount && a.userGroupNames == b.userGroupNames &&
-           a.userGroups == b.userGroups;
-}
-bool SameSent(const TemplateTable& a, const TemplateTable& b) {
-    return a.templateCount == b.templateCount && a.templateNames == b.templateNames &&
-           a.buttonTemplates == b.buttonTemplates;
 }
 
 } // namespace
@@ -79,15 +71,23 @@ void RestoreSnapshot(const PanelSnapshot& snapshot, PanelStore& store) {
 }
 
 PartSet ChangedParts(const PanelStore& a, const PanelStore& b) {
-    PartSet changed;
+    return DifferAsSent(a, b);
+}
+
+PartSet DifferAsSent(const PanelSnapshot& a, const PanelSnapshot& b) {
+    // Shared parts are the same; the others are compared as sent.
+    const auto differ = [](const auto& x, const auto& y) {
+        return x != y && (!x || !y || !SameAsSent(*x, *y));
+    };
+    PartSet parts;
     for (SubType s : kAllSubTypes)
-        if (a.listTable(s) != b.listTable(s))
-            changed.add(ListsPart(s));
-    if (!SameSent(a.groups, b.groups))
-        changed.add(Part::UserGroups);
-    if (!SameSent(a.templates, b.templates))
-        changed.add(Part::Templates);
-    return changed;
+        if (differ(a.lists[Index(s)], b.lists[Index(s)]))
+            parts.add(ListsPart(s));
+    if (differ(a.groups, b.groups))
+        parts.add(Part::UserGroups);
+    if (differ(a.templates, b.templates))
+        parts.add(Part::Templates);
+    return parts;
 }
 
 PartSet ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b) {

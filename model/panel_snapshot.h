@@ -32,8 +32,13 @@ void RestoreParts(const PanelSnapshot& snapshot, PartSet parts, PanelStore& stor
 // Make the parts of `parts` (upload parts) of `to` those of `from`.
 void CopyParts(const PanelSnapshot& from, PartSet parts, PanelSnapshot& to);
 
-// The upload parts whose content differs between `a` and `b`.
+// The upload parts that differ between `a` and `b` as the server module would
+// get them (DifferAsSent of model/same_as_sent.h).
 PartSet ChangedParts(const PanelStore& a, const PanelStore& b);
+// The same for snapshots.
+PartSet DifferAsSent(const PanelSnapshot& a, const PanelSnapshot& b);
+// The upload parts whose content differs at all (names with their blanks,
+// entries past the counts): what an undo step must keep apart.
 PartSet ChangedParts(const PanelSnapshot& a, const PanelSnapshot& b);
 
 } // namespace lumeth

@@ -102,13 +102,20 @@ void ServerMirror::LoadStopped(std::string file, const PanelSnapshot& before,
 }
 
 PartSet ServerMirror::Unconfirmed(const PanelStore& now) const {
-    return kUploadParts - (m_held | ChangedParts(m_uploads, TakeSnapshot(now, &m_uploads)));
+    return kUploadParts - (m_held | Unapplied(now));
+}
+
+PartSet ServerMirror::Unapplied(const PanelStore& now) const {
+    return DifferAsSent(m_uploads, TakeSnapshot(now, &m_uploads));
 }
 
 std::vector<std::string> ServerMirror::ChangeLines(const PanelStore& now) const {
-    if (!m_full)
-        return {"The configuration has not yet been received in full from the server module."};
-    return DiffStores(*m_full, now);
+    PanelStore held = now;
+    RestoreParts(m_uploads, kUploadParts, held);
+    std::vector<std::string> lines = DiffStores(held, now);
+    if (!m_full && !lines.empty())
+        lines.insert(lines.begin(), kNotReceivedInFullLine);
+    return lines;
 }
 
 void ServerMirror::RestoreReceived(PanelStore& store, std::string& password) const {

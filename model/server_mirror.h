@@ -13,6 +13,12 @@
 
 namespace lumeth {
 
+// The first line of the change report while the configuration has not been
+// received in full.
+inline constexpr const char* kNotReceivedInFullLine =
+    "The configuration has not yet been received in full from the server module: each part is "
+    "compared with what was last received or applied of it (an empty part if nothing was).";
+
 // What this program knows the server module holds: which parts have arrived
 // since the last request for everything, which the server module is known to
 // hold (received since the link came up, applied, or replaced by a loaded
@@ -62,13 +68,18 @@ public:
     const PanelSnapshot& uploadParts() const { return m_uploads; }
     // The upload parts Apply would send over what the server module holds
     // without their having been received, loaded or edited: an edit is a
-    // part of `now` that differs from uploadParts().
+    // part of `now` that differs from uploadParts() as sent (Unapplied).
     PartSet Unconfirmed(const PanelStore& now) const;
     // The configuration as last received in full (all eleven parts since a
     // request for everything) or applied; none before that.
     const std::optional<PanelStore>& full() const { return m_full; }
-    // How `now` differs from full(), one line per change (none: no
-    // difference), or one line saying nothing has been received in full.
+    // The upload parts Apply would change on the server module: those of
+    // `now` that differ, as sent, from uploadParts(). "Unapplied changes"
+    // shows exactly when this is not empty.
+    PartSet Unapplied(const PanelStore& now) const;
+    // How `now` differs from uploadParts(), one line per change: empty
+    // exactly when Unapplied() is. Before the configuration has been received
+    // in full, a first line says what the parts are compared with.
     std::vector<std::string> ChangeLines(const PanelStore& now) const;
 
     // Put every part received since the last request for everything back

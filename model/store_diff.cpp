@@ -11,19 +11,26 @@
 #include "model/limits.h"
 #include "model/number_text.h"
 #include "model/record_names.h"
+#include "model/same_as_sent.h"
 #include "model/view_keys.h"
 
 namespace lumeth {
 
 namespace {
 
-// "1 channel", "3 channels"
-std::string Count(int n, const char* noun) {
-    return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
+// The records of a part an upload sends.
+int Sent(const DisplayListTable& t) {
+    return static_cast<int>(SentCount(t.displayListCount, t.displayLists));
+}
+int Sent(const UserGroupTable& t) {
+    return static_cast<int>(SentCount(t.userGroupCount, t.userGroupNames, t.userGroups));
+}
+int Sent(const TemplateTable& t) {
+    return static_cast<int>(SentCount(t.templateCount, t.templateNames, t.buttonTemplates));
 }
 
 std::vector<int16_t> Members(const std::vector<int16_t>& values, int16_t count) {
-    const size_t n = std::min(values.size(), static_cast<size_t>(ValidCount(count)));
+    const size_t n = SentCount(count, values);
     return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(n)};
 }
 
@@ -62,13 +69,13 @@ private:
     }
 
     void DisplayLists(SubType s) {
-        const int before = ValidCount(m_before.listCount(s));
-        const int after = ValidCount(m_after.listCount(s));
+        const int before = Sent(m_before.listTable(s));
+        const int after = Sent(m_after.listTable(s));
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 const DisplayList& list = RefAt(m_after.lists(s), i);
                 Add(ListName(m_after, s, i) + " added (" +
-                    Count(ValidCount(list.channelCount), "channel") + ")");
+                    Counted(ValidCount(list.channelCount), "channel") + ")");
                 continue;
             }
             if (i >= after) {
@@ -189,13 +196,13 @@ private:
     }
 
     void UserGroups() {
-        const int before = ValidCount(m_before.groups.userGroupCount);
-        const int after = ValidCount(m_after.groups.userGroupCount);
+        const int before = Sent(m_before.groups);
+        const int after = Sent(m_after.groups);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(GroupName(m_after, i) + " added (" +
-                    Count(static_cast<int>(Entries(RefAt(m_after.groups.userGroups, i)).size()),
-                          "list") +
+                    Counted(static_cast<int>(Entries(RefAt(m_after.groups.userGroups, i)).size()),
+                            "list") +
                     ")");
                 continue;
             }
@@ -260,15 +267,9 @@ private:
         return text;
     }
 
-    static bool SameButton(const PanelButton& a, const PanelButton& b) {
-        return a.type == b.type && a.channel == b.channel && a.channel2 == b.channel2 &&
-               a.captionOption == b.captionOption &&
-               AsSent(a.label, kLabelWidth) == AsSent(b.label, kLabelWidth);
-    }
-
     void Templates() {
-        const int before = ValidCount(m_before.templates.templateCount);
-        const int after = ValidCount(m_after.templates.templateCount);
+        const int before = Sent(m_before.templates);
+        const int after = Sent(m_after.templates);
         for (int i = 0; i < std::max(before, after); ++i) {
             if (i >= before) {
                 Add(TemplateName(m_after, i) + " added");
@@ -297,17 +298,18 @@ private:
     // what the growth adds (or from a cleared one, as a button a template does
     // not hold reads).
     void Buttons(const std::string& name, const ButtonTemplate& was, const ButtonTemplate& now) {
-        const int held = ValidCount(was.buttonCount);
-        const int holds = ValidCount(now.buttonCount);
-        if (holds > held)
-            Add(name + ": grown from " + std::to_string(held) + " to " + Count(holds, "button"));
+        const int held = static_cast<int>(SentCount(was.buttonCount, was.buttons));
+        const int holds = static_cast<int>(SentCount(now.buttonCount, now.buttons));
+        if (holds != held)
+            Add(name + (holds > held ? ": grown from " : ": cut from ") + std::to_string(held) +
+                " to " + Counted(holds, "button"));
         for (int k = 0; k < std::max(held, holds); ++k) {
             const PanelButton b = k < holds ? RefAt(now.buttons, k) : PanelButton::Cleared();
             if (k < held) {
                 const PanelButton& a = RefAt(was.buttons, k);
-                if (!SameButton(a, b))
+                if (!SameAsSent(a, b))
                     Add(ButtonLine(name, k, a, b));
-            } else if (!SameButton(PanelButton::Cleared(), b) && !SameButton(GrownButton(k), b)) {
+            } else if (!SameAsSent(PanelButton::Cleared(), b) && !SameAsSent(GrownButton(k), b)) {
                 Add(ButtonLine(name, k, GrownButton(k), b));
             }
         }
@@ -336,13 +338,7 @@ std::vector<std::string> DiffPart(const PanelStore& before, const PanelStore& af
 }
 
 PartSet DifferingParts(const PanelStore& before, const PanelStore& after) {
-    Differ differ(before, after);
-    PartSet parts;
-    ForEachPart(kUploadParts, [&](Part p) {
-        if (!differ.Part(p).empty())
-            parts.add(p);
-    });
-    return parts;
+    return DifferAsSent(before, after);
 }
 
 } // namespace lumeth

@@ -203,7 +203,7 @@ QGroupBox* ButtonEditor::createKeysGroup() {
     auto* keys = new QGroupBox(this);
     keys->setObjectName("frButtons");
     auto* grid = new QGridLayout(keys);
-    grid->setHorizontalSpacing(10);
+    grid->setHorizontalSpacing(6);
     grid->setVerticalSpacing(2);
     auto* group = new QButtonGroup(this);
     group->setExclusive(true);
@@ -267,6 +267,10 @@ QGroupBox* ButtonEditor::createButtonGroup() {
     m_type = new QComboBox(edit);
     m_type->setObjectName("cmbType");
     m_type->setToolTip("The button's function");
+    // As wide as the channel lists, not as the longest function name: the
+    // window keeps fitting a 1024-pixel screen.
+    m_type->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_type->setMinimumContentsLength(18);
     connect(m_type, &QComboBox::currentIndexChanged, this, &ButtonEditor::TypeChanged);
     for (int i = 0; i < 2; ++i)
         m_channels[i] = createChannelList(edit, i);
@@ -277,7 +281,7 @@ QGroupBox* ButtonEditor::createButtonGroup() {
     grid->addWidget(m_type, 1, 1);
     grid->addWidget(new QLabel("Channel", edit), 2, 0);
     grid->addWidget(m_channels[0], 2, 1);
-    grid->addWidget(new QLabel("Tally / Listen", edit), 3, 0);
+    grid->addWidget(new QLabel("Tally /\nListen", edit), 3, 0);
     grid->addWidget(m_channels[1], 3, 1);
     grid->addWidget(createCaptionGroup(edit), 4, 0, 1, 2);
     grid->setRowStretch(5, 1);

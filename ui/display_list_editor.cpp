@@ -41,6 +41,7 @@
 #include "ui/message_box.h"
 #include "ui/named_widgets.h"
 #include "ui/qt_text.h"
+#include "ui/row_count_label.h"
 #include "ui/typed_key.h"
 
 namespace lumeth {
@@ -239,6 +240,13 @@ QGridLayout* DisplayListEditor::createListsGrid() {
     grid->addWidget(m_noMatch, 3, 0);
     grid->addLayout(createMoveButtons(), 2, 1);
     grid->addWidget(m_listView, 2, 2);
+    // How many items the edited list holds, under it.
+    auto* count = new RowCountLabel(
+        m_listItems,
+        [this] { return std::string(m_listType == kUserGroupListType ? "list" : "channel"); },
+        this);
+    count->setObjectName("lblListCount");
+    grid->addWidget(count, 3, 2);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(2, 1);
     grid->setRowStretch(2, 1);

@@ -358,6 +358,16 @@ private slots:
         QTRY_COMPARE(Trimmed(m_sim.state.store().groups.userGroupNames[0]),
                      QString("Morning Show"));
         QCOMPARE(Progress(), QString());
+        // Saved and loaded back, the names come padded to their width: the
+        // server module holds them all the same, and Review agrees.
+        const QString path = Folder() + "applied.dat";
+        for (const char* action : {"mnuSaveAll", "mnuLoadAll"}) {
+            FileDialog::setNextFileName(path);
+            Child<QAction>(m_window, action)->trigger();
+        }
+        QCOMPARE(store.groups.userGroupNames[0].size(), kNameWidth);
+        QCOMPARE(Progress(), QString());
+        QCOMPARE(m_window->ChangeLines(), std::vector<std::string>{});
 
         // Cancel throws local edits away by downloading everything again.
         store.groups.userGroupNames[0] = "Local Only";

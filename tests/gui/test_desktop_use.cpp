@@ -7,6 +7,7 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QStatusBar>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -19,10 +20,12 @@
 
 #include "app/main_views.h"
 #include "app/main_window.h"
+#include "files/panel_data_file.h"
 #include "link/protocol.h"
 #include "tests/gui/gui_support.h"
 #include "tests/support/store_builders.h"
 #include "ui/elided_label.h"
+#include "ui/file_dialog.h"
 
 using namespace lumeth;
 using test::Child;
@@ -156,6 +159,37 @@ private slots:
         window.setUnappliedChanges(true);
         QCOMPARE(progress->text(), QString("Link lost - Unapplied changes"));
         QTRY_VERIFY(!progress->isElided());
+    }
+    // The counts panel follows what the window holds: a loaded file, the sub
+    // type shown, an undo; the tooltip counts every sub type.
+    void countsFollowTheStore() {
+        PanelStore file;
+        file.listCount(SubType::Input) = 1;
+        file.lists(SubType::Input) = {test::List("Mics", {0, 1})};
+        file.listCount(SubType::Output) = 2;
+        file.lists(SubType::Output) = {test::List("Outs", {0}), test::List("Cue", {})};
+        file.groups.userGroupCount = 1;
+        file.groups.userGroupNames = {"Studio A"};
+        file.groups.userGroups = {test::Group({{0, 11}, {1, 21}})};
+        const QString path = m_home.filePath("counts.dat");
+        QVERIFY(SavePanelDataFile(path.toStdString(), file).ok());
+
+        MainWindow window((m_home.path() + "/").toStdString());
+        window.show();
+        auto* counts = Child<QLabel>(&window, "lblCounts");
+        window.store().alpha(SubType::Input).count = 12; // channel names stay as downloaded
+        FileDialog::setNextFileName(path);
+        window.LoadAll();
+        QCOMPARE(counts->text(), QString("Input: 12 channels, 1 list; 1 user group; 0 templates"));
+        QTest::mouseClick(Child<QRadioButton>(&window, "optSubType_21"), Qt::LeftButton);
+        QCOMPARE(counts->text(), QString("Output: 0 channels, 2 lists; 1 user group; 0 templates"));
+        QCOMPARE(counts->toolTip(),
+                 QString("Input: 12 channels, 1 list\nOutput: 0 channels, 2 lists\n"
+                         "Opto: 0 channels, 0 lists\nRelay: 0 channels, 0 lists\n"
+                         "1 user group; 0 templates"));
+        window.Undo();
+        QCOMPARE(counts->text(),
+                 QString("Output: 0 channels, 0 lists; 0 user groups; 0 templates"));
     }
 };
 

@@ -159,6 +159,7 @@ private slots:
         Select(Available(), {3, 1}); // PHONE, and MIC 1 which is already there
         Click("cmdAdd");
         QCOMPARE(Column(Selected()), QStringList({"Ch.0001", "Ch.0002", "Ch.0004"}));
+        QCOMPARE(Child<QLabel>(m_editor, "lblListCount")->text(), QString("3 channels"));
         QVERIFY(m_editor->isChanged());
         QVERIFY(m_store.lists(SubType::Input)[0].channelCount == 2); // not committed yet
         const QPoint cd = Available()->visualRect(Available()->model()->index(0, 0)).center();
@@ -180,6 +181,7 @@ private slots:
         QVERIFY(!m_editor->storeChanged());
         Click("cmdRemoveAll");
         QCOMPARE(Selected()->model()->rowCount(), 0);
+        QCOMPARE(Child<QLabel>(m_editor, "lblListCount")->text(), QString("0 channels"));
         Child<QAction>(m_editor, "mnuExit")->trigger();
         QCOMPARE(m_store.lists(SubType::Input)[0].channelCount, int16_t(0));
         QVERIFY(!m_store.lists(SubType::Input)[0].channels.empty());
@@ -411,6 +413,7 @@ private slots:
         Select(Available(), {2, 3});
         QTest::keyClick(Available(), Qt::Key_Return);
         QCOMPARE(Column(Selected()), QStringList({"Input.0002", "Input.0003", "Input.0004"}));
+        QCOMPARE(Child<QLabel>(m_editor, "lblListCount")->text(), QString("3 lists"));
 
         // Another sub type commits first; the Output entry keeps its place.
         QTest::mouseClick(Child<QRadioButton>(m_editor, "optSubType_21"), Qt::LeftButton);

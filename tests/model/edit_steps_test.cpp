@@ -21,6 +21,7 @@ void Rename(PanelStore& store, const std::string& group) {
 }
 
 TEST(EditSteps, UndoGoesBackToWhereTheLastStepStarted) {
+    const PanelSnapshot held = TakeSnapshot(Named("Studio"));
     struct Case {
         const char* name;
         std::function<void(EditSteps&, PanelStore&)> play;
@@ -52,24 +53,51 @@ TEST(EditSteps, UndoGoesBackToWhereTheLastStepStarted) {
              steps.RecordFrom(std::move(before), store);
          },
          "Edited"},
-        {"a download replacing two edited parts is one step, undone to both edits",
-         [](EditSteps& steps, PanelStore& store) {
+        {"an arriving download over unapplied edits keeps them as a step",
+         [&](EditSteps& steps, PanelStore& store) {
+             Rename(store, "Edited");
+             steps.Record(store);
+             steps.Arriving(Part::UserGroups, store);
+             Rename(store, "Downloaded");
+             EXPECT_TRUE(steps.Arrived(Part::UserGroups, store, held));
+         },
+         "Edited"},
+        {"an arriving download over no edits is no step",
+         [&](EditSteps& steps, PanelStore& store) {
+             steps.Arriving(Part::UserGroups, store);
+             Rename(store, "Downloaded");
+             EXPECT_FALSE(steps.Arrived(Part::UserGroups, store, held));
+             EXPECT_FALSE(steps.Arrived(Part::UserGroups, store, TakeSnapshot(Named("Else"))))
+                 << "counted once";
+             steps.Rebase(store);
+         },
+         ""},
+        {"the parts of one download join one step; an edit ends it",
+         [&](EditSteps& steps, PanelStore& store) {
              Rename(store, "Edited");
              store.listTable(SubType::Input).displayListCount = 3;
              steps.Record(store);
-             PanelSnapshot arrived = TakeSnapshot(store, &steps.base());
+             for (Part p : {Part::UserGroups, Part::InputLists, Part::Templates})
+                 steps.Arriving(p, store);
              Rename(store, "Downloaded");
-             steps.RecordDownload(arrived, {Part::UserGroups}, false, store);
-             arrived = TakeSnapshot(store, &steps.base());
+             EXPECT_TRUE(steps.Arrived(Part::UserGroups, store, held));
              store.listTable(SubType::Input).displayListCount = 0;
-             steps.RecordDownload(arrived, {Part::InputLists}, true, store);
+             EXPECT_TRUE(steps.Arrived(Part::InputLists, store, held));
              EXPECT_EQ(steps.history().undoDepth(), 2u);
+             store.templates.templateCount = 1;
+             EXPECT_TRUE(steps.Record(store));
+             store.templates.templateCount = 0;
+             EXPECT_FALSE(steps.Arrived(Part::Templates, store, held));
+             steps.Rebase(store);
              PanelStore undone = store;
              steps.Undo(undone);
+             steps.Undo(undone);
              EXPECT_EQ(undone.listTable(SubType::Input).displayListCount, 3);
+             EXPECT_EQ(undone.groups.userGroupNames[0], "Edited");
+             steps.Redo(undone);
              steps.Redo(undone);
          },
-         "Edited"},
+         "Downloaded"},
         {"a download of one part leaves the edits of the others to the next step",
          [](EditSteps& steps, PanelStore& store) {
              Rename(store, "Edited");

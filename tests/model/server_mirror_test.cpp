@@ -158,7 +158,12 @@ TEST(ServerMirror, RestoresEachReceivedPartAsItArrived) {
 TEST(ServerMirror, FullStoreTakesReceivedPartsButNoLocalEdits) {
     ServerMirror mirror;
     PanelStore store = Base();
-    EXPECT_EQ(mirror.ChangeLines(store).size(), 1u) << "nothing to compare with yet";
+    // Nothing received yet: compared with the empty parts, and said so first.
+    std::vector<std::string> lines = DiffStores(PanelStore{}, store);
+    lines.insert(lines.begin(), kNotReceivedInFullLine);
+    EXPECT_EQ(mirror.ChangeLines(store), lines);
+    EXPECT_EQ(mirror.Unapplied(store), kUploadParts);
+    EXPECT_TRUE(mirror.ChangeLines(PanelStore{}).empty()) << "nothing edited: nothing to say";
     ReceiveAll(mirror, store);
     EXPECT_TRUE(mirror.ChangeLines(store).empty());
     store.groups.userGroupNames[0] = "Edited";

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "model/button_templates.h"
+#include "model/panel_snapshot.h"
 #include "model/store_diff.h"
 #include "tests/support/store_builders.h"
 
@@ -73,9 +74,9 @@ TEST(StoreDiff, EachEditGivesItsLines) {
           "template 01 \"Host\" Btn 8: Console Source Select, no channel, label \"Button 8\" "
           "changed to "
           "Console Source Select, no channel, label \"TB\""}},
-        {"buttons dropped: no growth line",
+        {"buttons dropped: said once, no growth line",
          [](PanelStore& s) { s.templates.buttonTemplates[0].buttonCount = 1; },
-         {}},
+         {"template 01 \"Desk\": cut from 2 to 1 button"}},
         {"rename",
          [&](PanelStore& s) { inputs(s)[0].name = "Voices"; },
          {"Input Lst.000 \"Mics\" renamed to \"Voices\""}},
@@ -130,8 +131,12 @@ TEST(StoreDiff, EachEditGivesItsLines) {
     }
 }
 
-// The parts a read-back is told apart from FILE by: as sent, every change.
+// When two stores are the same as the server module would get them: the
+// report, the parts it names, and the snapshot and store comparisons agree.
 TEST(StoreDiff, DifferingPartsAreThePartsWithChanges) {
+    const auto desk = [](PanelStore& s) -> ButtonTemplate& {
+        return s.templates.buttonTemplates[0];
+    };
     const struct {
         const char* what;
         std::function<void(PanelStore&)> apply;
@@ -141,6 +146,33 @@ TEST(StoreDiff, DifferingPartsAreThePartsWithChanges) {
          [](PanelStore& s) {
              s.lists(SubType::Input)[0].name = "Mics            and more";
              s.templates.buttonTemplates[0].buttons[0].label = "MIC     and more";
+         },
+         {}},
+        {"trailing blanks",
+         [&](PanelStore& s) {
+             s.lists(SubType::Input)[1].name = "Spare   ";
+             s.groups.userGroupNames[0] = "Studio ";
+             s.templates.templateNames[0] = "Desk            ";
+             desk(s).buttons[0].label = "MIC  ";
+         },
+         {}},
+        {"a name changed within its width",
+         [](PanelStore& s) { s.groups.userGroupNames[0] = "Studio  B"; },
+         {Part::UserGroups}},
+        {"entries past the counts and the local index arrays",
+         [&](PanelStore& s) {
+             s.lists(SubType::Input).push_back(test::List("Not counted", {1}));
+             s.lists(SubType::Input)[1].channels[0] = 3;
+             s.groups.userGroupIndex[0] = 7;
+             s.templates.templatePosition[0] = 7;
+             desk(s).buttons.push_back(PanelButton{});
+         },
+         {}},
+        {"counts that ran ahead of their arrays",
+         [&](PanelStore& s) {
+             s.lists(SubType::Input)[0].channelCount = 9;
+             s.groups.userGroups[0].listCount = 5;
+             desk(s).buttonCount = 40;
          },
          {}},
         {"fewer lists than FILE holds",
@@ -158,6 +190,12 @@ TEST(StoreDiff, DifferingPartsAreThePartsWithChanges) {
         {"a template number",
          [](PanelStore& s) { s.templates.buttonTemplates[0].number = 9; },
          {Part::Templates}},
+        {"grown to 32 buttons",
+         [](PanelStore& s) { ASSERT_TRUE(FillButtonTemplate(s, 0)); },
+         {Part::Templates}},
+        {"a cleared button dropped",
+         [&](PanelStore& s) { desk(s).buttonCount = 1; },
+         {Part::Templates}},
     };
     const PanelStore before = Base();
     for (const auto& edit : edits) {
@@ -166,6 +204,10 @@ TEST(StoreDiff, DifferingPartsAreThePartsWithChanges) {
         edit.apply(after);
         EXPECT_EQ(DifferingParts(before, after), edit.parts);
         EXPECT_EQ(DifferingParts(after, before), edit.parts);
+        EXPECT_EQ(DiffStores(before, after).empty(), edit.parts.empty());
+        EXPECT_EQ(DiffStores(after, before).empty(), edit.parts.empty());
+        EXPECT_EQ(DifferAsSent(TakeSnapshot(before), TakeSnapshot(after)), edit.parts);
+        EXPECT_EQ(ChangedParts(after, before), edit.parts);
     }
 }
 
