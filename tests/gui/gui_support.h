@@ -49,11 +49,12 @@ inline bool WriteServerSettings(const QString& folder, quint16 port) {
                          .toLatin1()) > 0;
 }
 
-// The lines of the read-only report `form` (its text in `textName`) once
-// `open` has brought it up, closed again; "(editable)" when the text can be
-// edited. The report may come up from the event loop after `open` returns.
-inline QStringList ReadOnlyReport(const std::function<void()>& open, const char* form,
-                                  const char* textName) {
+// The lines of the read-only report `form` (Review Changes unless named; its
+// text in `textName`) once `open` has brought it up, closed again; "(editable)" when the text can
+// be edited. The report may come up from the event loop after `open` returns.
+inline QStringList ReadOnlyReport(const std::function<void()>& open,
+                                  const char* form = "frmChanges",
+                                  const char* textName = "txtChanges") {
     auto text = std::make_shared<QString>();
     WhenModal(form, [text, textName](QWidget* dialog) {
         auto* view = Child<QPlainTextEdit>(dialog, textName);

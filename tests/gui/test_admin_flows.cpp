@@ -12,9 +12,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QStatusBar>
 #include <QTcpServer>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -22,15 +20,8 @@
 #include <functional>
 #include <memory>
 
-#include "app/main_views.h"
-#include "app/main_window.h"
 #include "model/view_keys.h"
-#include "tests/gui/gui_support.h"
-#include "tools/sim/demo_config.h"
-#include "tools/sim/sim_server.h"
-#include "tools/sim/sim_state.h"
-#include "ui/file_dialog.h"
-#include "ui/message_box.h"
+#include "tests/gui/window_session.h"
 #include "ui/qt_text.h"
 
 using namespace lumeth;
@@ -38,6 +29,7 @@ using namespace lumeth;
 namespace {
 
 using test::Child;
+using test::Emulator;
 using test::WhenModal;
 
 // Types "é" and "€" (not plain ASCII), then `ascii`.
@@ -65,52 +57,24 @@ void CheckLastMessage(const QString& title, const QString& text) {
     QCOMPARE(MessageBox::history().back().text, text);
 }
 
-struct Emulator {
-    sim::SimState state;
-    std::unique_ptr<sim::SimServer> server;
-
-    bool Start() {
-        sim::DemoResult demo = sim::MakeDemo("demo");
-        if (!demo.status.ok())
-            return false;
-        state.Reset(std::move(demo.store), demo.password);
-        sim::SimServerOptions options;
-        options.pollIntervalMs = 0;
-        server = std::make_unique<sim::SimServer>(state, options);
-        QString error;
-        bool inUse = false;
-        return server->Listen("127.0.0.1", 0, error, inUse);
-    }
-    quint16 port() const { return server->port(); }
-};
-
 } // namespace
 
-class AdminFlowsTest : public QObject {
+class AdminFlowsTest : public QObject, private test::EmulatorSession {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_home;
-    Emulator m_sim;
-    MainWindow* m_window = nullptr;
-
-    QString Folder() const { return m_home->path() + "/"; }
     QDialog* Login() { return Child<QDialog>(m_window, "frmLogin"); }
     const PanelStore& Demo() const { return m_sim.state.store(); }
     QTreeWidget* Groups() { return m_window->views().groups(); }
     QTreeWidget* Lists() { return m_window->views().displayLists(); }
     QTreeWidget* Items() { return m_window->views().items(); }
-    QString Progress() { return Child<QLabel>(m_window, "stbStatus_2")->text(); }
     QString Ini() {
         QFile ini(Folder() + "kovadmin.ini");
         return ini.open(QIODevice::ReadOnly) ? QString::fromLatin1(ini.readAll()) : QString();
     }
 
     void StartWindow() {
-        m_window = new MainWindow(Folder().toStdString());
-        m_window->setAttribute(Qt::WA_DeleteOnClose, false);
-        m_window->Start();
-        m_window->show();
+        OpenWindow();
         QTRY_VERIFY(m_window->findChild<QDialog*>("frmLogin") && Login()->isVisible());
     }
 
@@ -145,32 +109,11 @@ private:
 
 private slots:
     void init() {
-        m_home = std::make_unique<QTemporaryDir>();
+        BeginSession();
         QVERIFY(m_home->isValid());
-        QVERIFY(m_sim.Start());
-        QFile ini(Folder() + "kovadmin.ini");
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QStringLiteral("[CONFIGURATION]\r\nServer IP Address=127.0.0.1\r\n"
-                                 "Server IP Port=%1\r\n")
-                      .arg(m_sim.port())
-                      .toLatin1());
-        MessageBox::clearQueuedAnswers();
-        MessageBox::clearHistory();
-        FileDialog::clearQueuedNames();
+        QVERIFY(StartEmulator());
     }
-
-    void cleanup() {
-        if (m_window) {
-            // Quitting with unapplied changes asks first.
-            if (m_window->hasUnappliedChanges())
-                MessageBox::setNextAnswer(QMessageBox::Yes);
-            m_window->close();
-            delete m_window;
-            m_window = nullptr;
-        }
-        m_sim.server.reset();
-        m_home.reset();
-    }
+    void cleanup() { EndSession(); }
 
     void startUpReachesTheLoginOverADisabledWindow() {
         StartWindow();

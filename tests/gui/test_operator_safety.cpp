@@ -11,8 +11,6 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -23,95 +21,63 @@
 #include <sys/stat.h>
 
 #include "app/edit_recovery.h"
-#include "app/main_views.h"
-#include "app/main_window.h"
 #include "files/csv_configuration.h"
 #include "files/panel_data_file.h"
 #include "files/recovery_file.h"
 #include "link/connection.h"
-#include "tests/gui/gui_support.h"
 #include "tests/gui/window_session.h"
-#include "tools/sim/demo_config.h"
-#include "tools/sim/sim_server.h"
-#include "tools/sim/sim_state.h"
-#include "ui/file_dialog.h"
-#include "ui/message_box.h"
 #include "ui/qt_text.h"
 
 using namespace lumeth;
 using test::Child;
+using test::ReadOnlyReport;
 using test::WhenModal;
 
-class OperatorSafetyTest : public QObject {
+class OperatorSafetyTest : public QObject, private test::EmulatorSession {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_home;
-    sim::SimState m_state;
-    std::unique_ptr<sim::SimServer> m_server;
-    MainWindow* m_window = nullptr;
-    PanelStore m_demo;
-
-    QString Folder() const { return m_home->path() + "/"; }
-    QString Progress() { return Child<QLabel>(m_window, "stbStatus_2")->text(); }
-    QString StatusText() { return m_window->statusBar()->currentMessage(); }
-    QString FirstGroupShown() {
-        return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
-    }
-    QString DemoGroup() const { return ToQt(m_demo.groups.userGroupNames[0]).trimmed(); }
+    QString DemoGroup() const { return ToQt(m_sim.demo.groups.userGroupNames[0]).trimmed(); }
 
     // Start the emulator (templates answered with a bad checksum when asked)
     // and the window, and log in; returns once the user groups are shown.
     void Connect(bool badTemplates = false,
                  const std::function<void(PanelStore&)>& serverHolds = {}) {
-        sim::DemoResult demo = sim::MakeDemo("demo");
-        QVERIFY(demo.status.ok());
-        if (serverHolds)
-            serverHolds(demo.store);
-        m_demo = demo.store;
-        m_state.Reset(std::move(demo.store), demo.password);
         sim::SimServerOptions options;
-        options.pollIntervalMs = 0;
         if (badTemplates)
             options.faults.checksumCommand = 0xFD;
-        m_server = std::make_unique<sim::SimServer>(m_state, options);
-        QString error;
-        bool inUse = false;
-        QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
-        QVERIFY(test::WriteServerSettings(Folder(), m_server->port()));
+        QVERIFY(StartEmulator(options, serverHolds));
         StartWindow(badTemplates);
     }
 
     // A window over the folder, logged in; returns once the user groups are shown.
     void StartWindow(bool badTemplates = false) {
-        m_window = new MainWindow(Folder().toStdString());
-        m_window->Start();
-        m_window->show();
+        OpenWindow();
         LogIn();
         QTRY_VERIFY(m_window->views().groups()->topLevelItemCount() ==
-                        m_demo.groups.userGroupCount &&
+                        m_sim.demo.groups.userGroupCount &&
                     !(m_window->link().pendingC & ~uint32_t(badTemplates ? 0x08 : 0)) &&
                     !m_window->link().pendingA);
         if (!badTemplates)
             QTRY_VERIFY(m_window->received().has_value());
     }
 
-    void LogIn() { test::AnswerLogin(m_window, QString::fromStdString(m_state.password())); }
+    void LogIn() { test::AnswerLogin(m_window, QString::fromStdString(m_sim.state.password())); }
 
     // The server module goes away (the window says so before the login
     // returns) and comes back on the same port; returns once everything has
     // been received again.
     void DropAndReconnect() {
-        const quint16 port = m_server->port();
-        m_server.reset();
+        const quint16 port = m_sim.server->port();
+        m_sim.server.reset();
         QTRY_COMPARE(m_window->statusBar()->currentMessage(),
                      QString("Lost the link to the server module; the unapplied changes are "
                              "kept."));
         QCOMPARE(Progress(), QString("Link lost - Unapplied changes"));
-        m_server = std::make_unique<sim::SimServer>(m_state, sim::SimServerOptions{});
+        m_sim.server = std::make_unique<sim::SimServer>(m_sim.state, sim::SimServerOptions{});
         QString error;
         bool inUse = false;
-        QVERIFY2(m_server->Listen("127.0.0.1", port, error, inUse), qPrintable(error));
+        QVERIFY2(m_sim.server->Listen("127.0.0.1", port, error, inUse), qPrintable(error));
         LogIn();
         QTRY_VERIFY(m_window->link().connected && !m_window->link().AnyPending() &&
                     m_window->received().has_value());
@@ -127,13 +93,6 @@ private:
         });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
         QCOMPARE(FirstGroupShown(), name);
-    }
-
-    // The lines of Review Changes as `open` brings it up (the status panel's
-    // click opens it from the event loop, after `open` has returned).
-    QStringList ReviewedLines(const std::function<void()>& open, const char* form = "frmChanges",
-                              const char* textName = "txtChanges") {
-        return test::ReadOnlyReport(open, form, textName);
     }
 
     QString RecoveryFile() const { return Folder() + kRecoveryFileName; }
@@ -155,18 +114,8 @@ private:
     }
 
 private slots:
-    void init() {
-        m_home = std::make_unique<QTemporaryDir>();
-        MessageBox::clearQueuedAnswers();
-        MessageBox::clearHistory();
-        FileDialog::clearQueuedNames();
-    }
-
-    void cleanup() {
-        test::CloseWindow(m_window);
-        m_server.reset();
-        m_home.reset();
-    }
+    void init() { BeginSession(); }
+    void cleanup() { EndSession(); }
 
     void anEditIsReviewedLineByLine() {
         Connect();
@@ -180,12 +129,12 @@ private slots:
                                      "&Redo Ctrl+Shift+Z", " ", "&Review Changes... Ctrl+D",
                                      "&Check Configuration... ", "Compare with Server &Module... ",
                                      "Apply &Selected... ", "&Backups... "}));
-        QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
+        QCOMPARE(ReadOnlyReport([this] { Child<QAction>(m_window, "mnuChanges")->trigger(); }),
                  QStringList({"No changes."}));
 
         RenameFirstGroup("Renamed");
         // A click on "Unapplied changes" opens the review too.
-        QCOMPARE(ReviewedLines([this] {
+        QCOMPARE(ReadOnlyReport([this] {
                      QTest::mouseClick(Child<QLabel>(m_window, "stbStatus_2"), Qt::LeftButton);
                  }),
                  QStringList({QString("Gr.001 \"%1\" renamed to \"Renamed\"").arg(DemoGroup())}));
@@ -202,11 +151,11 @@ private slots:
                 tpl.buttons[static_cast<size_t>(k)].channel = kNoChannel;
             }
         });
-        const int keys = m_demo.templates.buttonTemplates[0].buttonCount;
+        const int keys = m_sim.demo.templates.buttonTemplates[0].buttonCount;
         QVERIFY(keys > 5);
-        const QString name = ToQt(m_demo.templates.templateNames[0]).trimmed();
-        QCOMPARE(ReviewedLines([this] { Child<QAction>(m_window, "mnuCheck")->trigger(); },
-                               "frmCheck", "txtCheck"),
+        const QString name = ToQt(m_sim.demo.templates.templateNames[0]).trimmed();
+        QCOMPARE(ReadOnlyReport([this] { Child<QAction>(m_window, "mnuCheck")->trigger(); },
+                                "frmCheck", "txtCheck"),
                  QStringList({QString("warning: template 01 \"%1\" Btn 5-%2: Source Select "
                                       "without a channel (%3 keys)")
                                   .arg(name)
@@ -227,9 +176,9 @@ private slots:
         Child<QAction>(m_window, "mnuButtons")->trigger();
         // The growth is a change that Apply sends, said once.
         QCOMPARE(Progress(), QString("Unapplied changes"));
-        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }),
+        QCOMPARE(ReadOnlyReport([&] { m_window->ReviewChanges(); }),
                  QStringList({QString("template 01 \"%1\": grown from 1 to 32 buttons")
-                                  .arg(ToQt(m_demo.templates.templateNames[0]).trimmed())}));
+                                  .arg(ToQt(m_sim.demo.templates.templateNames[0]).trimmed())}));
     }
 
     void applyKeepsWhatTheServerHeldAndPrunesTo30() {
@@ -245,7 +194,7 @@ private slots:
         bool undoWhileSending = true;
         QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(),
+        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
                      QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
         QTRY_COMPARE(m_window->statusBar()->currentMessage(),
@@ -262,19 +211,19 @@ private slots:
             LoadPanelDataFile((Folder() + "backups/" + backups.last()).toStdString(), held).outcome,
             LoadOutcome::Loaded);
         QCOMPARE(ToQt(held.groups.userGroupNames[0]).trimmed(), DemoGroup());
-        QCOMPARE(held.templates.templateCount, m_demo.templates.templateCount);
+        QCOMPARE(held.templates.templateCount, m_sim.demo.templates.templateCount);
         // What was sent is now what the server module holds.
         QCOMPARE(Progress(), QString());
-        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+        QCOMPARE(ReadOnlyReport([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
     }
 
     void applyThatLosesTheLinkSaysWhatWentOutBefore() {
         Connect();
         RenameFirstGroup("Not Sent");
         // Gone between the second and the third of the six messages.
-        QTimer::singleShot(750, [this] { m_server.reset(); });
+        QTimer::singleShot(750, [this] { m_sim.server.reset(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_VERIFY(!m_server);
+        QTRY_VERIFY(!m_sim.server);
         const QString said = m_window->statusBar()->currentMessage();
         QVERIFY2(said.startsWith("The link to the server module was lost during Apply; sent "
                                  "before it was lost: Input display lists, Output display lists"),
@@ -305,7 +254,7 @@ private slots:
         QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
         QCOMPARE(box.defaultButton, QMessageBox::No);
         QTest::qWait(300);
-        QCOMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), DemoGroup());
+        QCOMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(), DemoGroup());
         QVERIFY(m_window->hasUnappliedChanges());
         QVERIFY(Backups().isEmpty());
         // Not everything was received, yet the indicator follows undo and redo.
@@ -316,7 +265,8 @@ private slots:
 
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("Guarded"));
+        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
+                     QString("Guarded"));
     }
 
     // A cut panel data file is named in the status bar, and Apply asks first
@@ -324,7 +274,7 @@ private slots:
     // is named there too.
     void aLoadCutShortGuardsApplyUntilReplaced() {
         Connect();
-        PanelStore cut = m_demo;
+        PanelStore cut = m_sim.demo;
         cut.groups.userGroupNames[0] = "From Cut";
         const std::string bytes = EncodePanelData(cut);
         const QString path = Folder() + "cut.dat";
@@ -345,7 +295,7 @@ private slots:
             "failure, on top of the defaults. Apply would replace the server module's "
             "configuration with it. Send anyway?";
         const auto refused = [&](size_t asked) {
-            const PanelStore held = m_state.store();
+            const PanelStore held = m_sim.state.store();
             MessageBox::setNextAnswer(QMessageBox::No);
             QTest::mouseClick(send, Qt::LeftButton);
             QCOMPARE(MessageBox::history().size(), asked);
@@ -355,9 +305,9 @@ private slots:
             QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
             QCOMPARE(box.defaultButton, QMessageBox::No);
             QTest::qWait(300);
-            QCOMPARE(m_state.store().templates, held.templates);
-            QCOMPARE(m_state.store().groups, held.groups);
-            QCOMPARE(m_state.store().displayLists, held.displayLists);
+            QCOMPARE(m_sim.state.store().templates, held.templates);
+            QCOMPARE(m_sim.state.store().groups, held.groups);
+            QCOMPARE(m_sim.state.store().displayLists, held.displayLists);
         };
         refused(1);
         // Redone, it asks again; undone, Apply asks nothing.
@@ -374,7 +324,8 @@ private slots:
         FileDialog::setNextFileName(whole);
         Child<QAction>(m_window, "mnuLoadAll")->trigger();
         QTest::mouseClick(send, Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("From Cut"));
+        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
+                     QString("From Cut"));
         QCOMPARE(MessageBox::history().size(), size_t(2));
 
         const QString fifo = Folder() + "fifo.dat";
@@ -408,7 +359,7 @@ private slots:
         QByteArray groups = file.readAll();
         file.close();
         const QByteArray first =
-            "Gr.001," + ToQt(m_demo.groups.userGroupNames[0]).trimmed().toUtf8() + ",";
+            "Gr.001," + ToQt(m_sim.demo.groups.userGroupNames[0]).trimmed().toUtf8() + ",";
         QVERIFY(groups.contains(first));
         groups.replace(first, "Gr.001,From CSV,");
         const auto writeGroups = [&](const QByteArray& bytes) {
@@ -435,7 +386,7 @@ private slots:
         QCOMPARE(FirstGroupShown(), QString("From CSV"));
         QVERIFY(m_window->hasUnappliedChanges());
         QCOMPARE(m_window->history().undoDepth(), depth + 1);
-        const QStringList reviewed = ReviewedLines([&] { m_window->ReviewChanges(); });
+        const QStringList reviewed = ReadOnlyReport([&] { m_window->ReviewChanges(); });
         QCOMPARE(reviewed.filter("renamed to \"From CSV\"").size(), 1);
         Child<QAction>(m_window, "mnuUndo")->trigger();
         QCOMPARE(FirstGroupShown(), DemoGroup());
@@ -452,7 +403,7 @@ private slots:
         auto* redo = Child<QAction>(m_window, "mnuRedo");
         RenameFirstGroup("Edited");
 
-        PanelStore file = m_demo;
+        PanelStore file = m_sim.demo;
         file.groups.userGroupNames[0] = "From File";
         const QString path = Folder() + "other.dat";
         QVERIFY(SavePanelDataFile(path.toStdString(), file).ok());
@@ -507,7 +458,7 @@ private slots:
                          "Undo brings them back."));
         // The indicator and Review Changes agree.
         QCOMPARE(Progress(), QString());
-        QCOMPARE(ReviewedLines([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
+        QCOMPARE(ReadOnlyReport([&] { m_window->ReviewChanges(); }), QStringList({"No changes."}));
 
         // One step for the whole download: one undo brings both edits back.
         QCOMPARE(m_window->history().undoDepth(), depth + 1);
@@ -557,12 +508,12 @@ private slots:
             init();
             Connect();
             const PanelStore before = m_window->store();
-            PanelStore server = m_state.store();
+            PanelStore server = m_sim.state.store();
             c.elsewhere(server);
             bool reloaded = false;
             WhenModal(c.editor, [&](QWidget* editor) {
                 c.pend(editor);
-                m_state.Reset(server, m_state.password());
+                m_sim.state.Reset(server, m_sim.state.password());
                 m_window->connection().RequestEverything();
                 reloaded =
                     QTest::qWaitFor([&] { return c.shown(editor).trimmed() == "Server Side"; });
@@ -602,7 +553,8 @@ private slots:
         });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdEditGroups"), Qt::LeftButton);
         Child<QAction>(m_window, "mnuUndo")->trigger();
-        QCOMPARE(m_window->views().groups()->topLevelItemCount(), m_demo.groups.userGroupCount + 1);
+        QCOMPARE(m_window->views().groups()->topLevelItemCount(),
+                 m_sim.demo.groups.userGroupCount + 1);
     }
 
     void quittingWithUnappliedChangesAsks() {
@@ -635,7 +587,7 @@ private slots:
     void closingTheLoginAfterALostLinkEndsWithoutAQuestionAndKeepsTheEdits() {
         Connect();
         RenameFirstGroup("Lost");
-        m_server.reset(); // the server module goes away: the login comes back
+        m_sim.server.reset(); // the server module goes away: the login comes back
         auto* login = Child<QDialog>(m_window, "frmLogin");
         QTRY_VERIFY(login->isVisible());
         QTest::mouseClick(Child<QPushButton>(login, "cmdCancel"), Qt::LeftButton);
@@ -659,7 +611,7 @@ private slots:
         QTRY_COMPARE(FirstGroupShown(), QString("Kept"));
         QCOMPARE(BoxTitles(), QStringList{"Unapplied changes"});
         QCOMPARE(Progress(), QString("Unapplied changes"));
-        const QStringList lines = ReviewedLines([this] { m_window->ReviewChanges(); });
+        const QStringList lines = ReadOnlyReport([this] { m_window->ReviewChanges(); });
         QVERIFY2(lines.join('\n').contains("Kept"), qPrintable(lines.join('\n')));
 
         Child<QAction>(m_window, "mnuUndo")->trigger();
@@ -713,7 +665,7 @@ private slots:
         Connect();
         RenameFirstGroup("Sent");
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_state.store().groups.userGroupNames[0]).trimmed(), QString("Sent"));
+        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(), QString("Sent"));
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
         m_window->close();
         delete m_window;

@@ -9,9 +9,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStatusBar>
 #include <QTcpServer>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -19,57 +17,27 @@
 #include <functional>
 #include <memory>
 
-#include "app/main_views.h"
-#include "app/main_window.h"
 #include "app/safe_apply.h"
 #include "files/backup_files.h"
-#include "tests/gui/gui_support.h"
 #include "tests/gui/window_session.h"
-#include "tools/sim/demo_config.h"
-#include "tools/sim/sim_server.h"
-#include "tools/sim/sim_state.h"
-#include "ui/message_box.h"
 #include "ui/qt_text.h"
 
 using namespace lumeth;
 using test::Child;
 using test::WhenModal;
 
-class SafeApplyTest : public QObject {
+class SafeApplyTest : public QObject, private test::EmulatorSession {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_home;
-    sim::SimState m_state;
-    std::unique_ptr<sim::SimServer> m_server;
-    MainWindow* m_window = nullptr;
-    PanelStore m_demo;
-
-    QString Folder() const { return m_home->path() + "/"; }
-    QString StatusText() { return m_window->statusBar()->currentMessage(); }
-    QString FirstGroupShown() {
-        return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
-    }
     static QString Trimmed(const std::string& name) { return ToQt(name).trimmed(); }
 
     // The emulator with the demo set and the window logged in to it; returns
     // once everything has been received.
     void Connect() {
-        sim::DemoResult demo = sim::MakeDemo("demo");
-        QVERIFY(demo.status.ok());
-        m_demo = demo.store;
-        m_state.Reset(std::move(demo.store), demo.password);
-        sim::SimServerOptions options;
-        options.pollIntervalMs = 0;
-        m_server = std::make_unique<sim::SimServer>(m_state, options);
-        QString error;
-        bool inUse = false;
-        QVERIFY(m_server->Listen("127.0.0.1", 0, error, inUse));
-        QVERIFY(test::WriteServerSettings(Folder(), m_server->port()));
-        m_window = new MainWindow(Folder().toStdString());
-        m_window->Start();
-        m_window->show();
-        test::AnswerLogin(m_window, QString::fromStdString(m_state.password()));
+        QVERIFY(StartEmulator());
+        OpenWindow();
+        test::AnswerLogin(m_window, QString::fromStdString(m_sim.state.password()));
         QTRY_VERIFY(m_window->received().has_value() && !m_window->link().AnyPending());
     }
 
@@ -80,23 +48,14 @@ private:
         m_window->setUnappliedChanges(true);
     }
     void RenameListThere(SubType subType, const std::string& name) {
-        DisplayListTable table = m_state.store().listTable(subType);
+        DisplayListTable table = m_sim.state.store().listTable(subType);
         table.displayLists[0].name = name;
-        m_state.Replace(ListsPart(subType), table);
+        m_sim.state.Replace(ListsPart(subType), table);
     }
 
 private slots:
-    void init() {
-        m_home = std::make_unique<QTemporaryDir>();
-        MessageBox::clearQueuedAnswers();
-        MessageBox::clearHistory();
-    }
-
-    void cleanup() {
-        test::CloseWindow(m_window);
-        m_server.reset();
-        m_home.reset();
-    }
+    void init() { BeginSession(); }
+    void cleanup() { EndSession(); }
 
     // The comparison shows both sides' changes apart and touches neither
     // the window's store nor the server module.
@@ -105,7 +64,7 @@ private slots:
         RenameGroupHere("Mine");
         RenameListThere(SubType::Output, "Theirs");
         const PanelStore before = m_window->store();
-        const uint64_t version = m_state.version();
+        const uint64_t version = m_sim.state.version();
 
         const QStringList lines =
             test::ReadOnlyReport([this] { Child<QAction>(m_window, "mnuCompare")->trigger(); },
@@ -123,7 +82,7 @@ private slots:
 
         QCOMPARE(m_window->store().displayLists, before.displayLists);
         QCOMPARE(m_window->store().groups, before.groups);
-        QCOMPARE(m_state.version(), version);
+        QCOMPARE(m_sim.state.version(), version);
         QVERIFY(m_window->link().connected && m_window->hasUnappliedChanges());
     }
 
@@ -162,7 +121,7 @@ private slots:
 
         QCOMPARE(StatusText(),
                  QString("Sent the user groups to the server module; read back: verified."));
-        const PanelStore& held = m_state.store();
+        const PanelStore& held = m_sim.state.store();
         QCOMPARE(Trimmed(held.groups.userGroupNames[0]), QString("Mine"));
         QCOMPARE(Trimmed(held.listTable(SubType::Input).displayLists[0].name),
                  QString("Theirs In"));
@@ -176,9 +135,9 @@ private slots:
         RenameGroupHere("Mine Again");
         WhenModal("frmApplySelected", [this](QWidget* dialog) {
             QTimer::singleShot(250, [this] {
-                UserGroupTable groups = m_state.store().groups;
+                UserGroupTable groups = m_sim.state.store().groups;
                 groups.userGroupNames[0] = "Overtaken";
-                m_state.Replace(Part::UserGroups, groups);
+                m_sim.state.Replace(Part::UserGroups, groups);
             });
             Child<QCheckBox>(dialog, "chkPart_0")->setChecked(false);
             QTest::mouseClick(Child<QPushButton>(dialog, "cmdOk"), Qt::LeftButton);
@@ -197,7 +156,7 @@ private slots:
         QVERIFY(silent.listen(QHostAddress::LocalHost));
         m_window->findChild<SafeApply*>()->setReadLimitMs(1500);
         RenameGroupHere("Mine");
-        const uint64_t version = m_state.version();
+        const uint64_t version = m_sim.state.version();
         const QString reason = "Could not read the server module's configuration: The server "
                                "module did not send its configuration within 1.5 s.";
         struct Case {
@@ -228,16 +187,16 @@ private slots:
             QTest::mouseClick(progress->findChild<QPushButton*>(), Qt::LeftButton);
         });
         Child<QAction>(m_window, "mnuApplySelected")->trigger();
-        m_window->link().serverPort = m_server->port();
+        m_window->link().serverPort = m_sim.server->port();
         QCOMPARE(StatusText(), QString("Apply Selected cancelled. Nothing was sent."));
         QVERIFY(MessageBox::history().empty());
 
-        QCOMPARE(m_state.version(), version);
+        QCOMPARE(m_sim.state.version(), version);
         QVERIFY(m_window->link().connected && m_window->isEnabled());
         QVERIFY(m_window->hasUnappliedChanges());
         QFile log(Folder() + "Errorlog.txt");
         if (log.open(QIODevice::ReadOnly))
-            QVERIFY(!log.readAll().contains(QByteArray::fromStdString(m_state.password())));
+            QVERIFY(!log.readAll().contains(QByteArray::fromStdString(m_sim.state.password())));
 
         // The same window compares with the real server module afterwards.
         const QStringList lines =
@@ -279,7 +238,7 @@ private slots:
         QCOMPARE(FirstGroupShown(), QString("From Backup"));
         QVERIFY(m_window->hasUnappliedChanges());
         Child<QAction>(m_window, "mnuUndo")->trigger();
-        QCOMPARE(FirstGroupShown(), Trimmed(m_demo.groups.userGroupNames[0]));
+        QCOMPARE(FirstGroupShown(), Trimmed(m_sim.demo.groups.userGroupNames[0]));
         QVERIFY(!m_window->hasUnappliedChanges());
     }
 };
