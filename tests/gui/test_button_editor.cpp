@@ -22,8 +22,6 @@
 
 #include "app/main_window.h"
 #include "files/panel_data_file.h"
-#include "link/codec.h"
-#include "link/wire.h"
 #include "model/button_catalogue.h"
 #include "model/button_templates.h"
 #include "tests/gui/gui_support.h"
@@ -324,43 +322,31 @@ private slots:
                                              // the box is then left
         QTest::addColumn<QString>("label");  // the button's label after
         QTest::addColumn<QString>("shown");  // the box after
-        const int enter = Qt::Key_Return, escape = Qt::Key_Escape;
-        QTest::newRow("custom Enter") << true << "L1"
-                                      << "MIC 2"
-                                      << "NEW" << enter << "NEW"
-                                      << "NEW";
-        QTest::newRow("custom leave") << true << "L1"
-                                      << "MIC 2"
-                                      << "NEW" << 0 << "NEW"
-                                      << "NEW";
-        QTest::newRow("custom Escape") << true << "L1"
-                                       << "MIC 2"
-                                       << "NEW" << escape << "L1"
-                                       << "L1";
-        QTest::newRow("system Enter") << false << "L1"
-                                      << "MIC 2"
-                                      << "" << enter << "MIC 2"
-                                      << "MIC 2";
-        QTest::newRow("system leave") << false << "L1"
-                                      << "MIC 2"
-                                      << "" << 0 << "MIC 2"
-                                      << "MIC 2";
-        QTest::newRow("system Escape") << false << "L1"
-                                       << "MIC 2"
-                                       << "" << escape << "L1"
-                                       << "L1";
-        QTest::newRow("system long name") << false << "L1"
-                                          << "MICROPHONE 2    "
-                                          << "" << enter << "MICROPHO"
-                                          << "MICROPHONE 2    ";
-        QTest::newRow("long label unedited") << true << "LONGLABEL12"
-                                             << "MIC 2"
-                                             << "" << 0 << "LONGLABEL12"
-                                             << "LONGLABEL12";
-        QTest::newRow("long label edited") << true << "LONGLABEL12"
-                                           << "MIC 2"
-                                           << "" << int(Qt::Key_Backspace) << "LONGLABE"
-                                           << "LONGLABE";
+        const int enter = Qt::Key_Return, escape = Qt::Key_Escape, none = 0;
+        const struct {
+            const char* row;
+            bool custom;
+            const char *stored, *alpha, *typed;
+            int key;
+            const char *label, *shown;
+        } rows[] = {
+            {"custom Enter", true, "L1", "MIC 2", "NEW", enter, "NEW", "NEW"},
+            {"custom leave", true, "L1", "MIC 2", "NEW", none, "NEW", "NEW"},
+            {"custom Escape", true, "L1", "MIC 2", "NEW", escape, "L1", "L1"},
+            {"system Enter", false, "L1", "MIC 2", "", enter, "MIC 2", "MIC 2"},
+            {"system leave", false, "L1", "MIC 2", "", none, "MIC 2", "MIC 2"},
+            {"system Escape", false, "L1", "MIC 2", "", escape, "L1", "L1"},
+            {"system long name", false, "L1", "MICROPHONE 2    ", "", enter, "MICROPHO",
+             "MICROPHONE 2    "},
+            {"long label unedited", true, "LONGLABEL12", "MIC 2", "", none, "LONGLABEL12",
+             "LONGLABEL12"},
+            {"long label edited", true, "LONGLABEL12", "MIC 2", "", int(Qt::Key_Backspace),
+             "LONGLABE", "LONGLABE"},
+        };
+        for (const auto& r : rows)
+            QTest::newRow(r.row) << r.custom << QString(r.stored) << QString(r.alpha)
+                                 << QString(r.typed) << r.key << QString(r.label)
+                                 << QString(r.shown);
     }
     void captionKeysInBothModes() {
         QFETCH(bool, custom);
@@ -609,31 +595,6 @@ private slots:
         Child<QAction>(m_editor.get(), "mnuCopy")->trigger();
         QCOMPARE(m_store.templates.templateNames[0], std::string("Template 2"));
         QCOMPARE(Get<QLineEdit>("txtTemplateName")->text(), QString("Template 2"));
-    }
-
-    void applyCarriesTheEditedTemplate() {
-        Open(MakeStore(2));
-        Click("cmdNav_3");
-        Key(4)->click();
-        Get<QComboBox>("cmbType")->setCurrentIndex(4); // Output Select W/Listen, 810
-        Channel(0)->setCurrentIndex(3);
-        Channel(1)->setCurrentIndex(8);
-        ChooseCaption(1);
-        auto* caption = Get<QLineEdit>("txtCaption");
-        caption->selectAll();
-        QTest::keyClicks(caption, "ON AIR");
-        QTest::keyClick(caption, Qt::Key_Return);
-
-        // Header 11 bytes; a template is name 16, number 2, count 2, then
-        // buttons of four 14-bit fields and an 8-byte label.
-        const std::string message = codec::ButtonMessage(m_store);
-        const size_t templateSize = 16 + 4 + 32 * 16;
-        const size_t at = 11 + templateSize + 20 + 4 * 16;
-        std::string fields;
-        for (int value : {810, 1, 2, 7})
-            wire::Append14(fields, value);
-        QCOMPARE(message.substr(at, 8), fields);
-        QCOMPARE(message.substr(at + 8, 8), std::string("ON AIR  "));
     }
 
     void labelSheetExport() {

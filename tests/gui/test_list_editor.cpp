@@ -23,8 +23,6 @@
 
 #include "app/main_views.h"
 #include "app/main_window.h"
-#include "link/codec.h"
-#include "link/decoders.h"
 #include "model/list_records.h"
 #include "tests/gui/gui_support.h"
 #include "tests/support/store_builders.h"
@@ -400,7 +398,7 @@ private slots:
         QVERIFY(m_reports.empty());
     }
 
-    void groupModeRoundTripsThroughTheApplyBytes() {
+    void groupModeEditsTheGroupsEntries() {
         Open(kUserGroupListType, 0, 11);
         QCOMPARE(Child<QLabel>(m_editor, "lblList")->text(), QString("Current Group"));
         QVERIFY(Child<QRadioButton>(m_editor, "optSubType_11")->isChecked());
@@ -422,18 +420,9 @@ private slots:
         QCOMPARE(Column(Available(), 0), QStringList({"Monitors (Output.0001)"}));
         Click("cmdClose");
 
-        // The upload decoded as the download does.
-        const Decoded decoded = decode::UserGroups(codec::GroupMessage(m_store), Facility().groups);
-        QVERIFY(decoded.complete);
-        const auto& received = std::get<UserGroupTable>(decoded.value);
-        QCOMPARE(received.userGroupCount, int16_t(2));
-        const UserGroup& group = received.userGroups[0];
-        QCOMPARE(std::vector<int16_t>(group.listIndexes.begin(), group.listIndexes.begin() + 4),
-                 std::vector<int16_t>({1, 0, 2, 3}));
-        QCOMPARE(std::vector<int16_t>(group.listTypes.begin(), group.listTypes.begin() + 4),
-                 std::vector<int16_t>({11, 21, 11, 11}));
-        QCOMPARE(group.listCount, int16_t(4));
-        QCOMPARE(received.userGroups[1].listCount, int16_t(1));
+        // The Input entries in their new order, the Output entry in its place.
+        QCOMPARE(m_store.groups.userGroups[0], Group({{1, 11}, {0, 21}, {2, 11}, {3, 11}}));
+        QCOMPARE(m_store.groups.userGroups[1], Facility().groups.userGroups[1]);
     }
 
     void duplicateNames_data() {

@@ -194,8 +194,7 @@ private slots:
         bool undoWhileSending = true;
         QTimer::singleShot(100, [&] { undoWhileSending = undo->isEnabled(); });
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
-                     QString("After Apply"));
+        QTRY_COMPARE(HeldGroup(), QString("After Apply"));
         QVERIFY(!undoWhileSending && undo->isEnabled());
         QTRY_COMPARE(m_window->statusBar()->currentMessage(),
                      QString("Sent the Input display lists, Output display lists, Opto display "
@@ -254,7 +253,7 @@ private slots:
         QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
         QCOMPARE(box.defaultButton, QMessageBox::No);
         QTest::qWait(300);
-        QCOMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(), DemoGroup());
+        QCOMPARE(HeldGroup(), DemoGroup());
         QVERIFY(m_window->hasUnappliedChanges());
         QVERIFY(Backups().isEmpty());
         // Not everything was received, yet the indicator follows undo and redo.
@@ -265,8 +264,7 @@ private slots:
 
         MessageBox::setNextAnswer(QMessageBox::Yes);
         QTest::mouseClick(send, Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
-                     QString("Guarded"));
+        QTRY_COMPARE(HeldGroup(), QString("Guarded"));
     }
 
     // A cut panel data file is named in the status bar, and Apply asks first
@@ -324,8 +322,7 @@ private slots:
         FileDialog::setNextFileName(whole);
         Child<QAction>(m_window, "mnuLoadAll")->trigger();
         QTest::mouseClick(send, Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(),
-                     QString("From Cut"));
+        QTRY_COMPARE(HeldGroup(), QString("From Cut"));
         QCOMPARE(MessageBox::history().size(), size_t(2));
 
         const QString fifo = Folder() + "fifo.dat";
@@ -335,9 +332,7 @@ private slots:
         QCOMPARE(StatusText(),
                  "Could not save " + QDir::toNativeSeparators(fifo) + ": not a regular file");
         QVERIFY(QFileInfo(fifo).exists() && !QFileInfo(fifo).isFile());
-        QFile log(Folder() + "Errorlog.txt");
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        const QByteArray logged = log.readAll();
+        const QByteArray logged = ErrorLog();
         QVERIFY(logged.contains("Error Loading LumethEX File"));
         QVERIFY(logged.contains("Error Writing LumethEX File"));
     }
@@ -392,9 +387,7 @@ private slots:
         QCOMPARE(FirstGroupShown(), DemoGroup());
         QVERIFY(!m_window->hasUnappliedChanges());
 
-        QFile log(Folder() + "Errorlog.txt");
-        QVERIFY(log.open(QIODevice::ReadOnly));
-        QVERIFY(log.readAll().contains("Error Importing CSV Files"));
+        QVERIFY(ErrorLog().contains("Error Importing CSV Files"));
     }
 
     void undoAndRedoAcrossAnEditorSessionLoadAllAndCancel() {
@@ -665,7 +658,7 @@ private slots:
         Connect();
         RenameFirstGroup("Sent");
         QTest::mouseClick(Child<QPushButton>(m_window, "cmdSend"), Qt::LeftButton);
-        QTRY_COMPARE(ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed(), QString("Sent"));
+        QTRY_COMPARE(HeldGroup(), QString("Sent"));
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(RecoveryFile()), 3 * EditRecovery::kDelayMs);
         m_window->close();
         delete m_window;

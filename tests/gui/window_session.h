@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -20,6 +21,7 @@
 #include "tools/sim/sim_state.h"
 #include "ui/file_dialog.h"
 #include "ui/message_box.h"
+#include "ui/qt_text.h"
 
 // The emulator as the server module, logging the window in and closing it
 // again, for the tests against the emulator.
@@ -85,6 +87,15 @@ protected:
     QString StatusText() const { return m_window->statusBar()->currentMessage(); }
     QString FirstGroupShown() const {
         return m_window->views().groups()->topLevelItem(0)->text(0).trimmed();
+    }
+    // The first user group's name as the server module holds it.
+    QString HeldGroup() const {
+        return ToQt(m_sim.state.store().groups.userGroupNames[0]).trimmed();
+    }
+    // The error log of the folder ("" while there is none).
+    QByteArray ErrorLog() const {
+        QFile log(Folder() + "Errorlog.txt");
+        return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
     }
 
     void BeginSession() {
