@@ -3,7 +3,6 @@
 // password echo and the window layout kept between runs.
 #include <QApplication>
 #include <QDialog>
-#include <QFile>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -113,12 +112,7 @@ private slots:
     void statusPanelsFollowTheLinkAndLoginEchoesStars() {
         QTcpServer silent; // accepts and never answers
         QVERIFY(silent.listen(QHostAddress::LocalHost, 0));
-        QFile ini(m_home.filePath("kovadmin.ini"));
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write(QStringLiteral("[CONFIGURATION]\r\nServer IP Port=%1\r\n")
-                      .arg(silent.serverPort())
-                      .toLatin1());
-        ini.close();
+        QVERIFY(test::WriteServerSettings(m_home.path() + "/", silent.serverPort()));
         MainWindow window((m_home.path() + "/").toStdString());
         window.Start();
         window.show();

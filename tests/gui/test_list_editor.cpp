@@ -23,6 +23,7 @@
 
 #include "app/main_views.h"
 #include "app/main_window.h"
+#include "model/alpha_sort.h"
 #include "model/list_records.h"
 #include "tests/gui/gui_support.h"
 #include "tests/support/store_builders.h"
@@ -40,30 +41,12 @@ using test::Group;
 using test::List;
 using test::WhenModal;
 
-void SetAlphas(AlphaTable& table, std::vector<std::string> channelNames) {
-    table.count = static_cast<int16_t>(channelNames.size());
-    table.channelNames = channelNames;
-    std::vector<int16_t> order(channelNames.size());
-    for (size_t i = 0; i < order.size(); ++i)
-        order[i] = static_cast<int16_t>(i);
-    std::sort(order.begin(), order.end(), [&](int16_t a, int16_t b) {
-        return channelNames[size_t(a)] < channelNames[size_t(b)];
-    });
-    table.numbers = order;
-    table.names.clear();
-    table.positionOf.assign(order.size(), 0);
-    for (size_t i = 0; i < order.size(); ++i) {
-        table.names.push_back(channelNames[size_t(order[i])]);
-        table.positionOf[size_t(order[i])] = static_cast<int16_t>(i);
-    }
-}
-
 // Input channels MIC 1, MIC 2, CD, PHONE (listed by name: CD, MIC 1, MIC 2,
 // PHONE); Output PGM, AUX.
 PanelStore Facility() {
     PanelStore store;
-    SetAlphas(store.alpha(SubType::Input), {"MIC 1", "MIC 2", "CD", "PHONE"});
-    SetAlphas(store.alpha(SubType::Output), {"PGM", "AUX"});
+    BuildAlphaTable(store.alpha(SubType::Input), {"MIC 1", "MIC 2", "CD", "PHONE"});
+    BuildAlphaTable(store.alpha(SubType::Output), {"PGM", "AUX"});
     store.listCount(SubType::Input) = 4;
     store.lists(SubType::Input) = {List("Mics", {0, 1}), List("Players         ", {2}),
                                    List("Mics(2)", {}), List("Long List Name", {3})};
