@@ -2,23 +2,15 @@
 // process on a free loopback port. Controls are found by their object names;
 // message boxes and the file dialog are answered through their seams.
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
-#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTcpServer>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
-
-#include <functional>
-#include <memory>
 
 #include "model/view_keys.h"
 #include "tests/gui/window_session.h"

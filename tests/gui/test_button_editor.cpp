@@ -15,9 +15,7 @@
 #include <QStringListModel>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 
 #include "app/main_window.h"

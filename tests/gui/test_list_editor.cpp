@@ -14,11 +14,9 @@
 #include <QRadioButton>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QTreeView>
 #include <QTreeWidget>
 
-#include <functional>
 #include <memory>
 
 #include "app/main_views.h"

@@ -1,7 +1,6 @@
 // The main window's views, built from stores made here: the sub type choice,
 // channel texts and bounds, and the failure reports. No network; clicks and
 // the rest of the views are driven in the window flows.
-#include <QApplication>
 #include <QLabel>
 #include <QTest>
 #include <QTreeWidget>

@@ -4,18 +4,12 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTcpServer>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
-
-#include <functional>
-#include <memory>
 
 #include "app/safe_apply.h"
 #include "files/backup_files.h"
