@@ -560,7 +560,6 @@ private slots:
         const QRect last = Selected()->visualRect(model->index(3, 0));
         QVERIFY(m_editor->DropOnList(data.get(), QPoint(last.center().x(), last.bottom() - 1)));
         QCOMPARE(Column(Selected()), QStringList({"Ch.0003", "Ch.0001", "Ch.0004", "Ch.0002"}));
-        QCOMPARE(Column(Selected()).size(), 4);
         Click("cmdClose");
         QCOMPARE(Channels(m_store.lists(SubType::Input)[0]), std::vector<int16_t>({2, 0, 3, 1}));
         filter->setText("mic");
