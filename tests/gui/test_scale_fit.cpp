@@ -15,12 +15,15 @@
 #include "app/main_window.h"
 #include "link/connection.h"
 #include "ui/about_dialog.h"
+#include "ui/apply_selected_dialog.h"
+#include "ui/backups_dialog.h"
 #include "ui/button_editor.h"
 #include "ui/changes_dialog.h"
 #include "ui/channel_list_models.h"
 #include "ui/display_list_editor.h"
 #include "ui/duplicate_display_list_dialog.h"
 #include "ui/duplicate_template_dialog.h"
+#include "ui/fill_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/setup_dialog.h"
 
@@ -53,6 +56,18 @@ class ScaleFitTest : public QObject {
             return std::make_unique<DuplicateDisplayListDialog>(w.store(), ignore, &w);
         if (name == "frmDuplicateTemplate")
             return std::make_unique<DuplicateTemplateDialog>(w.store(), ignore, &w);
+        if (name == "frmBackups")
+            return std::make_unique<BackupsDialog>(w.folder(), w.store(), &w);
+        if (name == "frmFill")
+            return std::make_unique<FillDialog>(w.store(), 0, &w);
+        if (name == "frmApplySelected") {
+            // The longest rows: every part a conflict.
+            auto dialog = std::make_unique<ApplySelectedDialog>(&w);
+            std::vector<ApplyPartRow> rows;
+            ForEachPart(kUploadParts, [&](Part p) { rows.push_back({p, 16383, true, false}); });
+            dialog->setRows(rows);
+            return dialog;
+        }
         auto changes = std::make_unique<ChangesDialog>(&w);
         changes->setLines({std::string(200, 'x'), "Gr.001 \"Studio A\" renamed to \"Studio B\""});
         return changes;
@@ -91,7 +106,8 @@ private slots:
         QTest::addColumn<QString>("name");
         for (const char* name :
              {"frmLogin", "frmSetup", "frmAbout", "frmDisplayListView", "frmButtons",
-              "frmDuplicateDisplayList", "frmDuplicateTemplate", "frmChanges"})
+              "frmDuplicateDisplayList", "frmDuplicateTemplate", "frmChanges", "frmBackups",
+              "frmFill", "frmApplySelected"})
             QTest::newRow(name) << QString(name);
     }
     void dialogFits() {
