@@ -1,7 +1,8 @@
 // The button template editor on the largest configuration the emulator
 // generates (16383 channels per sub type, 500 templates): showing another
 // button (both channel lists switched to another sub type's list), moving to
-// another template, and the label sheet of all 500 templates. Each editor
+// another template, pasting and deleting keys in bulk, a fill from a list,
+// and the label sheet of all 500 templates. Each editor
 // iteration includes the paint that follows, as the operator sees it.
 #include <benchmark/benchmark.h>
 
@@ -12,8 +13,10 @@
 #include <memory>
 
 #include "bench/max_configuration.h"
+#include "model/key_clipboard.h"
 #include "ui/button_editor.h"
 #include "ui/channel_list_models.h"
+#include "ui/key_commands.h"
 #include "ui/label_sheet_pdf.h"
 
 using namespace lumeth;
@@ -25,6 +28,7 @@ struct Fixture {
     PanelStore store;
     std::unique_ptr<ChannelListModels> models;
     std::unique_ptr<ButtonEditor> editor;
+    KeyCommands* keys = nullptr;
 };
 
 Fixture& Shared() {
@@ -36,6 +40,7 @@ Fixture& Shared() {
         f->models->RebuildAll(f->store);
         f->editor = std::make_unique<ButtonEditor>(f->store, *f->models, nullptr, "/tmp/");
         bench::ShowAt(*f->editor, 1100, 620);
+        f->keys = f->editor->findChild<KeyCommands*>();
         return f;
     }();
     return *fixture;
@@ -123,5 +128,44 @@ void BM_LabelSheetWidestLabels(benchmark::State& state) {
     state.counters["pages"] = static_cast<double>(all.size());
 }
 BENCHMARK(BM_LabelSheetWidestLabels)->Unit(benchmark::kMillisecond)->Iterations(2);
+
+// Keys in bulk: each at most 100 ms, so a bulk edit feels as immediate as a
+// click on a key.
+// All 32 keys of the first template pasted onto the second, then deleted.
+void BM_PasteAndDeleteAllKeys(benchmark::State& state) {
+    Fixture& f = Shared();
+    f.editor->Navigate(0);
+    f.keys->SelectAll();
+    f.keys->Copy();
+    f.editor->Navigate(3);
+    f.editor->ButtonClicked(0);
+    for (auto _ : state) {
+        f.keys->Paste();
+        bench::Settle();
+        f.keys->SelectAll();
+        f.keys->Delete();
+        bench::Settle();
+    }
+    state.counters["keys"] = static_cast<double>(KeyCommands::clipboard().keys.size());
+}
+BENCHMARK(BM_PasteAndDeleteAllKeys)->Unit(benchmark::kMillisecond);
+
+// The longest Input list given to the keys from the first on, and shown.
+void BM_FillFromLongestList(benchmark::State& state) {
+    Fixture& f = Shared();
+    KeyFill fill{SubType::Input, 0, 40, 0};
+    const std::vector<DisplayList>& lists = f.store.lists(SubType::Input);
+    for (int p = 0; p < f.store.listCount(SubType::Input); ++p) {
+        if (lists[size_t(p)].channelCount > lists[size_t(fill.list)].channelCount)
+            fill.list = p;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(FillKeysFromList(f.store, f.editor->currentTemplate(), fill));
+        f.editor->DisplayCurrentTemplate();
+        bench::Settle();
+    }
+    state.counters["channels"] = lists[size_t(fill.list)].channelCount;
+}
+BENCHMARK(BM_FillFromLongestList)->Unit(benchmark::kMillisecond);
 
 } // namespace
