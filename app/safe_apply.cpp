@@ -25,9 +25,6 @@ constexpr const char* kCompareTitle = "Compare with Server Module";
 constexpr const char* kApplySelectedTitle = "Apply Selected";
 constexpr const char* kNothingSent = "Nothing was sent.";
 constexpr const char* kNotConnected = "Not connected to the server module: nothing was sent.";
-// After the last message, as between two: the server module has taken it
-// before the read-back asks.
-constexpr int kSettleMs = 500;
 
 QString Names(PartSet parts) {
     return QString::fromStdString(JoinPartNames(parts));
@@ -186,7 +183,7 @@ PartSet SafeApply::Send(PartSet parts, const PanelStore& server) {
         w.RefreshUnapplied();
         // As between two messages: the server module has taken the last
         // one before the read-back asks.
-        w.m_connection->Wait(kSettleMs, true);
+        w.m_connection->Wait(kApplySpacingMs, true);
     }
     w.m_applying = false;
     w.m_send->setEnabled(true);

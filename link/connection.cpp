@@ -15,7 +15,6 @@ namespace {
 
 constexpr int kDecodeIntervalMs = 10;
 constexpr int kPollIntervalMs = 500;
-constexpr int kApplySpacingMs = 500;
 // A connect attempt that has neither succeeded nor failed after this long is
 // abandoned by the next poll and started again; a refused connection fails at
 // once, so against a local server that is down an attempt is made every poll.

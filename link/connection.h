@@ -28,6 +28,9 @@ bool DeadlinePassed(int32_t start, double ms, int32_t now);
 // The system millisecond tick count as a wrapping signed 32-bit value.
 int32_t TickCount();
 
+// The wait between two of Apply's upload messages.
+inline constexpr int kApplySpacingMs = 500;
+
 // Largest piece a message is written in.
 inline constexpr size_t kTransmitChunkSize = 16384;
 
