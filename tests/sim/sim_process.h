@@ -27,9 +27,6 @@ inline QCoreApplication& EnsureApp() {
 inline QString SimBinary() {
     return QStringLiteral(LUMETH_BINARY_DIR "/tools/sim/lumeth-sim");
 }
-inline QString CliBinary() {
-    return QStringLiteral(LUMETH_BINARY_DIR "/tools/cli/lumeth-cli");
-}
 
 // A lumeth-sim process on a free loopback port, stopped when the test ends.
 class SimProcess {
