@@ -25,8 +25,6 @@ namespace {
 
 using Cli = testing::CliTest;
 
-const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
-
 TEST_F(Cli, UsageErrorsExitWithOne) {
     for (const QStringList& args : {QStringList{},
                                     {"frobnicate"},
@@ -34,7 +32,9 @@ TEST_F(Cli, UsageErrorsExitWithOne) {
                                     {"show", "a.dat", "b.dat"},
                                     {"show", "--colour", "a.dat"},
                                     {"convert", "a.dat"},
-                                    {"convert", "a.dat", "b.dat", "c.dat"}}) {
+                                    {"convert", "a.dat", "b.dat", "c.dat"},
+                                    // a password is never a command-line argument
+                                    {"fetch", "--password", "studio", "-o", "out.json"}}) {
         SCOPED_TRACE(args.join(' ').toStdString());
         const testing::CliResult r = Run(args);
         EXPECT_EQ(r.exitCode, 1);
@@ -290,7 +290,6 @@ TEST_F(Cli, BackupsListsEachBackupNewestFirst) {
 TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
     const std::string current = "lumeth-cli: no password: give one with --password-file FILE, "
                                 "LUMETH_PASSWORD, or a terminal\n";
-    const QString demo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
     const struct {
         QStringList args;
         QString password;
@@ -304,7 +303,7 @@ TEST_F(Cli, MissingPasswordIsOneLineSayingHowToGiveOne) {
          1,
          "lumeth-cli: no password: give one with --new-password-file FILE, "
          "LUMETH_NEW_PASSWORD, or a terminal\n"},
-        {{"diff", demo, "server"}, {}, 2, current},
+        {{"diff", kDemo, "server"}, {}, 2, current},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString());

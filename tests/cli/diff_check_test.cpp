@@ -17,8 +17,6 @@ namespace {
 
 using Cli = testing::CliTest;
 
-const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
-
 class DiffCheck : public Cli {
 protected:
     void SetUp() override {

@@ -102,7 +102,7 @@ TEST_F(OutputModes, AnErrorClearsTheProgressLineFirst) {
 // --verbose every line, as check prints them.
 TEST_F(OutputModes, ApplyPrintsOnlyTheCheckLinesThatStopIt) {
     std::string demo;
-    ASSERT_TRUE(ReadFileBytes(LUMETH_SOURCE_DIR "/demo/demo-panel.json", demo).ok());
+    ASSERT_TRUE(ReadFileBytes(kDemo.toStdString(), demo).ok());
     PanelStore store;
     ASSERT_TRUE(ReadJsonDocument(demo, store).status.ok());
     store.groups.userGroups[0].listCount = 0; // empty: a warning
