@@ -476,12 +476,20 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApartAndReadsIt
     EXPECT_NE(result.out.find("read back and identical"), std::string::npos) << result.out;
 }
 
-// apply exits 0 only when the server module holds what it sent.
+// apply exits 0 only when the server module holds what it sent. The
+// read-back compares with FILE as the server module holds it: a panel data
+// file's names and labels, cut and blank-padded to their width, are what FILE
+// holds; a part the server module did not take is not.
 TEST_F(ServerFlowsTest, ApplySaysWhatTheServerModuleHolds) {
     m_dir.Write("late.json", kLateShow);
-    const std::string file = Path("late.json").toStdString();
+    PanelStore cut = ServerConfiguration();
+    cut.lists(SubType::Input)[0].name = "A name of twenty chr";
+    cut.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
+    m_dir.Write("long.dat", EncodePanelData(cut));
+    const std::string late = Path("late.json").toStdString();
     struct Case {
         const char* name;
+        std::string file;
         Script script;
         QStringList options;
         int exitCode;
@@ -490,29 +498,39 @@ TEST_F(ServerFlowsTest, ApplySaysWhatTheServerModuleHolds) {
     const Script ignoring{.ignoredUploads = {kRelayLists, kGroups, kTemplates}};
     const Case cases[] = {
         {"uploads not stored",
+         "late.json",
          ignoring,
          {},
          6,
-         "lumeth-cli: the server module now holds a configuration that differs from " + file +
+         "lumeth-cli: the server module now holds a configuration that differs from " + late +
              " in: Relay display lists, user groups, button templates\n"},
-        {"not read back", ignoring, {"--no-verify"}, 0, "(not read back)"},
+        {"not read back", "late.json", ignoring, {"--no-verify"}, 0, "(not read back)"},
         {"server stops answering",
+         "late.json",
          {.silentAfterUploads = true},
          {"--timeout", "2"},
          5,
          "the server module's state is unknown"},
         {"link lost during the upload",
+         "late.json",
          {.closeAfterUploads = 2},
          {},
          3,
          "sent before it was lost: Input display lists, Output display lists\n"},
+        {"names cut to their width stored", "long.dat", {}, {}, 0, "read back and identical"},
+        {"names cut to their width, templates not stored",
+         "long.dat",
+         {.ignoredUploads = {kTemplates}},
+         {},
+         6,
+         "differs from " + Path("long.dat").toStdString() + " in: button templates\n"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ScriptedServer server("studio", c.script);
-        const CliResult result = Run(
-            QStringList{"apply", Path("late.json"), "--server", Server(server.port())} + c.options,
-            Environment("studio"));
+        const CliResult result =
+            Run(QStringList{"apply", Path(c.file), "--server", Server(server.port())} + c.options,
+                Environment("studio"));
         EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
         EXPECT_NE((result.err + result.out).find(c.message), std::string::npos) << result.err;
     }
@@ -600,37 +618,6 @@ TEST_F(ServerFlowsTest, ApplyRefusesBadDamagedAndUnsendableFilesWhateverForceSay
         EXPECT_NE(result.err.find(file + message), std::string::npos) << result.err;
         QTest::qWait(50);
         EXPECT_TRUE(server.frames().empty());
-    }
-}
-
-// The read-back compares with FILE as the server module holds it: a panel
-// data file's names and labels, cut and blank-padded to their width, are
-// what FILE holds; a part the server module did not take is not.
-TEST_F(ServerFlowsTest, ApplyReadsBackFileAsTheServerModuleHoldsIt) {
-    PanelStore file = ServerConfiguration();
-    file.lists(SubType::Input)[0].name = "A name of twenty chr";
-    file.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
-    m_dir.Write("long.dat", EncodePanelData(file));
-    const std::string path = Path("long.dat").toStdString();
-    const struct {
-        const char* what;
-        Script script;
-        int exitCode;
-        std::string message;
-    } cases[] = {
-        {"stored", {}, 0, "read back and identical"},
-        {"templates not stored",
-         {.ignoredUploads = {kTemplates}},
-         6,
-         "differs from " + path + " in: button templates\n"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        ScriptedServer server("studio", c.script);
-        const CliResult result = Run({"apply", Path("long.dat"), "--server", Server(server.port())},
-                                     Environment("studio"));
-        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
-        EXPECT_NE((result.out + result.err).find(c.message), std::string::npos) << result.err;
     }
 }
 
