@@ -177,22 +177,6 @@ TEST_F(Cli, OutputKeepsItsPermissionsAndAFailedWriteExitsWithSeven) {
     }
     m_childSetup = nullptr;
     EXPECT_EQ(m_dir.EntryCount(), 1u); // kept.json alone
-
-    // apply refuses a document without every section before connecting, and
-    // a version 2 panel data file, which has no Opto or Relay lists.
-    m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,
-        "display_lists": {"input": [], "output": [], "opto": [], "relay": []}, "user_groups": []})");
-    m_dir.Write("old.dat", std::string("\x8C\x00\xFF\x3F\x02\x00", 6) + std::string(10, '\0'));
-    for (const auto& [name, missing] :
-         {std::pair{"partial.json", "templates (every section is sent; write [] to send an empty "
-                                    "one)\n"},
-          std::pair{"old.dat", "display_lists.opto, display_lists.relay (a version 2"}}) {
-        const testing::CliResult r =
-            Run({"apply", Path(name), "--server", "127.0.0.1:1"}, Environment("studio"));
-        EXPECT_EQ(r.exitCode, 2);
-        EXPECT_TRUE(r.err.starts_with("lumeth-cli: " + m_dir.file(name) + ": missing " + missing))
-            << r.err;
-    }
 }
 
 // The error log goes to --home DIR, else to the per-user data folder the

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -304,49 +305,49 @@ TEST_F(ServerFlowsTest, FetchWritesAPanelDataFileAndReadsThePasswordFromAFile) {
     EXPECT_EQ(bytes[1], 0);
 }
 
-TEST_F(ServerFlowsTest, WrongPasswordExits4AndWritesNothing) {
-    ScriptedServer server("studio");
-    const CliResult result =
-        Run({"fetch", "--server", Server(server.port()), "-o", Path("out.json")},
-            Environment("Studio"));
-    EXPECT_EQ(result.exitCode, 4) << result.err;
-    EXPECT_FALSE(m_dir.Exists("out.json"));
-    EXPECT_EQ(result.err.find("Studio"), std::string::npos);
-}
-
-TEST_F(ServerFlowsTest, UnreachableServerExits3) {
-    quint16 port = 0;
+// A failed fetch writes nothing, never echoes the password and exits by its
+// cause: a wrong password, a server module that cannot be reached (logged in
+// the per-user data folder), or one streaming a message without end, dropped
+// once it passes the largest the protocol carries, long before the timeout.
+TEST_F(ServerFlowsTest, FailedFetchExitsByItsCauseAndWritesNothing) {
+    quint16 closedPort = 0;
     {
         QTcpServer probe;
         ASSERT_TRUE(probe.listen(QHostAddress::LocalHost, 0));
-        port = probe.serverPort();
+        closedPort = probe.serverPort();
     }
-    const CliResult result =
-        Run({"fetch", "--server", Server(port), "-o", Path("out.json")}, Environment("x"));
-    EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_FALSE(m_dir.Exists("out.json"));
-    // The failed connect is in the error log of the per-user data folder.
-    EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find("Error Connecting to Switcher"),
-              std::string::npos);
-}
-
-// A server module that streams one message without end is dropped once the
-// message passes the largest the protocol carries, long before the timeout.
-TEST_F(ServerFlowsTest, EndlessMessageExits3NamingIt) {
-    ScriptedServer server("studio", Script{.spoil = {{kTemplates, Spoil::Endless}}});
-    const CliResult result =
-        Run({"fetch", "--server", Server(server.port()), "--timeout", "60", "-o", Path("out.json")},
-            Environment("studio"));
-    EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_NE(result.err.find("lumeth-cli: the server module sent a message larger than any the "
-                              "protocol carries\n"),
-              std::string::npos)
-        << result.err;
-    EXPECT_EQ(result.err.find("lost the link"), std::string::npos) << result.err;
-    EXPECT_FALSE(m_dir.Exists("out.json"));
-    EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find("Message Too Long"),
-              std::string::npos);
-    EXPECT_TRUE(server.clientClosed());
+    const struct {
+        const char* name;
+        std::optional<Script> script; // none: nothing listens
+        QString password;
+        int exitCode;
+        std::string err;
+        std::string log;
+    } cases[] = {
+        {"wrong password", Script{}, "Studio", 4, "", ""},
+        {"unreachable", std::nullopt, "studio", 3, "", "Error Connecting to Switcher"},
+        {"endless message", Script{.spoil = {{kTemplates, Spoil::Endless}}}, "studio", 3,
+         "lumeth-cli: the server module sent a message larger than any the protocol carries\n",
+         "Message Too Long"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::optional<ScriptedServer> server;
+        if (c.script) {
+            server.emplace("studio", *c.script);
+        }
+        const int port = server ? server->port() : closedPort;
+        const CliResult result =
+            Run({"fetch", "--server", Server(port), "--timeout", "60", "-o", Path("out.json")},
+                Environment(c.password));
+        EXPECT_EQ(result.exitCode, c.exitCode) << result.err;
+        EXPECT_NE(result.err.find(c.err), std::string::npos) << result.err;
+        EXPECT_EQ(result.err.find(c.password.toStdString()), std::string::npos);
+        EXPECT_EQ(result.err.find("lost the link"), std::string::npos) << result.err;
+        EXPECT_FALSE(m_dir.Exists("out.json"));
+        EXPECT_NE(m_data.Read("KOV/Lumeth Admin/Errorlog.txt").find(c.log), std::string::npos);
+        EXPECT_TRUE(!server || QTest::qWaitFor([&] { return server->clientClosed(); }, 3000));
+    }
 }
 
 // fetch keeps its own record of the eleven parts: a re-request by the
@@ -572,10 +573,14 @@ TEST_F(ServerFlowsTest, ApplyOnlySendsTheNamedPartsAndNothingWithoutItsBackup) {
     }
 }
 
-// A file that does not read, values the messages cannot carry (a negative
+// A file that does not read or lacks a section (a version 2 panel data file
+// has no Opto or Relay lists), values the messages cannot carry (a negative
 // channel, counts past 14 bits) and a damaged file never reach the server
 // module, --force or not.
 TEST_F(ServerFlowsTest, ApplyRefusesBadDamagedAndUnsendableFilesWhateverForceSays) {
+    m_dir.Write("partial.json", R"({"format": "lumeth-panel-data", "version": 1,
+        "display_lists": {"input": [], "output": [], "opto": [], "relay": []}, "user_groups": []})");
+    m_dir.Write("old.dat", std::string("\x8C\x00\xFF\x3F\x02\x00", 6) + std::string(10, '\0'));
     m_dir.Write("bad.json", R"({"format": "lumeth-panel-data", "version": 1,
         "display_lists": {"input": [{"name": "A name of twenty chr", "channels": []}]}})");
     PanelStore negative;
@@ -602,6 +607,9 @@ TEST_F(ServerFlowsTest, ApplyRefusesBadDamagedAndUnsendableFilesWhateverForceSay
                                 "messages carry (--force does not send it)";
     const std::pair<const char*, std::string> cases[] = {
         {"bad.json", ": display_lists.input[0].name: longer than 16 characters"},
+        {"partial.json",
+         ": missing templates (every section is sent; write [] to send an empty one)\n"},
+        {"old.dat", ": missing display_lists.opto, display_lists.relay (a version 2"},
         {"negative.dat", ": cannot be sent: display list 0 channel -4 does not fit 14 bits"},
         {"many.json", damaged},
         {"wide.json", damaged},
@@ -615,7 +623,8 @@ TEST_F(ServerFlowsTest, ApplyRefusesBadDamagedAndUnsendableFilesWhateverForceSay
             Run({"apply", Path(file), "--force", "--server", Server(server.port())},
                 Environment("studio"));
         EXPECT_EQ(result.exitCode, 2) << result.err;
-        EXPECT_NE(result.err.find(file + message), std::string::npos) << result.err;
+        EXPECT_NE(result.err.find("lumeth-cli: " + m_dir.file(file) + message), std::string::npos)
+            << result.err;
         QTest::qWait(50);
         EXPECT_TRUE(server.frames().empty());
     }
