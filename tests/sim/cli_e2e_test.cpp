@@ -137,25 +137,6 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     EXPECT_EQ(Fetch(sim, "b.json", "on-air").exitCode, 0);
 }
 
-// The read-back compares with FILE as the emulator holds it: a panel data
-// file's names and labels cut and blank-padded to their width.
-TEST_F(CliAgainstSim, ApplyReadsBackFileAsTheEmulatorHoldsIt) {
-    SimProcess sim;
-    ASSERT_TRUE(sim.Start({"--state", statePath, "--poll-interval", "0"}));
-    PanelStore cut = demoState.store();
-    cut.lists(SubType::Input)[0].name = "A list name of 26 letters";
-    cut.templates.buttonTemplates[0].buttons[0].label = "TEN CHARS!";
-    m_dir.Write("cut.dat", EncodePanelData(cut));
-    const CliResult applied = RunAs({"apply", Path("cut.dat"), "--server", Server(sim)});
-    ASSERT_EQ(applied.exitCode, 0) << applied.err;
-    const sim::SimState saved = WaitForState(statePath, [](const sim::SimState& s) {
-        return s.store().lists(SubType::Input)[0].name.starts_with("A list name of 2");
-    });
-    EXPECT_EQ(TrimTrailingBlanks(saved.store().lists(SubType::Input)[0].name), "A list name of 2");
-    EXPECT_EQ(TrimTrailingBlanks(saved.store().templates.buttonTemplates[0].buttons[0].label),
-              "TEN CHAR");
-}
-
 TEST_F(CliAgainstSim, SlowDeliveryStillGivesTheExactState) {
     // A small configuration, as the slow fault sends byte by byte.
     PanelStore store;
