@@ -137,22 +137,6 @@ TEST_F(CliAgainstSim, ApplyAndSetPasswordChangeTheStateAndTheNextClientSeesThem)
     EXPECT_EQ(Fetch(sim, "b.json", "on-air").exitCode, 0);
 }
 
-TEST_F(CliAgainstSim, SlowDeliveryStillGivesTheExactState) {
-    // A small configuration, as the slow fault sends byte by byte.
-    PanelStore store;
-    store.ResetToDefaults();
-    sim::SetChannelNames(store.alpha(SubType::Input), {"MIC 1", "MIC 2"});
-    sim::SetChannelNames(store.alpha(SubType::Output), {"SPK"});
-    store.lists(SubType::Input)[0].channelCount = 2;
-    store.lists(SubType::Input)[0].channels = {1, 0};
-    const sim::SimState small(std::move(store), "studio");
-    ASSERT_EQ(sim::SaveStateFile(Path("small.json").toStdString(), small), "");
-    SimProcess slow;
-    ASSERT_TRUE(
-        slow.Start({"--state", Path("small.json"), "--poll-interval", "0", "--fault-slow", "1"}));
-    ExpectExactFetch(slow, small, "slow.json");
-}
-
 // Every answer may be split, preceded by garbage, spoiled or cut, and the
 // first connection is dropped: the second fetch asks again for whatever was
 // lost and gets the exact state, whatever the seed.
