@@ -15,7 +15,6 @@
 #include "link/connection.h"
 #include "link/frame_reader.h"
 #include "link/link_state.h"
-#include "link/protocol.h"
 #include "model/panel_store.h"
 #include "tests/link/messages.h"
 #include "tests/support/temp_folder.h"

@@ -2,7 +2,6 @@
 // the Apply messages.
 #include <gtest/gtest.h>
 
-#include "link/codec.h"
 #include "link/protocol.h"
 #include "tests/link/messages.h"
 #include "tests/link/session_harness.h"
