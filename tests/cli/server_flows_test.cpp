@@ -263,10 +263,9 @@ TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
     ASSERT_EQ(result.exitCode, 0) << result.err;
 
     // On the wire: the identity answer, then the request for everything.
-    ASSERT_GE(server.frames().size(), 2u);
+    ASSERT_EQ(server.frames().size(), 2u);
     EXPECT_EQ(server.frames()[0].bytes, kIdentityAnswer);
     EXPECT_EQ(server.frames()[1].bytes, kRequestEverything);
-    EXPECT_EQ(server.frames().size(), 2u);
 
     PanelStore fetched;
     const JsonReadResult read = ReadJsonDocument(m_dir.Read("out.json"), fetched);
@@ -277,15 +276,7 @@ TEST_F(ServerFlowsTest, FetchLogsInDownloadsAndWritesTheJsonDocument) {
     EXPECT_EQ(fetched.alpha(SubType::Input).channelNames,
               (std::vector<std::string>{"Mic 1", "Mic 2", "CD 1 "}));
     EXPECT_EQ(fetched.alpha(SubType::Relay).channelNames, std::vector<std::string>{"On Air"});
-    ASSERT_EQ(fetched.listCount(SubType::Input), 1);
-    EXPECT_EQ(fetched.lists(SubType::Input)[0].name.substr(0, 6), "Studio");
-    ASSERT_EQ(fetched.lists(SubType::Input)[0].channelCount, 2);
-    EXPECT_EQ(fetched.lists(SubType::Input)[0].channels[1], 2);
-    EXPECT_EQ(fetched.listCount(SubType::Output), 1);
-    ASSERT_EQ(fetched.groups.userGroupCount, 1);
-    EXPECT_EQ(fetched.groups.userGroupNames[0].substr(0, 4), "News");
-    ASSERT_EQ(fetched.templates.templateCount, 1);
-    EXPECT_EQ(fetched.templates.buttonTemplates[0].buttons[0].type, 40);
+    // The lists, groups and templates: FetchSucceedsOnlyWithAllElevenParts.
 
     EXPECT_NE(result.out.find("out.json"), std::string::npos);
     EXPECT_EQ(result.out.find("studio"), std::string::npos);
@@ -447,9 +438,7 @@ TEST_F(ServerFlowsTest, ApplySendsTheFileAsSixMessagesHalfASecondApartAndReadsIt
     ASSERT_EQ(result.exitCode, 0) << result.err;
 
     const std::vector<Frame>& frames = server.frames();
-    ASSERT_EQ(frames.size(), 9u);
-    EXPECT_EQ(frames[0].bytes, kIdentityAnswer);
-    EXPECT_EQ(frames[1].bytes, kRequestEverything);
+    ASSERT_EQ(frames.size(), 9u); // after the log-in that fetch starts with
 
     const std::string input = ListBody(11, 16, {{"Mix", {1, 2}}}).Finish();
     const std::string output = ListBody(21, 16, {}).Finish();
