@@ -4,7 +4,6 @@
 
 #include <functional>
 
-#include "files/file_io.h"
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "model/button_templates.h"
@@ -20,9 +19,7 @@ using Cli = testing::CliTest;
 class DiffCheck : public Cli {
 protected:
     void SetUp() override {
-        std::string text;
-        ASSERT_TRUE(ReadFileBytes(kDemo.toStdString(), text).ok());
-        ASSERT_TRUE(ReadJsonDocument(text, m_demo).status.ok());
+        ASSERT_TRUE(ReadJsonDocument(test::ReadFile(kDemo.toStdString()), m_demo).status.ok());
     }
     // The demo changed by `edit`, written as a JSON document `name`.
     QString Edited(const std::string& name, const std::function<void(PanelStore&)>& edit) {
