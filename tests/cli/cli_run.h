@@ -24,6 +24,9 @@ struct CliResult {
 // running meanwhile, so a scripted server in the test can serve it.
 class CliTest : public ::testing::Test {
 protected:
+    // The demo configuration shipped with the sources.
+    static inline const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
+
     // The inherited environment without the password variables.
     static QProcessEnvironment Environment(const QString& password = {}) {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();

@@ -9,8 +9,6 @@ namespace {
 
 using Crosspoints = testing::CliTest;
 
-const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
-
 TEST_F(Crosspoints, WritesTheMapOfTheDocumentWithItsChannelNames) {
     ASSERT_EQ(Run({"crosspoints", kDemo, "-o", Path("map.csv")}).exitCode, 0);
     PanelStore store;

@@ -7,8 +7,6 @@ namespace {
 
 using CsvCommands = testing::CliTest;
 
-const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
-
 TEST_F(CsvCommands, ExportThenImportGivesTheSamePanelDataFile) {
     ASSERT_EQ(Run({"export-csv", kDemo, "-o", Path("csv")}).exitCode, 0);
     ASSERT_EQ(Run({"import-csv", Path("csv"), "-o", Path("back.dat")}).exitCode, 0);

@@ -10,8 +10,6 @@
 namespace lumeth {
 namespace {
 
-const QString kDemo = QStringLiteral(LUMETH_SOURCE_DIR "/demo/demo-panel.json");
-
 class Labels : public testing::CliTest {
 protected:
     void SetUp() override {

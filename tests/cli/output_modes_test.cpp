@@ -3,7 +3,6 @@
 // off one, every step with --verbose; OUT "-" is standard output.
 #include <sstream>
 
-#include "files/file_io.h"
 #include "files/json_document.h"
 #include "tests/cli/cli_run.h"
 #include "tests/sim/sim_process.h"
@@ -101,10 +100,8 @@ TEST_F(OutputModes, AnErrorClearsTheProgressLineFirst) {
 // apply prints the check errors that stop it and counts the rest; with
 // --verbose every line, as check prints them.
 TEST_F(OutputModes, ApplyPrintsOnlyTheCheckLinesThatStopIt) {
-    std::string demo;
-    ASSERT_TRUE(ReadFileBytes(LUMETH_SOURCE_DIR "/demo/demo-panel.json", demo).ok());
     PanelStore store;
-    ASSERT_TRUE(ReadJsonDocument(demo, store).status.ok());
+    ASSERT_TRUE(ReadJsonDocument(test::ReadFile(kDemo.toStdString()), store).status.ok());
     store.groups.userGroups[0].listCount = 0; // empty: a warning
     m_dir.Write("warned.json", WriteJsonDocument(store));
     store.groups.userGroups[1].listIndexes[0] = 99; // past the lists: an error

@@ -6,17 +6,11 @@
 #include "files/json_document.h"
 #include "files/panel_data_file.h"
 #include "model/alpha_sort.h"
+#include "tests/support/store_builders.h"
 #include "tests/support/temp_folder.h"
 
 namespace lumeth {
 namespace {
-
-void ExpectSameParts(const PanelStore& a, const PanelStore& b) {
-    EXPECT_EQ(a.alphas, b.alphas);
-    EXPECT_EQ(a.displayLists, b.displayLists);
-    EXPECT_EQ(a.groups, b.groups);
-    EXPECT_EQ(a.templates, b.templates);
-}
 
 // apply reads FILE once and then puts it into the downloaded store: that
 // must leave exactly what loading the file into that store leaves (channel
@@ -58,7 +52,7 @@ TEST(ConfigurationFile, LoadingWhatWasReadIsLoadingTheFile) {
             viaLoad.ResetToDefaults();
             ASSERT_TRUE(ReadJsonDocument(file.bytes, viaLoad).status);
         }
-        ExpectSameParts(viaRead, viaLoad);
+        EXPECT_EQ(test::PartsOf(viaRead), test::PartsOf(viaLoad));
     }
 }
 

@@ -16,6 +16,7 @@
 #include "files/panel_data_file.h"
 #include "model/panel_store.h"
 #include "tests/support/file_size_limit.h"
+#include "tests/support/store_builders.h"
 #include "tests/support/temp_folder.h"
 
 namespace lumeth {
@@ -125,13 +126,11 @@ size_t Version3TemplatesSize() {
     return 2 + (16 + 2 + 2 + 2 * (8 + 8)) + (16 + 2 + 2);
 }
 
-void ExpectDefaultNames(const PanelStore& s) {
-    EXPECT_EQ(s.lists(SubType::Input)[0].name, "First In List");
-    EXPECT_EQ(s.lists(SubType::Output)[0].name, "First Out List");
-    EXPECT_EQ(s.lists(SubType::Opto)[0].name, "First Opto List");
-    EXPECT_EQ(s.lists(SubType::Relay)[0].name, "First Relay List");
-    EXPECT_EQ(s.groups.userGroupNames[0], "No Users");
-    EXPECT_EQ(s.templates.templateNames[0], "None");
+// What a store holds once ResetToDefaults has run.
+test::StoreParts Defaults() {
+    PanelStore store;
+    store.ResetToDefaults();
+    return test::PartsOf(store);
 }
 
 TEST(PanelDataFile, Version3GoldenLoadsAndEncodesByteExactly) {
@@ -262,9 +261,7 @@ TEST(PanelDataFile, WrongMarkerLeavesTheDefaults) {
     EXPECT_EQ(r.outcome, LoadOutcome::NotPanelData);
     EXPECT_NE(r.status.failure().detail.find(std::to_string(int16_t(0x8C00))), std::string::npos);
     EXPECT_NE(r.status.failure().detail.find("140"), std::string::npos);
-    EXPECT_EQ(store.listCount(SubType::Input), 1);
-    EXPECT_EQ(store.templates.templateCount, 1);
-    ExpectDefaultNames(store);
+    EXPECT_EQ(test::PartsOf(store), Defaults());
     EXPECT_EQ(LoadPanelData("", store).outcome, LoadOutcome::NotPanelData);
     EXPECT_EQ(LoadPanelData(std::string(1, '\x8C'), store).outcome, LoadOutcome::NotPanelData);
 }
@@ -440,7 +437,7 @@ TEST(PanelDataFileOnDisk, MissingFileLeavesTheStoreUntouchedAFolderResetsIt) {
     EXPECT_EQ(store.groups.userGroupNames[0], "Mine");
 
     EXPECT_EQ(LoadPanelDataFile(dir.path(), store).outcome, LoadOutcome::Failed);
-    ExpectDefaultNames(store);
+    EXPECT_EQ(test::PartsOf(store), Defaults());
 }
 
 } // namespace

@@ -19,9 +19,7 @@ public:
         Failure failure;
     };
 
-    void PartReceived(Part part) override {
-        changes.push_back(part);
-    }
+    void PartReceived(Part part) override { changes.push_back(part); }
     void WriteErrorLog(std::string_view message, std::string_view location) override {
         logLines.push_back(std::string(message) + "|" + std::string(location));
     }
@@ -69,9 +67,5 @@ struct Harness {
     }
     std::vector<std::string> Sent() { return session.TakeOutgoing(); }
 };
-
-// A readable summary of everything a download can change, for comparing
-// stores filled along different routes.
-std::string Dump(const PanelStore& store);
 
 } // namespace lumeth::testing

@@ -176,9 +176,7 @@ TEST(RecordMoves, RefusesWhatIsNotThere) {
     for (const auto& c : cases) {
         PanelStore store = c.store;
         EXPECT_FALSE(c.edit(store));
-        EXPECT_EQ(store.groups, c.store.groups);
-        EXPECT_EQ(store.displayLists, c.store.displayLists);
-        EXPECT_EQ(store.templates, c.store.templates);
+        EXPECT_EQ(test::PartsOf(store), test::PartsOf(c.store));
     }
 }
 

@@ -54,13 +54,6 @@ void Damage(PartSet parts, PanelStore& store, std::string& password) {
     });
 }
 
-void ExpectSameParts(const PanelStore& a, const PanelStore& b) {
-    EXPECT_EQ(a.alphas, b.alphas);
-    EXPECT_EQ(a.displayLists, b.displayLists);
-    EXPECT_EQ(a.groups, b.groups);
-    EXPECT_EQ(a.templates, b.templates);
-}
-
 void ReceiveAll(ServerMirror& mirror, const PanelStore& store) {
     ForEachPart(kAllParts, [&](Part p) { mirror.Received(p, store, "studio"); });
 }
@@ -110,7 +103,9 @@ TEST(ServerMirror, CountsReceivedAndHeldParts) {
          true},
         {"apply holds the upload parts", {kApply}, {}, kUploadParts, true},
         {"apply of chosen parts holds those alone",
-         {[](ServerMirror& m) { m.Applied(Base(), {Part::UserGroups, Part::InputAlphas}); }},
+         {[](ServerMirror& m) {
+             m.Applied(Base(), {Part::UserGroups, Part::InputAlphas});
+         }},
          {},
          {Part::UserGroups},
          false},
@@ -142,7 +137,7 @@ TEST(ServerMirror, RestoresEachReceivedPartAsItArrived) {
         PanelStore expected = Base();
         std::string expectedPassword = "studio";
         Damage(kAllParts - PartSet{info.part}, expected, expectedPassword);
-        ExpectSameParts(store, expected);
+        EXPECT_EQ(test::PartsOf(store), test::PartsOf(expected));
         EXPECT_EQ(password, expectedPassword);
     }
     ServerMirror mirror;

@@ -3,34 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QTemporaryDir>
 
 #include <memory>
 
 #include "link/codec.h"
 #include "link/protocol.h"
 #include "tests/sim/sim_process.h"
+#include "tests/support/temp_folder.h"
 #include "tools/sim/demo_config.h"
 
 using namespace lumeth;
 using namespace lumeth::testing;
 
-namespace {
-
-std::string ReadFile(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll().toStdString() : std::string();
-}
-
-} // namespace
-
 TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("state.json");
+    test::TempFolder dir;
+    const std::string path = dir.file("state.json");
     SimProcess sim;
-    ASSERT_TRUE(sim.Start({"--state", path}));
-    const std::string before = ReadFile(path);
+    ASSERT_TRUE(sim.Start({"--state", QString::fromStdString(path)}));
+    const std::string before = test::ReadFile(path);
     ASSERT_FALSE(before.empty());
 
     // A valid upload to spoil in several ways.
@@ -58,30 +48,14 @@ TEST(SimProcessTest, BadClientInputNeverCrashesItOrChangesTheState) {
     ASSERT_EQ(answer.size(), 1u);
     EXPECT_EQ(answer[0], codec::PasswordMessage("studio"));
     EXPECT_TRUE(sim.Running());
-    EXPECT_EQ(ReadFile(path), before);
+    EXPECT_EQ(test::ReadFile(path), before);
     EXPECT_TRUE(sim.WaitForLog("Incomplete Message DF")) << sim.Log().toStdString();
     EXPECT_TRUE(sim.WaitForLog("rejected")) << sim.Log().toStdString();
 }
 
-TEST(SimProcessTest, AFloodingClientKeepsTheLogWithinItsTrafficAndIsCutOffWhenNotReading) {
+TEST(SimProcessTest, AClientThatNeverReadsIsCutOff) {
     SimProcess sim;
     ASSERT_TRUE(sim.Start({"--demo", "large", "--poll-interval", "0"}));
-
-    // A megabyte of command bytes, each one a frame cut short by the next.
-    RawClient junk;
-    ASSERT_TRUE(junk.Connect(sim.port));
-    ASSERT_EQ(junk.Read(1).size(), 1u);
-    const size_t junkBytes = 1 << 20;
-    junk.Send(std::string(junkBytes, '\x90'));
-    junk.Send(codec::DataRequest(Wire(Part::Password).bit, 0, 0));
-    std::vector<std::string> answer;
-    for (int i = 0; i < 200 && answer.empty(); ++i) {
-        sim.Drain(20);
-        answer = junk.Read(1, 30);
-    }
-    ASSERT_EQ(answer.size(), 1u);
-    EXPECT_LT(size_t(sim.Log().size()), junkBytes + 20 * 1024);
-    EXPECT_TRUE(sim.Log().contains("Incomplete Message 90")) << sim.Log().left(500).toStdString();
 
     // Requests for everything (about 0.6 MB of answers each), never read.
     RawClient greedy;
@@ -97,7 +71,7 @@ namespace {
 
 // A line from /proc/PID/status in kB, such as "VmRSS"; -1 when missing.
 long StatusKb(qint64 pid, const std::string& field) {
-    const std::string status = ReadFile(QString("/proc/%1/status").arg(pid));
+    const std::string status = test::ReadFile("/proc/" + std::to_string(pid) + "/status");
     const size_t at = status.find(field + ":");
     return at == std::string::npos ? -1 : std::stol(status.substr(at + field.size() + 1));
 }

@@ -4,7 +4,7 @@
 
 using lumeth::sim::ParseSimOptions;
 
-TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
+TEST(SimOptions, DefaultsListenOnLoopbackOnlyAndCapsAreTakenAsGiven) {
     const auto parsed = ParseSimOptions({});
     ASSERT_TRUE(parsed.status);
     const auto* o = &parsed.options;
@@ -14,6 +14,12 @@ TEST(SimOptions, DefaultsListenOnLoopbackOnly) {
     EXPECT_EQ(o->demo, "demo");
     EXPECT_FALSE(o->stateFile);
     EXPECT_FALSE(o->faults.Any());
+
+    // Resource caps are taken as given.
+    const auto caps = ParseSimOptions({"--max-clients", "8", "--max-queued-total", "4194304"});
+    ASSERT_TRUE(caps.status) << caps.status.failure().detail;
+    EXPECT_EQ(caps.options.maxClients, 8);
+    EXPECT_EQ(caps.options.maxQueuedTotal, 4194304);
 }
 
 TEST(SimOptions, RejectsBadValuesWithOneLine) {
@@ -32,12 +38,4 @@ TEST(SimOptions, RejectsBadValuesWithOneLine) {
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(error.find('\n'), std::string::npos);
     }
-}
-
-TEST(SimOptions, ResourceCapsAreTakenAsGiven) {
-    const auto parsed = ParseSimOptions({"--max-clients", "8", "--max-queued-total", "4194304"});
-    ASSERT_TRUE(parsed.status) << parsed.status.failure().detail;
-    const auto* o = &parsed.options;
-    EXPECT_EQ(o->maxClients, 8);
-    EXPECT_EQ(o->maxQueuedTotal, 4194304);
 }

@@ -27,9 +27,6 @@ inline QCoreApplication& EnsureApp() {
 inline QString SimBinary() {
     return QStringLiteral(LUMETH_BINARY_DIR "/tools/sim/lumeth-sim");
 }
-inline QString CliBinary() {
-    return QStringLiteral(LUMETH_BINARY_DIR "/tools/cli/lumeth-cli");
-}
 
 // A lumeth-sim process on a free loopback port, stopped when the test ends.
 class SimProcess {
@@ -50,7 +47,7 @@ public:
         while (m_process.waitForStarted(5000) && timer.elapsed() < 15000 &&
                (m_process.canReadLine() || m_process.waitForReadyRead(100) || Running())) {
             if (m_process.canReadLine()) {
-                firstLine = QString::fromUtf8(m_process.readLine()).trimmed();
+                const QString firstLine = QString::fromUtf8(m_process.readLine()).trimmed();
                 const auto match =
                     QRegularExpression("listening on 127\\.0\\.0\\.1:(\\d+)").match(firstLine);
                 port = match.captured(1).toInt();
@@ -104,7 +101,6 @@ public:
     }
 
     int port = 0;
-    QString firstLine;
 
 private:
     QProcess m_process;

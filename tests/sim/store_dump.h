@@ -48,7 +48,8 @@ inline std::string DumpStore(const PanelStore& store, bool withAlphas = true) {
     out += "\ntemplates " + std::to_string(store.templates.templateCount);
     for (int t = 0; t < store.templates.templateCount; ++t) {
         const ButtonTemplate& tpl = store.templates.buttonTemplates[size_t(t)];
-        out += "\n " + bracket(store.templates.templateNames[size_t(t)]) + " #" + std::to_string(tpl.number);
+        out += "\n " + bracket(store.templates.templateNames[size_t(t)]) + " #" +
+               std::to_string(tpl.number);
         for (int b = 0; b < tpl.buttonCount; ++b) {
             const PanelButton& button = tpl.buttons[size_t(b)];
             out += "\n    " + std::to_string(button.type) + " " +

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -35,6 +37,15 @@ inline UserGroup Group(const std::vector<std::pair<int16_t, int16_t>>& entries) 
         group.listTypes.push_back(0);
     }
     return group;
+}
+
+// The four parts of a store as one value: stores filled along different
+// routes compare equal when every table does, down to the spare entries.
+using StoreParts =
+    std::tuple<std::array<AlphaTable, kSubTypeCount>, std::array<DisplayListTable, kSubTypeCount>,
+               UserGroupTable, TemplateTable>;
+inline StoreParts PartsOf(const PanelStore& store) {
+    return {store.alphas, store.displayLists, store.groups, store.templates};
 }
 
 } // namespace lumeth::test
