@@ -436,8 +436,24 @@ void ButtonEditor::PartReplaced(Part part) {
     // one shown and edited from now on.
     if (part != Part::Templates || !isVisible())
         return;
+    // Text being typed (Enter or leaving the box stores it) stays in its box,
+    // still to be stored, while the same template and button are shown.
+    const int shownTemplate = m_current;
+    const int shownButton = m_offset + m_button;
+    std::vector<std::pair<QLineEdit*, QString>> typed;
+    for (QLineEdit* box : {m_caption, m_templateName})
+        if (box->isModified() && !box->isReadOnly())
+            typed.emplace_back(box, box->text());
     Guarded(m_reporter, "Error Displaying Buttons", kButtonError,
             [this] { DisplayCurrentTemplate(); });
+    if (m_current != shownTemplate || m_offset + m_button != shownButton)
+        return;
+    for (const auto& [box, text] : typed) {
+        if (box->isReadOnly())
+            continue;
+        box->setText(text);
+        box->setModified(true);
+    }
 }
 
 void ButtonEditor::LoadTypeCombo() {

@@ -416,6 +416,20 @@ private slots:
         QFocusEvent leave(QEvent::FocusOut); // leaving the box stores it
         QApplication::sendEvent(name, &leave);
         QCOMPARE(m_store.templates.templateNames[0], std::string("Studio A Morning"));
+
+        // A download of the templates while a name is being typed keeps the
+        // typing, still to be stored; the rest of the editor shows the download.
+        name->setFocus();
+        name->clear();
+        QTest::keyClicks(name, "Late Show");
+        m_store.templates.templateNames[0] = "Server Side";
+        m_store.templates.buttonTemplates[0].buttons[1].label = "SRV";
+        m_editor->PartReplaced(Part::Templates);
+        QCOMPARE(name->text(), QString("Late Show"));
+        QCOMPARE(caption->text(), QString("MIC 2"));
+        QCOMPARE(m_store.templates.templateNames[0], std::string("Server Side"));
+        QTest::keyClick(name, Qt::Key_Return);
+        QCOMPARE(m_store.templates.templateNames[0], std::string("Late Show"));
     }
 
     // Keys whose button uses its custom label are marked and show that label as
