@@ -42,6 +42,7 @@
 #include "ui/file_dialog.h"
 #include "ui/login_dialog.h"
 #include "ui/message_box.h"
+#include "ui/named_widgets.h"
 #include "ui/qt_text.h"
 #include "ui/setup_dialog.h"
 
@@ -55,19 +56,12 @@ constexpr double kProgressPanelShare = 0.45;
 // The counts panel's largest share: it gives way to the link and progress.
 constexpr double kCountsPanelShare = 0.35;
 
-QPushButton* MakeButton(QWidget* parent, const char* name, const QString& caption,
-                        const QString& tip = {}) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    if (!tip.isEmpty())
-        button->setToolTip(tip);
-    return button;
-}
-
-QAction* MakeAction(QMenu* menu, const char* name, const QString& caption) {
-    auto* action = menu->addAction(caption);
-    action->setObjectName(name);
-    return action;
+// A menu of the menu bar; the menu and its entry in the bar are both `name`.
+QMenu* AddMenu(QMenuBar* bar, const QString& title, const char* name) {
+    QMenu* menu = bar->addMenu(title);
+    menu->setObjectName(name);
+    menu->menuAction()->setObjectName(name);
+    return menu;
 }
 
 QAction* MakeSeparator(QMenu* menu, const char* name) {
@@ -153,60 +147,60 @@ MainWindow::MainWindow(const std::string& folder, QWidget* parent)
 MainWindow::~MainWindow() = default;
 
 void MainWindow::BuildMenus() {
-    QMenuBar* bar = menuBar();
-    QMenu* file = bar->addMenu("&File");
-    file->setObjectName("mnuFile");
-    file->menuAction()->setObjectName("mnuFile");
-    connect(MakeAction(file, "mnuSetup", "Setup"), &QAction::triggered, this,
+    BuildFileMenu(AddMenu(menuBar(), "&File", "mnuFile"));
+    BuildEditMenu(AddMenu(menuBar(), "&Edit", "mnuEditMenu"));
+    QMenu* help = AddMenu(menuBar(), "&Help", "mnuHelp");
+    connect(MakeMenuAction(help, "mnuAbout", "About"), &QAction::triggered, this,
+            &MainWindow::ShowAbout);
+    BuildPopup();
+}
+
+void MainWindow::BuildFileMenu(QMenu* file) {
+    connect(MakeMenuAction(file, "mnuSetup", "Setup"), &QAction::triggered, this,
             &MainWindow::ShowSetup);
     MakeSeparator(file, "mnuSep1");
-    connect(MakeAction(file, "munUserGroups", "Edit &User Groups"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "munUserGroups", "Edit &User Groups"), &QAction::triggered, this,
             &MainWindow::EditGroups);
-    connect(MakeAction(file, "mnuDisplayLists", "Edit &Dsiplay Lists"), &QAction::triggered, this,
-            &MainWindow::EditLists);
-    connect(MakeAction(file, "mnuButtons", "Program &Button Templates"), &QAction::triggered, this,
-            &MainWindow::EditButtons);
+    connect(MakeMenuAction(file, "mnuDisplayLists", "Edit &Dsiplay Lists"), &QAction::triggered,
+            this, &MainWindow::EditLists);
+    connect(MakeMenuAction(file, "mnuButtons", "Program &Button Templates"), &QAction::triggered,
+            this, &MainWindow::EditButtons);
     MakeSeparator(file, "mnuSep2");
-    connect(MakeAction(file, "mnuSaveAll", "&Save All"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuSaveAll", "&Save All"), &QAction::triggered, this,
             &MainWindow::SaveAll);
-    connect(MakeAction(file, "mnuLoadAll", "&Load All"), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuLoadAll", "&Load All"), &QAction::triggered, this,
             &MainWindow::LoadAll);
-    connect(MakeAction(file, "mnuExportCsv", "Export CSV..."), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuExportCsv", "Export CSV..."), &QAction::triggered, this,
             &MainWindow::ExportCsvFiles);
-    connect(MakeAction(file, "mnuImportCsv", "Import CSV..."), &QAction::triggered, this,
+    connect(MakeMenuAction(file, "mnuImportCsv", "Import CSV..."), &QAction::triggered, this,
             &MainWindow::ImportCsvFiles);
     MakeSeparator(file, "mnuSep3");
-    connect(MakeAction(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
+    connect(MakeMenuAction(file, "mnuExit", "E&xit"), &QAction::triggered, this, &QWidget::close);
+}
 
-    QMenu* edit = bar->addMenu("&Edit");
-    edit->setObjectName("mnuEditMenu");
-    edit->menuAction()->setObjectName("mnuEditMenu");
-    m_undo = MakeAction(edit, "mnuUndo", "&Undo");
+void MainWindow::BuildEditMenu(QMenu* edit) {
+    m_undo = MakeMenuAction(edit, "mnuUndo", "&Undo");
     m_undo->setShortcut(QKeySequence("Ctrl+Z"));
     connect(m_undo, &QAction::triggered, this, &MainWindow::Undo);
-    m_redo = MakeAction(edit, "mnuRedo", "&Redo");
+    m_redo = MakeMenuAction(edit, "mnuRedo", "&Redo");
     m_redo->setShortcut(QKeySequence("Ctrl+Shift+Z"));
     connect(m_redo, &QAction::triggered, this, &MainWindow::Redo);
     MakeSeparator(edit, "mnuEditSep1");
-    QAction* changes = MakeAction(edit, "mnuChanges", "&Review Changes...");
+    QAction* changes = MakeMenuAction(edit, "mnuChanges", "&Review Changes...");
     changes->setShortcut(QKeySequence("Ctrl+D"));
     connect(changes, &QAction::triggered, this, &MainWindow::ReviewChanges);
-    connect(MakeAction(edit, "mnuCheck", "&Check Configuration..."), &QAction::triggered, this,
+    connect(MakeMenuAction(edit, "mnuCheck", "&Check Configuration..."), &QAction::triggered, this,
             &MainWindow::ShowCheck);
     m_safeApply = new SafeApply(*this);
     m_safeApply->AddMenuItems(edit);
     RefreshEditMenu();
+}
 
-    QMenu* help = bar->addMenu("&Help");
-    help->setObjectName("mnuHelp");
-    help->menuAction()->setObjectName("mnuHelp");
-    connect(MakeAction(help, "mnuAbout", "About"), &QAction::triggered, this,
-            &MainWindow::ShowAbout);
-
+void MainWindow::BuildPopup() {
     // Not on the menu bar: shown only as the views' context menu.
     m_popup = new QMenu("Popup", this);
     m_popup->setObjectName("mnuPopup");
-    connect(MakeAction(m_popup, "mnuEdit", "Edit List"), &QAction::triggered, this,
+    connect(MakeMenuAction(m_popup, "mnuEdit", "Edit List"), &QAction::triggered, this,
             &MainWindow::EditFromPopup);
     connect(m_popup, &QMenu::aboutToHide, this, [this] {
         // After the menu's action (if any) has run.

@@ -115,6 +115,10 @@ private:
     friend class SafeApply;
 
     void BuildMenus();
+    void BuildFileMenu(QMenu* file);
+    void BuildEditMenu(QMenu* edit);
+    // The views' context menu.
+    void BuildPopup();
     void BuildLayout();
     void BuildStatusBar();
     void SetTabOrder(const std::vector<QWidget*>& buttons);

@@ -11,6 +11,7 @@
 #include "files/panel_data_file.h"
 #include "model/store_diff.h"
 #include "ui/changes_dialog.h"
+#include "ui/named_widgets.h"
 #include "ui/qt_text.h"
 
 namespace lumeth {
@@ -26,12 +27,6 @@ std::vector<BackupEntry> BackupsIn(const std::string& folder) {
     if (!ListBackups(folder + kBackupFolder, entries))
         entries.clear();
     return entries;
-}
-
-QPushButton* MakeButton(const QString& caption, const char* name, QWidget* parent) {
-    auto* button = new QPushButton(caption, parent);
-    button->setObjectName(name);
-    return button;
 }
 
 } // namespace
@@ -52,9 +47,9 @@ BackupsDialog::BackupsDialog(const std::string& folder, const PanelStore& curren
     m_list->setObjectName("lvBackups");
     m_list->setRootIsDecorated(false);
     m_list->setHeaderLabels({"Date", "Size", "Differences"});
-    m_compare = MakeButton("&Compare", "cmdCompare", this);
-    m_load = MakeButton("&Load", "cmdLoad", this);
-    QPushButton* close = MakeButton("Close", "cmdClose", this);
+    m_compare = MakeButton(this, "cmdCompare", "&Compare");
+    m_load = MakeButton(this, "cmdLoad", "&Load");
+    QPushButton* close = MakeButton(this, "cmdClose", "Close");
     connect(m_compare, &QPushButton::clicked, this, &BackupsDialog::Compare);
     connect(m_load, &QPushButton::clicked, this, &BackupsDialog::Load);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
